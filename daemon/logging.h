@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The log files: the main log and the daily log.
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+/// The main log's path, /opt/norvix/daemon.log.
+QString mainLogPath();
+
+/// Qt's messages: printed on standard output with "Debug: " or "Fatal: " before them, and appended
+/// to the main log. A fatal message then ends the process, but not when the log cannot be opened.
+/// Any thread.
+void debugHandler(QtMsgType type, const char *msg);
+
+/// Makes debugHandler() receive every message of Qt in the process.
+void installDebugHandler();
+
+/// Appends "dd-MM-yyyy hh:mm:ss @p msg" to the main log in UTF-8, and prints it on standard output
+/// when `debug` is set. A log that cannot be opened is skipped silently. Any thread.
+void appendToLog(const QString &msg);
+
+/// Appends "dd.MM.yyyy hh:mm:ss: @p msg" to today's file under /var/log/norvix, which is made when
+/// missing. Failures are silent. Main thread.
+void appendToDailyLog(const QString &msg);

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Finding and running the external programs.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+/// The path of the executable file that the bare @p name stands for along PATH of @p environment
+/// ("NAME=value" entries). @p name itself when it holds a slash, when there is no PATH, or when no
+/// folder of PATH has it: starting that fails the ordinary way.
+QString findProgram(const QString &name, const QStringList &environment);
+
+/// How a program run by runProgram() ended.
+struct ProgramResult
+{
+    std::optional<int> exitCode; ///< empty: not started, crashed, or still running at the time-out
+    qint64 processId = 0; ///< 0 when it could not be started
+    QByteArray output; ///< the beginning of its standard output, when that was asked for
+};
+
+/// Runs @p program and waits at most @p timeoutMs for it to end. Its standard streams are the null
+/// device, but @p maxOutput > 0 keeps that many bytes of standard output. An empty @p environment
+/// inherits the daemon's. One that exceeds its time is left running, is reaped when it ends, and
+/// never keeps another run from starting. Call it from any thread.
+ProgramResult runProgram(const QString &program, const QStringList &arguments, int timeoutMs,
+    const QStringList &environment = QStringList(), int maxOutput = 0);
