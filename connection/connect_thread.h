@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// The worker thread that brings the link up.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QThread>
+
+class MyProcess;
+class QSettings;
+
+/// Waits for the line, prepares interface and bridge, runs pppd. One object for the life of the
+/// process, living on the main thread; launched once per connection.
+class ConnectThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    /// @p getModemState tells the line's state, a LineState as integer; called on this thread.
+    ConnectThread(QSettings *settings, int (*getModemState)());
+
+    /// Starts the thread. Main thread, only while it is not running.
+    void launch();
+
+    /// Kills the pppd that this thread started, if it still runs. Main thread.
+    void killPppd();
+
+    /// The outcome once the thread has finished: 0 when the line never synchronised, else 3.
+    int result() const { return m_result; }
+
+signals:
+    void threadMessage(const QString &message); ///< a line for the log
+    void debugMsg(QByteArray line); ///< a line of pppd's output
+    void synchronizing(); ///< the line is not up yet; once per connection attempt
+
+public slots:
+    void run() override;
+
+    /// Polls the line every five seconds. True once it is up, false after 35 seconds without. This
+    /// thread only.
+    bool waitForSynchronization();
+
+private:
+    void keepPaceWithReader();
+    void prepareDSL0();
+    void prepareNAS0();
+    void prepareInterface(const char *operation, const char *interface);
+    void prepareBridging();
+    void say(const char *operation, const QString &text);
+
+    MyProcess *m_process;
+    int (*m_getModemState)();
+    QStringList m_arguments;
+    QStringList m_environment;
+    bool m_is32bit;
+    QSettings *m_settings;
+    int m_result = 3;
+    int m_linesSent = 0;
+};

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+// Starting, following and ending a connection.
+#include "daemon/norvix_daemon.h"
+
+#include "connection/connect_thread.h"
+#include "connection/line_state.h"
+#include "connection/pid_file.h"
+#include "connection/pppd_line.h"
+#include "support/debug.h"
+#include "support/programs.h"
+
+#include <QNetworkInterface>
+#include <QTimer>
+#include <csignal>
+
+namespace {
+
+constexpr int killTimeoutMs = 500;
+
+/// The note on a line that is not up. It says "returning", yet the connection goes on: the thread
+/// waits for the line by itself.
+const char *noteOnLine(int lineState)
+{
+    switch (LineState(lineState)) {
+    case LineSynchronizing:
+        return "Modem is synchronizing, returning...";
+    case LineSyncFailed:
+        return "Modem synchronization failed, returning...";
+    case LineError:
+        return "Modem driver returned error, returning...";
+    case LineUnknown:
+        return "Modem state is unknown, returning...";
+    case LineSynchronized:
+    case LineBooting:
+        break;
+    }
+    return nullptr;
+}
+
+void traceStep(int step)
+{
+    qDebug("%d ", step);
+}
+
+/// Kills the process whose id the file at @p path holds.
+void killProcessOf(const QString &path)
+{
+    if (const std::optional<pid_t> pid = readPidFile(path)) {
+        qDebug("pid: %d ", int(*pid));
+        kill(*pid, SIGKILL);
+    }
+}
+
+bool hasAddress(const QNetworkInterface &interface)
+{
+    const QList<QNetworkAddressEntry> entries = interface.addressEntries();
+    return !entries.isEmpty() && !entries.constFirst().ip().toString().isEmpty();
+}
+
+} // namespace
+
+void Norvix_Daemon::establishConnection()
+{
+    if (m_connectThread->isRunning()) {
+        writeLog(QStringLiteral("Can not establish connection, thread is still running!"));
+        return;
+    }
+    if (getConnectionState() == ConnectionUp && debug) {
+        puts("Norvix_Daemon::establishConnection(): already connected...");
+    }
+    if (const char *note = noteOnLine(getModemState())) {
+        puts(note);
+    }
+    m_connecting = true;
+    m_connectThread->launch();
+}
+
+void Norvix_Daemon::connectingStarted()
+{
+    m_connecting = true;
+    emit setEnabledConnect(false);
+    emit establishingConnection();
+}
+
+void Norvix_Daemon::connectingFinished()
+{
+    m_connecting = false;
+    emit setEnabledConnect(true);
+    switch (m_connectThread->result()) {
+    case 0:
+        emit synchronizationFailed();
+        break;
+    case 2:
+        emit connectionTimeout();
+        break;
+    default:
+        break;
+    }
+    emit connectionState(getConnectionState());
+}
+
+void Norvix_Daemon::debugConnecting(const QByteArray &msg)
+{
+    writeLog(QStringLiteral("Norvix_Daemon::debugConnecting(): ") + QString::fromLocal8Bit(msg));
+    switch (classifyPppdLine(msg, m_connectRegExp, m_localIpRegExp, m_authFailedRegExp)) {
+    case PppdEvent::None:
+        break;
+    case PppdEvent::Link:
+        qDebug("%s", "connectingRegExp");
+        m_connecting = true;
+        m_statisticsTimer->stop();
+        break;
+    case PppdEvent::LocalAddress:
+        emit connectionEstablished();
+        emit IP(getIP(QString()));
+        emit defaultRoute(getDefaultRoute());
+        m_connecting = false;
+        getConnectionTime();
+        m_statisticsTimer->start();
+        break;
+    case PppdEvent::AuthenticationFailed:
+        m_connecting = false;
+        m_connectThread->killPppd();
+        emit invalidAccountData();
+        break;
+    case PppdEvent::DiscoveryTimeout:
+        m_connectThread->killPppd();
+        m_connecting = false;
+        emit connectionTimeout();
+        break;
+    }
+}
+
+int Norvix_Daemon::getConnectionState()
+{
+    if (m_connecting) {
+        return ConnectionConnecting;
+    }
+    return hasAddress(QNetworkInterface::interfaceFromName(getInterface())) ? ConnectionUp
+                                                                            : ConnectionDown;
+}
+
+void Norvix_Daemon::terminateConnection()
+{
+    traceStep(1);
+    killProcessOf(QStringLiteral("/var/run/ppp-norvix.pid"));
+
+    traceStep(2);
+    if (const std::optional<pid_t> bridge = readPidFile(QStringLiteral("/var/run/nas0.pid"))) {
+        // Keeps the odd argument: the character with the id's code, not its digits. The killall
+        // below is what ends the bridge.
+        runProgram(QStringLiteral("kill"),
+            {QStringLiteral("-9"), QString(QChar(ushort(*bridge & 0xffff)))}, killTimeoutMs);
+    }
+
+    traceStep(3);
+    removePidFiles();
+    emit connectionTerminated();
+    m_statisticsTimer->stop();
+
+    traceStep(4);
+    runProgram(QStringLiteral("killall"),
+        {QStringLiteral("-9"), QStringLiteral("pppd"), QStringLiteral("br2684ctl_amd64"),
+            QStringLiteral("br2684ctl_i386")},
+        killTimeoutMs);
+
+    traceStep(5);
+    puts("Norvix_Daemon::terminateConnection()");
+    killProcessOf(QStringLiteral("/var/run/") + getInterface() + QStringLiteral(".pid"));
+}

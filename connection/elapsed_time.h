@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+// The elapsed time of a process as ps prints it.
+#pragma once
+
+#include <QString>
+#include <QTime>
+#include <optional>
+
+/// The hours, minutes and seconds in @p text ("05:07", "01:02:03", "1-02:03:04"; days are dropped).
+/// Empty when it holds no time.
+std::optional<QTime> parseElapsedTime(const QString &text);

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "connection/pppd_command.h"
+
+QStringList pppdArguments(const QString &peer, const QStringList &extraArguments)
+{
+    QStringList arguments = {QStringLiteral("debug"), QStringLiteral("linkname"),
+        QStringLiteral("norvix"), QStringLiteral("call"), peer};
+    for (const QString &argument : extraArguments) {
+        if (!argument.isEmpty()) {
+            arguments.append(argument);
+        }
+    }
+    return arguments;
+}
+
+QStringList childEnvironment(const QStringList &environment, bool is32bit)
+{
+    const QString libraryFolder
+        = is32bit ? QStringLiteral("/opt/norvix/lib") : QStringLiteral("/opt/norvix/lib64");
+    const QString programFolder = QStringLiteral("/opt/norvix/bin");
+
+    QStringList result = environment;
+    bool hasLibraryPath = false;
+    bool hasPath = false;
+    for (QString &entry : result) {
+        if (entry.startsWith(QLatin1String("LD_LIBRARY_PATH="))) {
+            entry += QLatin1Char(':') + libraryFolder;
+            hasLibraryPath = true;
+        } else if (entry.startsWith(QLatin1String("PATH="))) {
+            entry += QLatin1Char(':') + programFolder;
+            hasPath = true;
+        }
+    }
+    if (!hasLibraryPath) {
+        result.append(libraryFolder);
+    }
+    if (!hasPath) {
+        result.append(programFolder);
+    }
+    return result;
+}

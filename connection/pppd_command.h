@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+// What pppd and the other programs of a connection are started with.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The arguments that make pppd read the peer file @p peer and name its pid file after the daemon.
+/// The user's @p extraArguments follow; empty ones are no arguments.
+QStringList pppdArguments(const QString &peer, const QStringList &extraArguments);
+
+/// @p environment with the daemon's own library and program folders at the end of its search paths.
+/// Where it has no such path, the bare folder is added as an entry without a name, which no child
+/// ever sees.
+QStringList childEnvironment(const QStringList &environment, bool is32bit);

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Entry of norvix-daemon.
+#include "daemon/logging.h"
+#include "daemon/norvix_daemon.h"
+#include "daemon/process_end.h"
+#include "daemon/settings.h"
+#include "support/debug.h"
+#include "support/lock_file.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+constexpr int forkFailedStatus = -1;
+constexpr int alreadyRunningStatus = -2;
+
+bool wantsDebug(const QStringList &arguments)
+{
+    for (const char *option : {"--debug", "-debug", "-d", "--verbose", "-debug", "-v"}) {
+        if (arguments.contains(QLatin1String(option))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int runDaemon(int argc, char **argv)
+{
+    // A smaller event loop: nothing here needs the desktop's one. Children do not see the choice.
+    const bool isUnset = qEnvironmentVariableIsEmpty("QT_NO_GLIB");
+    if (isUnset) {
+        qputenv("QT_NO_GLIB", "1");
+    }
+    QCoreApplication application(argc, argv);
+    if (isUnset) {
+        qunsetenv("QT_NO_GLIB");
+    }
+    endOnSignals();
+    if (wantsDebug(QCoreApplication::arguments())) {
+        debug = true;
+    }
+    Norvix_Daemon daemon;
+    if (debug) {
+        fputs("Norvix Daemon: started.\n", stdout);
+    }
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+    installDebugHandler();
+    setDebug(true, QStringLiteral("/opt/norvix/daemon_verbose.log"));
+
+    const pid_t child = fork();
+    if (child > 0) {
+        return 0;
+    }
+    if (child < 0) {
+        fprintf(stderr, "Norvix Daemon: Failed to fork (%i)!\n", int(child));
+        return forkFailedStatus;
+    }
+    if (lockFile(QStringLiteral("/var/lock/norvixdaemon")) < 0) {
+        fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
+        return alreadyRunningStatus;
+    }
+    removeStaleSettingsLocks();
+    return runDaemon(argc, argv);
+}
