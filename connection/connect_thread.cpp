@@ -195,7 +195,12 @@ void ConnectThread::run()
         m_process->waitForFinished(pppdEndingMs);
     }
     m_process->start(QStringLiteral("pppd"), m_arguments);
-    if (!m_process->waitForFinished(pppdTimeoutMs) && m_process->state() != QProcess::NotRunning) {
+    if (m_process->waitForFinished(pppdTimeoutMs)) {
+        return;
+    }
+    if (m_process->error() == QProcess::FailedToStart) {
+        say("run", QStringLiteral("pppd: ") + m_process->errorString());
+    } else if (m_process->state() != QProcess::NotRunning) {
         // This thread ends now. The main thread reads on, so that pppd never blocks on a full pipe.
         m_process->moveToThread(thread());
     }

@@ -108,7 +108,7 @@ void appendToLog(const QString &msg)
 void appendToDailyLog(const QString &msg)
 {
     const QDir folder(QStringLiteral("/var/log/norvix"));
-    if (!folder.exists() && !folder.mkpath(QStringLiteral("."))) {
+    if (!folder.exists() && !QDir().mkpath(folder.path())) {
         return;
     }
     const QDateTime now = QDateTime::currentDateTime();

@@ -8,13 +8,28 @@
 #include "support/lock_file.h"
 
 #include <QCoreApplication>
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int forkFailedStatus = -1;
 constexpr int alreadyRunningStatus = -2;
+
+/// Makes sure that descriptors 0 to 2 exist. Started without them, the bus connection would become
+/// standard output, and what is printed would be written into it.
+void openMissingStandardStreams()
+{
+    int fd = -1;
+    do {
+        fd = open("/dev/null", O_RDWR);
+    } while (fd >= 0 && fd <= STDERR_FILENO);
+    if (fd > STDERR_FILENO) {
+        close(fd);
+    }
+}
 
 bool wantsDebug(const QStringList &arguments)
 {
@@ -52,6 +67,8 @@ int runDaemon(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    openMissingStandardStreams();
+    signal(SIGPIPE, SIG_IGN); // whoever read our output may go; the connection must not
     // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
     setvbuf(stdout, nullptr, _IOLBF, 0);
     installDebugHandler();
