@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+"""The private machine in which the daemon is tested and demonstrated."""

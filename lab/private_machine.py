@@ -1,0 +1,343 @@
+# SPDX-License-Identifier: MIT
+"""A machine of its own for the daemon: own processes, network, files and system bus, one call away.
+
+Everything happens in namespaces. What the daemon finds under /opt, /run, /tmp, /var/log, /etc and
+/usr/local/sbin are folders of a state folder, which tests read and write from outside; the rest of
+the host's files is there read-only. When the machine is left, or its maker dies, all of it vanishes.
+"""
+import base64
+import json
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import threading
+from collections import namedtuple
+from pathlib import Path
+
+from .bus_client import Client
+from .daemon_process import Daemon, Process
+from .kernel_log import KernelLog, RealKernelLog
+from .scenario import Pppd
+from .standin_control import Standin, install_standins, read_calls
+from .waiting import PATIENCE, wait_until
+
+REPOSITORY = Path(__file__).resolve().parent.parent
+HERE = REPOSITORY / "lab"
+BUILD = Path(os.environ.get("NORVIX_BUILD_DIR") or REPOSITORY / "build" / "release").resolve()
+ADDRESS_SANITIZER = os.environ.get("NORVIX_SANITIZER") == "address"
+REAL_PATH = "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
+USUAL_PATH = "/usr/local/sbin:" + REAL_PATH  # the stand-ins come first
+BUS_SOCKET = "/run/dbus/system_bus_socket"
+NORVIX_GROUP = 64999
+# Private folders. /var/run and /var/lock are links into /run on Debian; elsewhere they are bound.
+FOLDERS = ("/etc", "/opt", "/run", "/tmp", "/usr/local/sbin", "/var/log", "/var/run", "/var/lock")
+
+Completed = namedtuple("Completed", "status stdout stderr")
+
+
+class PrivateMachine:
+    """Use as a context manager. As root everything works; as an ordinary user (user namespaces must
+    be allowed) there is one user inside, root, and ppp0 is made without /dev/net/tun where need be.
+    private_folders: further places of the host that shall be empty and writable inside."""
+
+    def __init__(self, private_folders=(), real_kernel_log=False):
+        self._folders = FOLDERS + tuple(private_folders)
+        self._lock = threading.Lock()
+        self._exits_lock = threading.Lock()
+        self._spawned = 0
+        self._exits = []
+        self._bus = None
+        self._clients = []
+        self.rooted = os.geteuid() == 0
+        self.keep = bool(os.environ.get("NORVIX_LAB_KEEP"))
+        self.daemons = []
+        self.state = Path(tempfile.mkdtemp(prefix="nvx-", dir="/tmp"))
+        self.uses_real_kernel_log = real_kernel_log
+        self.kernel_log = (RealKernelLog() if real_kernel_log
+                           else KernelLog(self.path("/run/lab/kernel-log")))
+        self.pppd = Pppd(self.path("/run/lab"))
+
+    # ---- coming and going
+
+    def __enter__(self):
+        try:
+            self._furnish()
+            self._boot()
+        except BaseException:
+            self._end()
+            raise
+        return self
+
+    def __exit__(self, kind, *_):
+        reports = self.sanitizer_reports()
+        self._end()
+        if reports and kind is None:
+            raise AssertionError("memory errors were reported:\n" + reports)
+
+    def _furnish(self):
+        """Fills the private folders before anything runs."""
+        self.state.chmod(0o755)
+        for name in ("lib", "out"):
+            (self.state / name).mkdir()
+        for folder in self._folders:
+            self.path(folder).mkdir(parents=True, exist_ok=True)
+        for folder in ("/opt/norvix/bin", "/opt/norvix/lib", "/run/dbus", "/run/lab/standins",
+                       "/run/lab/triggers", "/run/lock"):
+            self.path(folder).mkdir(parents=True, exist_ok=True)
+        for folder in ("/tmp", "/run/lock", "/run/lab"):
+            self.path(folder).chmod(0o1777)
+        self._furnish_etc()
+        self._install_build()
+        install_standins(HERE / "standins", self.state / "lib", self.path)
+        self.pppd.play()
+
+    def _furnish_etc(self):
+        """The host's /etc, except for what the daemon or a test changes."""
+        etc = self.path("/etc")
+        for entry in os.scandir("/etc"):
+            target = os.readlink(entry.path) if entry.is_symlink() else "/mnt/host-etc/" + entry.name
+            (etc / entry.name).symlink_to(target)
+        for name in ("ppp", "dbus-1", "resolv.conf", "group", "passwd"):
+            (etc / name).unlink(missing_ok=True)
+        (etc / "ppp/peers").mkdir(parents=True)
+        (etc / "dbus-1/system.d").mkdir(parents=True)
+        (etc / "resolv.conf").write_text("nameserver 192.0.2.53\n", encoding="ascii")
+        for name in ("pap-secrets", "chap-secrets"):
+            (etc / "ppp" / name).write_text("", encoding="ascii")
+            (etc / "ppp" / name).chmod(0o600)
+        groups = Path("/etc/group").read_text(encoding="utf-8")
+        (etc / "group").write_text(groups.rstrip("\n") + "\nnorvix:x:%d:\n" % NORVIX_GROUP,
+                                   encoding="utf-8")
+        shutil.copy("/etc/passwd", etc / "passwd")
+        shutil.copy(HERE / "system-bus.conf", etc / "dbus-1/system.conf")
+
+    def _install_build(self):
+        for folder, names in (("bin", ("norvix-daemon", "norvix-hald")),
+                              ("lib", ("libnorvix-support.so",))):
+            for name in names:
+                if (BUILD / folder / name).exists():
+                    shutil.copy(BUILD / folder / name, self.path("/opt/norvix") / folder)
+        preloaded = BUILD / "lab/libklogctl-standin.so"
+        if preloaded.exists():
+            shutil.copy(preloaded, self.state / "lib")
+
+    def _boot(self):
+        self._control, theirs = socket.socketpair()
+        options = {"folders": self._folders, "keep": self.keep}
+        command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--fork", "--kill-child=KILL"]
+        command += [] if self.rooted else ["--user", "--map-root-user"]
+        command += ["/usr/bin/python3", "-B", str(HERE / "machine_init.py"), str(self.state),
+                    str(theirs.fileno()), json.dumps(options)]
+        # In a session of its own, so that an interrupt typed at the terminal reaches only its maker.
+        self._unshare = subprocess.Popen(command, pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL,
+                                         start_new_session=True)
+        theirs.close()
+        self._receive()
+
+    def _end(self):
+        for client in self._clients:
+            client.close()
+        if hasattr(self, "_control"):
+            self._control.close()  # everything inside ends by this
+            try:
+                self._unshare.wait(PATIENCE)
+            except subprocess.TimeoutExpired:
+                self._unshare.kill()
+                self._unshare.wait()
+        if self.keep:
+            print("kept: %s" % self.state)
+        else:
+            shutil.rmtree(self.state, ignore_errors=True)
+
+    # ---- talking with process 1
+
+    def _receive(self):
+        data, descriptors = b"", []
+        while not data.endswith(b"\n"):
+            part, passed, _, _ = socket.recv_fds(self._control, 1 << 20, 1)
+            if not part:
+                raise RuntimeError("the private machine has ended")
+            data += part
+            descriptors += passed
+        reply = json.loads(data)
+        if "error" in reply:
+            raise OSError(reply["errno"], reply["error"])
+        return descriptors[0] if descriptors else reply["result"]
+
+    def request(self, do, **arguments):
+        """One request to process 1 of the machine; see machine_init.py."""
+        with self._lock:
+            self._control.sendall(json.dumps({"do": do, **arguments}).encode() + b"\n")
+            return self._receive()
+
+    # ---- files
+
+    def path(self, inside):
+        """Where a file of the machine's private folders lies outside. Other places of the machine
+        are the host's; /proc and /sys are reached by read()."""
+        inside = os.path.normpath(inside)
+        for link, target in (("/var/run", "/run"), ("/var/lock", "/run/lock")):
+            if os.path.islink(link) and (inside == link or inside.startswith(link + "/")):
+                inside = target + inside[len(link):]
+        for folder in self._folders:
+            if inside == folder or inside.startswith(folder + "/"):
+                return Path(str(self.state) + "/root" + inside)
+        raise ValueError("%s is not private to the machine" % inside)
+
+    def read(self, inside):
+        """The bytes of any file as seen inside, /proc and /sys included."""
+        return base64.b64decode(self.request("read", path=inside))
+
+    def write(self, inside, content):
+        """Writes any file as seen inside, in one write."""
+        self.request("write", path=inside, content=base64.b64encode(content).decode())
+
+    def settings(self, **keys):
+        """Writes the daemon's settings file anew with these keys, as a client would have left it."""
+        lines = ["%s=%s" % (key, str(value).lower() if isinstance(value, bool) else value)
+                 for key, value in keys.items()]
+        self.path("/opt/norvix/.daemon_ng.ini").write_text("[General]\n" + "\n".join(lines) + "\n",
+                                                           encoding="utf-8")
+
+    # ---- processes
+
+    def spawn(self, argv, env=None, cwd="/", uid=0, gid=None, groups=(), label="process"):
+        """Starts a program inside; the result is a Process. env is added to a plain environment, in
+        which programs are the real ones; a value of None takes a variable away."""
+        self._spawned += 1
+        name = "%03d-%s" % (self._spawned, label)
+        environment = {"PATH": REAL_PATH, "HOME": "/tmp", "LANG": "C.UTF-8"}
+        environment.update(env or {})
+        environment = {key: value for key, value in environment.items() if value is not None}
+        for stream in ("stdout", "stderr"):
+            file = self.state / "out" / ("%s.%s" % (name, stream))
+            file.touch()
+            file.chmod(0o666)
+        pid = self.request("spawn", argv=[str(word) for word in argv], env=environment, cwd=cwd,
+                           stdout="/mnt/lab/out/%s.stdout" % name,
+                           stderr="/mnt/lab/out/%s.stderr" % name,
+                           uid=uid, gid=uid if gid is None else gid, groups=list(groups))
+        return Process(self, pid, self.state / "out" / name)
+
+    def run(self, argv, timeout=PATIENCE, **options):
+        """Runs a program inside to its end: status (negative: the signal), stdout, stderr."""
+        process = self.spawn(argv, **options)
+        return Completed(process.wait(timeout), process.output(), process.errors())
+
+    def kill(self, pid, number=signal.SIGTERM):
+        """Sends a signal to a process, by its id inside."""
+        self.request("kill", pid=pid, number=int(number))
+
+    def processes(self, comm=None):
+        """Everyone inside: dictionaries of pid, ppid, pgid, comm, state, argv."""
+        return [facts for facts in self.request("processes") if comm in (None, facts["comm"])]
+
+    def exits(self):
+        """All that process 1 has reaped, orphans included, in order: the same facts with status
+        (negative: the signal) and time."""
+        with self._exits_lock:
+            self._exits += self.request("exits", since=len(self._exits))
+            return list(self._exits)
+
+    def exit_of(self, pid):
+        """The record of a process that has ended and been reaped, or None."""
+        return next((record for record in self.exits() if record["pid"] == pid), None)
+
+    # ---- stand-in programs
+
+    def standin(self, name):
+        """The stand-in of that name, to be scripted: pppd, modprobe, ifconfig, ..."""
+        return Standin(self, name)
+
+    def calls(self, program=None):
+        """The calls of stand-in programs so far, in order."""
+        return read_calls(self.path("/run/lab/calls.jsonl"), program)
+
+    def wait_call(self, program, count=1, timeout=PATIENCE):
+        """Waits for the count-th call of a program and returns it."""
+        return wait_until(lambda: self.calls(program)[count - 1:count], timeout,
+                          "call %d of %s" % (count, program),
+                          lambda: [call.command for call in self.calls()])[0]
+
+    def traffic(self, bytes_per_second, seconds, device="ppp0"):
+        """Sends that much through an interface, at an even rate; does not wait."""
+        return self.spawn(["/mnt/lab/lib/traffic", device, bytes_per_second, seconds],
+                          label="traffic")
+
+    # ---- the bus
+
+    def start_bus(self, policy=REPOSITORY / "packaging" / "norvix.conf", policies=()):
+        """Starts the system bus with a policy for the daemon (None: without). policies are further
+        files to be installed beside it. Waits until it answers."""
+        folder = self.path("/etc/dbus-1/system.d")
+        if policy:
+            shutil.copy(policy, folder / "norvix.conf")
+        for file in policies:
+            shutil.copy(file, folder)
+        self._bus = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile",
+                                "--config-file=/etc/dbus-1/system.conf"], label="bus")
+
+        def answers():
+            if self._bus.ended():
+                raise RuntimeError("the bus has ended:\n" + self._bus.errors())
+            try:
+                self.client().call_bus("GetId")
+                return True
+            except OSError:
+                return False
+
+        wait_until(answers, what="the bus answers")
+
+    def stop_bus(self):
+        """Ends the bus, as a crash would."""
+        self._bus.signal(signal.SIGKILL)
+        self._bus.wait()
+        self.path(BUS_SOCKET).unlink(missing_ok=True)
+
+    def client(self, uid=0, gid=None, groups=()):
+        """A connection to the bus as that user (as seen inside), closed with the machine."""
+        descriptor = self.request("connect", path=BUS_SOCKET, uid=uid,
+                                  gid=uid if gid is None else gid, groups=list(groups))
+        client = Client(socket.socket(fileno=descriptor), uid)
+        self._clients.append(client)
+        return client
+
+    # ---- the daemon
+
+    def start_daemon(self, *arguments, env=None, wait=True, cwd="/"):
+        """Starts /opt/norvix/bin/norvix-daemon and, unless told otherwise, waits until it owns its
+        name. The result is a Daemon."""
+        environment = {"PATH": USUAL_PATH}
+        if not self.uses_real_kernel_log:
+            environment["LD_PRELOAD"] = "/mnt/lab/lib/libklogctl-standin.so"
+        if ADDRESS_SANITIZER:
+            environment.update(SANITIZER_OPTIONS)
+        environment.update(env or {})
+        process = self.spawn(["/opt/norvix/bin/norvix-daemon", *arguments], env=environment, cwd=cwd,
+                             label="daemon")
+        daemon = Daemon(process)
+        self.daemons.append(daemon)
+        if wait:
+            daemon.wait_ready()
+        return daemon
+
+    def daemon_log(self):
+        """The text of the daemon's main log."""
+        path = self.path("/opt/norvix/daemon.log")
+        return path.read_text(encoding="utf-8", errors="replace") if path.exists() else ""
+
+    def sanitizer_reports(self):
+        """What the daemon's memory checker has reported, as text; empty when all is well."""
+        folder = self.state / "out"
+        return "\n".join(file.read_text(encoding="utf-8", errors="replace")
+                         for file in sorted(folder.glob("asan.*")))
+
+
+SANITIZER_OPTIONS = {
+    "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:abort_on_error=0"
+                    ":log_path=/mnt/lab/out/asan",
+    "UBSAN_OPTIONS": "print_stacktrace=1:log_path=/mnt/lab/out/asan",
+}

@@ -1,0 +1,76 @@
+# SPDX-License-Identifier: MIT
+"""Stand-in programs seen from a test: installing and scripting them, reading how they were called."""
+import json
+import os
+import shutil
+from collections import namedtuple
+
+SBIN, NORVIX_BIN = "/usr/local/sbin", "/opt/norvix/bin"
+RECORDED = ("modprobe", "rmmod", "ifconfig", "ip", "kill", "killall", "ps")
+FOLDER_OF = {"br2684ctl_amd64": NORVIX_BIN, "br2684ctl_i386": NORVIX_BIN}
+REAL_FOLDERS = ("/usr/local/bin", "/usr/sbin", "/usr/bin")
+LIBRARY = ("netlink.py", "link.py", "standin.py", "traffic")
+
+# fds: the descriptors that the program inherited, {"0": what it leads to, ...}.
+Call = namedtuple("Call", "time program argv env pid ppid fds")
+Call.command = property(lambda call: [call.program] + call.argv)
+
+
+def install_standins(source, library, path):
+    """Puts all stand-ins in their places in a machine's private folders."""
+    for name in LIBRARY:
+        shutil.copy(source / name, library)
+    shutil.copy(source / "pppd", path(SBIN))
+    for name in RECORDED:
+        shutil.copy(source / "recorder", path(SBIN) / name)
+    for name in FOLDER_OF:
+        shutil.copy(source / "br2684ctl", path(NORVIX_BIN) / name)
+
+
+def read_calls(file, program=None):
+    """The calls written down so far; a line that is being written is left for the next time."""
+    if not file.exists():
+        return []
+    lines = file.read_bytes().split(b"\n")[:-1]
+    calls = (Call(**json.loads(line)) for line in lines)
+    return [call for call in calls if program in (None, call.program)]
+
+
+class Standin:
+    """One stand-in program of a machine."""
+
+    def __init__(self, machine, name):
+        self._machine = machine
+        self._name = name
+        self._file = machine.path(FOLDER_OF.get(name, SBIN)) / name
+        self._script = machine.path("/run/lab/standins") / (name + ".json")
+        self._away = self._file.with_name(name + ".away")
+
+    def set(self, missing=False, not_executable=False, **behaviour):
+        """What the next call does: stdout, stderr (text or bytes), sleep (seconds, before it ends),
+        exit (status), exec_real (then becomes the real program). missing and not_executable hold
+        for the real program of the host, too. Nothing at all: the usual behaviour again."""
+        for stream in ("stdout", "stderr"):
+            if isinstance(text := behaviour.get(stream), str):
+                behaviour[stream] = text.encode().decode("latin-1")
+            elif text is not None:
+                behaviour[stream] = text.decode("latin-1")
+        fresh = self._script.with_suffix(".new")
+        fresh.write_text(json.dumps(behaviour), encoding="ascii")
+        fresh.replace(self._script)
+        self._set_presence(missing, not_executable)
+
+    def _set_presence(self, missing, not_executable):
+        if missing and self._file.exists():
+            self._file.rename(self._away)
+        elif not missing and self._away.exists():
+            self._away.rename(self._file)
+        if not missing:
+            self._file.chmod(0o644 if not_executable else 0o755)
+        for folder in REAL_FOLDERS:
+            real = "%s/%s" % (folder, self._name)
+            if os.path.exists(real):
+                self._machine.request("hide" if missing or not_executable else "unhide", path=real)
+
+    def calls(self):
+        return self._machine.calls(self._name)
