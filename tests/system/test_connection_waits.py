@@ -1,0 +1,113 @@
+# SPDX-License-Identifier: MIT
+"""Waiting for the line, and programs that hang: what takes long, and what must not."""
+import time
+
+import pytest
+
+from lab.scenario import link_up, stay
+
+SPEEDTCH = 0x06B9
+PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}
+
+
+def answers_until(client, condition, longest=3.0):
+    """Calls reply until the condition holds; no answer may take longer than that many seconds."""
+    while not condition():
+        begun = time.monotonic()
+        assert client.call("reply") is True
+        assert time.monotonic() - begun < longest
+        time.sleep(0.05)
+
+
+def test_a_line_that_never_synchronises_is_given_up_after_35_seconds(bus_machine):
+    bus_machine.settings(vendor_id=SPEEDTCH)
+    bus_machine.kernel_log.append("ATM dev 0: ADSL line is synchronising")
+    client = bus_machine.client()
+    daemon = bus_machine.start_daemon("-d")
+    begun = time.monotonic()
+    client.call("establishConnection")
+    client.wait_signal("synchronizing")
+    assert client.call("getConnectionState") == 1
+    client.wait_signal("synchronizationFailed", timeout=90)
+    assert 34.9 < time.monotonic() - begun < 60
+    assert client.wait_signal("connectionState").args == (2,)
+    seen = [name for name in client.names() if not name.startswith("compil")]
+    assert sorted(seen[:3]) == ["establishingConnection", "setEnabledConnect", "synchronizing"]
+    assert seen[3:] == ["setEnabledConnect", "synchronizationFailed", "connectionState"]
+    daemon.wait_for_log("ConnectThread::run(): modem synchronization failed, returning!\n")
+    assert [line for line in daemon.output().splitlines() if line.startswith("wFS")] == [
+        "wFS(): counter == %d" % number for number in range(8)]
+    verbose = bus_machine.path("/opt/norvix/daemon_verbose.log").read_text(encoding="ascii")
+    assert verbose == (
+        "ConnectThread::waitForSynchronization(): counter == 0, emitting the synchronizing signal.\n"
+        "ConnectThread::waitForSynchronization(): counter > 6, resetting and returning.\n")
+    assert bus_machine.calls("pppd") == []
+
+    # The counter begins anew: the next attempt waits and tells as the first did.
+    client.call("establishConnection")
+    client.wait_signal("synchronizing", count=2)
+
+
+def test_a_line_that_trains_connects_when_it_is_up(bus_machine):
+    bus_machine.settings(vendor_id=SPEEDTCH)
+    bus_machine.kernel_log.append("ATM dev 0: ADSL line is synchronising")
+    bus_machine.pppd.script(link_up() + [stay()])
+    client = bus_machine.client()
+    bus_machine.start_daemon()
+    client.call("establishConnection")
+    client.wait_signal("synchronizing")
+    bus_machine.kernel_log.line_up(SPEEDTCH)
+    client.wait_signal("connectionEstablished")
+    assert client.names().count("synchronizing") == 1
+    synchronizing = client.named("synchronizing")[0]
+    established = client.named("connectionEstablished")[0]
+    assert established.time - synchronizing.time > 4.5
+
+
+def test_a_line_that_is_up_is_not_waited_for(bus_machine):
+    bus_machine.kernel_log.line_up()
+    client = bus_machine.client()
+    bus_machine.start_daemon()
+    client.call("establishConnection")
+    client.wait_signal("connectionEstablished")
+    assert "synchronizing" not in client.names()
+
+
+@pytest.mark.parametrize("program,seconds,told", [
+    ("modprobe", 5, None),
+    ("br2684ctl_amd64", 5, "ConnectThread::prepareBridging(): br2684ctl: failed!"),
+    ("ip", 10, "ConnectThread::prepareBridging(): ip: failed!"),
+    ("ifconfig", 30, "ConnectThread::prepareNAS0(): ifconfig nas0 up: failed!"),
+])
+def test_a_program_that_hangs_costs_its_time_out_and_no_more(bus_machine, program, seconds, told):
+    bus_machine.kernel_log.line_up()
+    bus_machine.settings(**PPPOE)
+    client = bus_machine.client()
+    bus_machine.start_daemon()  # before the program hangs: the start tests a driver with modprobe
+    bus_machine.standin(program).set(sleep=1000)
+    begun = time.monotonic()
+    client.call("establishConnection")
+    answers_until(client, lambda: bus_machine.calls("pppd"), longest=1.0)
+    taken = time.monotonic() - begun
+    assert seconds - 0.5 < taken < seconds + 20
+    if told:
+        assert told + "\n" in bus_machine.daemon_log()
+    # One that is slow is not killed; each later program runs all the same.
+    assert bus_machine.processes(program) != []
+    order = [call.program for call in bus_machine.calls() if call.program != "ps"]
+    assert order[:4] == ["modprobe", "br2684ctl_amd64", "ip", "ip"] and order[-1] == "pppd"
+
+
+@pytest.mark.parametrize("program,longest", [("killall", 2.5), ("kill", 2.5)])
+def test_ending_a_connection_waits_half_a_second_for_a_program_that_hangs(bus_machine, program,
+                                                                          longest):
+    bus_machine.path("/run/nas0.pid").write_text("955\n", encoding="ascii")
+    bus_machine.start_daemon()
+    bus_machine.standin(program).set(sleep=1000)
+    client = bus_machine.client()
+    begun = time.monotonic()
+    client.call("terminateConnection")
+    assert 0.45 < time.monotonic() - begun < longest
+    client.wait_signal("connectionTerminated")
+    client.call("terminateConnection")
+    assert client.call("reply") is True
