@@ -64,8 +64,9 @@ class PrivateMachine:
 
     def __enter__(self):
         try:
-            self._furnish()
             self._boot()
+            self._furnish()
+            self.request("arrange", folders=self._folders)
         except BaseException:
             self._end()
             raise
@@ -125,17 +126,16 @@ class PrivateMachine:
             shutil.copy(preloaded, self.state / "lib")
 
     def _boot(self):
+        """Starts process 1. First of all, because it clears up when its maker dies."""
         self._control, theirs = socket.socketpair()
-        options = {"folders": self._folders, "keep": self.keep}
         command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--fork", "--kill-child=KILL"]
         command += [] if self.rooted else ["--user", "--map-root-user"]
         command += ["/usr/bin/python3", "-B", str(HERE / "machine_init.py"), str(self.state),
-                    str(theirs.fileno()), json.dumps(options)]
+                    str(theirs.fileno()), "keep" if self.keep else "remove"]
         # In a session of its own, so that an interrupt typed at the terminal reaches only its maker.
         self._unshare = subprocess.Popen(command, pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL,
                                          start_new_session=True)
         theirs.close()
-        self._receive()
 
     def _end(self):
         for client in self._clients:
