@@ -252,12 +252,13 @@ def main(arguments):
         print(HELP.read_text(encoding="ascii"), end="")
         return SUCCESS
     interrupts = Interrupts()
-    demo = None
     try:
-        with PrivateMachine() as machine:
-            with interrupts:
-                demo = Demo(options, machine, Teller())
-                demo.run()
+        with PrivateMachine() as machine, interrupts:
+            try:
+                Demo(options, machine, Teller()).run()
+            except Failed:
+                print("The daemon's log ends:\n" + machine.daemon_log()[-2000:], file=sys.stderr)
+                raise
         return SUCCESS
     except Interrupted:
         print("\nInterrupted; everything has been taken down.", flush=True)
