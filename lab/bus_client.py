@@ -177,6 +177,13 @@ class Client:
                 self._changed.wait(left)
             return found[count - 1]
 
+    def signal_at(self, position, timeout):
+        """The signal at that position of self.signals, as soon as it has arrived; None when none
+        comes within timeout seconds."""
+        with self._changed:
+            self._changed.wait_for(lambda: len(self.signals) > position or self._closed, timeout)
+            return self.signals[position] if len(self.signals) > position else None
+
     def expect_no_signal(self, name, after=0, marker="reply"):
         """Fails when the daemon has sent that signal before it answered the marker call."""
         self.call(marker)

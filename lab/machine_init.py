@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Process 1 of a private machine: mounts its private folders, reaps, and obeys its maker.
 
-Started inside fresh namespaces as: machine_init.py STATE_FOLDER CONTROL_DESCRIPTOR OPTIONS(JSON).
+Started inside fresh namespaces as: machine_init.py STATE_FOLDER CONTROL_DESCRIPTOR keep|remove
 Ends, and with it everything in the machine, as soon as the maker closes the control socket or dies.
 """
 import base64
@@ -106,8 +106,9 @@ def processes():
 class Init:
     """Obeys one request at a time, each one line of JSON, and reaps in between."""
 
-    def __init__(self, control):
-        self.control = control
+    def __init__(self, control, state):
+        self.control, self.state = control, state
+        self.parent = None  # the folder that the state folder lies in, once all is arranged
         self.exits = []
         self.wake, told = os.pipe()
         for descriptor in (self.wake, told):
@@ -170,6 +171,11 @@ class Init:
             pass  # the maker has gone away: the next read says so
         for descriptor in descriptors:
             os.close(descriptor)
+
+    def do_arrange(self, folders):
+        """The maker has filled the state folder: from here on the machine is as it shall be."""
+        self.parent = arrange_files(self.state, folders)
+        Netlink().set_up("lo")
 
     def do_spawn(self, argv, env, cwd, stdout, stderr, uid, gid, groups):
         """Starts a program in a process group of its own, by which its orphans are known."""
@@ -255,28 +261,20 @@ def end_everyone():
             return
 
 
-def main(state, descriptor, options):
+def main(state, descriptor, keep):
     control = socket.socket(fileno=int(descriptor))
     control.set_inheritable(False)
-    options = json.loads(options)
     os.umask(0o022)
-    init = Init(control)
-    parent = None
-    try:
-        parent = arrange_files(state, options["folders"])
-        Netlink().set_up("lo")
-        control.sendall(b'{"result": "ready"}\n')
-    except OSError as error:
-        control.sendall(json.dumps({"error": str(error), "errno": error.errno}).encode() + b"\n")
-        control.recv(1)  # the maker reads the reason, then hangs up
-    else:
-        init.serve()
+    init = Init(control, state)
+    init.serve()
     end_everyone()
-    if parent is not None and not options["keep"]:
-        # From here too, not only by the maker: it may have died.
-        shutil.rmtree("/mnt/lab", ignore_errors=True)
+    if keep == "keep":
+        return
+    # From here too, not only by the maker: it may have died.
+    shutil.rmtree(state if init.parent is None else "/mnt/lab", ignore_errors=True)
+    if init.parent is not None:
         try:
-            os.rmdir(os.path.basename(state), dir_fd=parent)
+            os.rmdir(os.path.basename(state), dir_fd=init.parent)
         except OSError:
             pass
 

@@ -6,6 +6,7 @@ Everything happens in namespaces. What the daemon finds under /opt, /run, /tmp, 
 the host's files is there read-only. When the machine is left, or its maker dies, all of it vanishes.
 """
 import base64
+import errno
 import json
 import os
 import shutil
@@ -54,7 +55,7 @@ class PrivateMachine:
         self.rooted = os.geteuid() == 0
         self.keep = bool(os.environ.get("NORVIX_LAB_KEEP"))
         self.daemons = []
-        self.state = Path(tempfile.mkdtemp(prefix="nvx-", dir="/tmp"))
+        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid(), dir="/tmp"))
         self.uses_real_kernel_log = real_kernel_log
         self.kernel_log = (RealKernelLog() if real_kernel_log
                            else KernelLog(self.path("/run/lab/kernel-log")))
@@ -64,8 +65,9 @@ class PrivateMachine:
 
     def __enter__(self):
         try:
-            self._furnish()
             self._boot()
+            self._furnish()
+            self.request("arrange", folders=self._folders)
         except BaseException:
             self._end()
             raise
@@ -125,17 +127,16 @@ class PrivateMachine:
             shutil.copy(preloaded, self.state / "lib")
 
     def _boot(self):
+        """Starts process 1. First of all, because it clears up when its maker dies."""
         self._control, theirs = socket.socketpair()
-        options = {"folders": self._folders, "keep": self.keep}
         command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--fork", "--kill-child=KILL"]
         command += [] if self.rooted else ["--user", "--map-root-user"]
         command += ["/usr/bin/python3", "-B", str(HERE / "machine_init.py"), str(self.state),
-                    str(theirs.fileno()), json.dumps(options)]
+                    str(theirs.fileno()), "keep" if self.keep else "remove"]
         # In a session of its own, so that an interrupt typed at the terminal reaches only its maker.
         self._unshare = subprocess.Popen(command, pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL,
                                          start_new_session=True)
         theirs.close()
-        self._receive()
 
     def _end(self):
         for client in self._clients:
@@ -310,6 +311,9 @@ class PrivateMachine:
     def start_daemon(self, *arguments, env=None, wait=True, cwd="/"):
         """Starts /opt/norvix/bin/norvix-daemon and, unless told otherwise, waits until it owns its
         name. The result is a Daemon."""
+        if not self.path("/opt/norvix/bin/norvix-daemon").exists():
+            raise FileNotFoundError(errno.ENOENT, "the daemon is not built",
+                                    str(BUILD / "bin/norvix-daemon"))
         environment = {"PATH": USUAL_PATH}
         if not self.uses_real_kernel_log:
             environment["LD_PRELOAD"] = "/mnt/lab/lib/libklogctl-standin.so"

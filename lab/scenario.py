@@ -47,10 +47,13 @@ def _latin1(text):
     return (text if isinstance(text, bytes) else text.encode()).decode("latin-1")
 
 
-def recorded(name, speed=1.0):
+def recorded(name, speed=1.0, device=None):
     """The steps of a recording and those that follow SIGTERM, its times divided by speed. Where the
-    one who recorded ended pppd or nobody did, the played one stays until it is told to end."""
+    one who recorded ended pppd or nobody did, the played one stays until it is told to end. device
+    takes the place of nas0."""
     text = (RECORDINGS / (name + ".txt.timed")).read_bytes().decode("latin-1")
+    if device:
+        text = text.replace("nas0", device)
     steps, last, told_to_end = [], 0.0, None
     for line in text.split("\n"):
         match = TIMED_LINE.match(line)
@@ -87,11 +90,13 @@ class Pppd:
         self._plan = folder / "pppd.json"
         self._triggers = folder / "triggers"
 
-    def play(self, recording="h1-pppoe-over-real-nas0", speed=20.0, mode="nodetach", answers=1):
+    def play(self, recording="h1-pppoe-over-real-nas0", speed=20.0, mode="nodetach", answers=1,
+             device=None):
         """A recording of tests/data/pppd, played that much faster. mode: "nodetach" stays a child;
         "updetach" detaches once the link has its address; "bare" detaches after the first line.
-        answers: how many packets the far end sends for each that it gets."""
-        steps, after_signal = recorded(recording, speed)
+        answers: how many packets the far end sends for each that it gets. device: what stands in
+        place of nas0 in the recorded text."""
+        steps, after_signal = recorded(recording, speed, device)
         self.script(steps, after_signal, mode, answers)
 
     def script(self, steps, after_signal=None, mode="nodetach", answers=1):

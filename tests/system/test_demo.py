@@ -1,0 +1,217 @@
+# SPDX-License-Identifier: MIT
+"""The demo as a visitor sees it: what it prints, how it ends, what it leaves behind."""
+import os
+import re
+import signal
+import subprocess
+from pathlib import Path
+
+import pytest
+
+from lab.private_machine import REPOSITORY
+from lab.waiting import wait_until
+
+PATIENCE = 120
+
+
+def start(*options):
+    """The demo without its front, which would install and build."""
+    command = ["/usr/bin/python3", "-B", "-m", "lab.demo", *options]
+    return subprocess.Popen(command, cwd=REPOSITORY, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                            text=True)
+
+
+def leftovers(pid):
+    """State folders of that demo, and processes that still know of them."""
+    pattern = "nvx-%d-" % pid
+    left = [str(path) for path in Path("/tmp").glob(pattern + "*")]
+    for process in Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            if pattern in process.read_bytes().decode(errors="replace"):
+                left.append(str(process))
+        except OSError:
+            pass
+    return left
+
+
+def order_of(told, *texts):
+    """The positions of some texts, each looked for behind the one before; fails on a missing one."""
+    position = 0
+    for text in texts:
+        found = re.compile(text).search(told, position)
+        assert found, "%r is missing, or too early, in:\n%s" % (text, told)
+        position = found.end()
+
+
+SCENARIOS = {
+    "plain": ["--seconds", "3"],
+    "pppoa": ["--seconds", "1", "--protocol", "pppoa", "--verbose"],
+    "unicorn": ["--seconds", "1", "--protocol", "unicorn", "--verbose"],
+    "trains": ["--seconds", "1", "--line", "trains", "--protocol", "pppoa"],
+    "never": ["--line", "never"],
+    "wrong password pppoe": ["--wrong-password", "--protocol", "pppoe"],
+    "wrong password pppoa": ["--wrong-password", "--protocol", "pppoa"],
+    "wrong password unicorn": ["--wrong-password", "--protocol", "unicorn"],
+    "no concentrator pppoe": ["--no-concentrator"],
+    "no concentrator pppoa": ["--no-concentrator", "--protocol", "pppoa"],
+}
+
+
+@pytest.fixture(scope="module")
+def plays():
+    """All scenarios at once: they mostly wait."""
+    demos = {name: start(*options) for name, options in SCENARIOS.items()}
+    yield demos
+    for demo in demos.values():
+        demo.kill()
+        demo.communicate()
+
+
+def outcome(demo):
+    """What a run that has to succeed printed."""
+    told, _ = demo.communicate(timeout=PATIENCE)
+    assert demo.returncode == 0, told
+    assert leftovers(demo.pid) == []
+    return told
+
+
+def test_a_connection_is_told_from_its_beginning_to_its_end(plays):
+    order_of(outcome(plays["plain"]), "call +establishConnection", "establishingConnection",
+             "connectionEstablished", r"IP +the address is 10\.64\.0\.100",
+             "default route leads through ppp0", r"transmissionBytes +[\d.]+ kB received",
+             "connected for 00:00:0",
+             r"transmissionSpeed +[1-9][\d.]* kB/s down, [1-9][\d.]* kB/s up",
+             "call +terminateConnection", "connectionTerminated", "not connected",
+             r"connected and disconnected +[1-9]")
+
+
+def test_ppp_over_atm_uses_no_bridge(plays):
+    told = outcome(plays["pppoa"])
+    order_of(told, "connectionEstablished", r"10\.65\.0\.100")
+    assert "prepareBridging" not in told
+
+
+def test_the_unicorn_modem_brings_its_own_interface_up(plays):
+    order_of(outcome(plays["unicorn"]), "ifconfig dsl0 up: success", "Connect: ppp0 <--> dsl0",
+             "connectionEstablished")
+
+
+def test_a_line_that_trains_first_is_waited_for(plays):
+    order_of(outcome(plays["trains"]), "synchronizing", "line +ATM dev 0: ADSL line: training",
+             "the line is up", "connectionEstablished")
+
+
+@pytest.mark.parametrize("protocol", ["pppoe", "pppoa", "unicorn"])
+def test_a_wrong_password_is_reported(plays, protocol):
+    told = outcome(plays["wrong password " + protocol])
+    order_of(told, "invalidAccountData", "not connected +as it was asked for")
+    assert "connectionEstablished" not in told
+
+
+def test_a_missing_concentrator_is_reported_as_a_time_out(plays):
+    order_of(outcome(plays["no concentrator pppoe"]), "connectionTimeout",
+             "not connected +as it was asked for")
+
+
+def test_a_silent_far_end_of_ppp_over_atm_ends_without_a_connection(plays):
+    order_of(outcome(plays["no concentrator pppoa"]), "connectionState +now not connected",
+             "not connected +as it was asked for")
+
+
+# Where in its course the demo is interrupted: at its very start, and behind these lines.
+MOMENTS = [None, "private machine", "establishingConnection", "connectionEstablished",
+           "transmissionSpeed", "terminateConnection"]
+
+
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
+@pytest.mark.parametrize("moment", MOMENTS)
+def test_an_interrupt_ends_it_cleanly_at_any_time(moment, number):
+    demo = start("--seconds", "2", "--protocol", "pppoa")
+    if moment is None:
+        wait_until(lambda: leftovers(demo.pid), what="the machine is being made")
+    for line in demo.stdout if moment else ():
+        if moment in line:
+            break
+    demo.send_signal(number)
+    rest, _ = demo.communicate(timeout=PATIENCE)
+    assert demo.returncode == 130 or (moment == "terminateConnection" and demo.returncode == 0), rest
+    assert "Traceback" not in rest
+    assert leftovers(demo.pid) == []
+
+
+def test_a_reader_that_goes_away_ends_it_cleanly():
+    demo = start("--seconds", "2")
+    demo.stdout.readline()
+    demo.stdout.close()
+    assert demo.wait(PATIENCE) != 0
+    assert leftovers(demo.pid) == []
+
+
+def test_killing_it_leaves_nothing_behind():
+    demo = start("--seconds", "30")
+    for line in demo.stdout:
+        if "connectionEstablished" in line:
+            break
+    assert leftovers(demo.pid)
+    demo.kill()
+    demo.communicate()
+    wait_until(lambda: not leftovers(demo.pid), what="all is gone",
+               detail=lambda: leftovers(demo.pid))
+
+
+def processes_of(demo, name):
+    """The processes of that name in the demo's machine, by their ids outside."""
+    maker = "nvx-%d-" % demo.pid
+    programs = {}
+    for folder in Path("/proc").glob("[0-9]*"):
+        try:
+            command = (folder / "cmdline").read_bytes().decode(errors="replace")
+            programs[folder] = (command, os.readlink(folder / "ns" / "pid"))
+        except OSError:
+            pass
+    spaces = {space for command, space in programs.values()
+              if maker in command and "unshare" not in command}
+    return [int(folder.name) for folder, (command, space) in programs.items()
+            if space in spaces and name in command]
+
+
+def test_a_daemon_that_dies_is_an_error():
+    demo = start("--seconds", "30", "--protocol", "pppoa")
+    for line in demo.stdout:
+        if "connectionEstablished" in line:
+            break
+    [daemon] = processes_of(demo, "norvix-daemon")
+    os.kill(daemon, signal.SIGKILL)
+    told, _ = demo.communicate(timeout=PATIENCE)
+    assert demo.returncode == 1
+    assert "the daemon has ended by itself" in told
+    assert leftovers(demo.pid) == []
+
+
+def test_a_daemon_that_is_not_built_is_an_error():
+    environment = dict(os.environ, NORVIX_BUILD_DIR="/nonexistent")
+    failed = subprocess.run(["/usr/bin/python3", "-B", "-m", "lab.demo"], cwd=REPOSITORY,
+                            env=environment, capture_output=True, text=True, timeout=PATIENCE)
+    assert failed.returncode == 1
+    assert "norvix-daemon" in failed.stderr
+
+
+def test_help_names_every_option():
+    told = subprocess.run([REPOSITORY / "demo", "--help"], capture_output=True, text=True, check=True)
+    source = (REPOSITORY / "lab" / "demo.py").read_text(encoding="utf-8")
+    options = re.findall(r'add_argument\([^)]*?"(--[a-z-]+)"', source)
+    assert len(options) > 6
+    for option in options:
+        assert option in told.stdout
+
+
+def test_an_unknown_option_is_refused():
+    demo = start("--protocol", "x25")
+    told, _ = demo.communicate(timeout=PATIENCE)
+    assert demo.returncode == 2
+    assert "x25" in told
+
+
+def test_a_line_that_never_comes_up_is_given_up(plays):
+    order_of(outcome(plays["never"]), "synchronizing", "synchronizationFailed",
+             "not connected +as it was asked for")
