@@ -298,11 +298,11 @@ class PrivateMachine:
         self._bus.wait()
         self.path(BUS_SOCKET).unlink(missing_ok=True)
 
-    def client(self, uid=0, gid=None, groups=()):
+    def client(self, uid=0, gid=None, groups=(), kind=Client):
         """A connection to the bus as that user (as seen inside), closed with the machine."""
         descriptor = self.request("connect", path=BUS_SOCKET, uid=uid,
                                   gid=uid if gid is None else gid, groups=list(groups))
-        client = Client(socket.socket(fileno=descriptor), uid)
+        client = kind(socket.socket(fileno=descriptor), uid)
         self._clients.append(client)
         return client
 
