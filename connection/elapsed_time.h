@@ -7,5 +7,5 @@
 #include <optional>
 
 /// The hours, minutes and seconds in @p text ("05:07", "01:02:03", "1-02:03:04"; days are dropped).
-/// Empty when it holds no time.
+/// Empty when its first 50 characters hold no time.
 std::optional<QTime> parseElapsedTime(const QString &text);

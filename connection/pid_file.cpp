@@ -30,7 +30,11 @@ std::optional<pid_t> readPidFile(const QString &path)
     if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
-    return parsePid(file.readLine(longestPidLine));
+    const QByteArray line = file.readLine(longestPidLine);
+    if (!line.endsWith('\n') && !file.atEnd()) {
+        return std::nullopt; // a line cut short would give another id than it holds
+    }
+    return parsePid(line);
 }
 
 QString interfaceInPidFile(const QByteArray &content)

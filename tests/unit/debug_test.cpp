@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// The debug switch and the verbose log.
+#include "support/debug.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <fcntl.h>
+
+class DebugTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void openingTheVerboseLogLeavesTheSwitchAlone();
+    void theVerboseLogIsAppendedTo();
+    void childrenDoNotInheritTheVerboseLog();
+    void aLogThatCannotBeOpenedIsNoError();
+    void nothingIsWrittenWithoutTheSwitch();
+
+private:
+    QByteArray content();
+
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath(QStringLiteral("verbose.log"));
+};
+
+void DebugTest::init()
+{
+    debug = false;
+    QFile::remove(m_path);
+}
+
+void DebugTest::cleanup()
+{
+    setDebug(false, QString());
+    debug = false;
+}
+
+QByteArray DebugTest::content()
+{
+    QFile file(m_path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+void DebugTest::openingTheVerboseLogLeavesTheSwitchAlone()
+{
+    QVERIFY(pFile == nullptr);
+    setDebug(true, m_path);
+    QVERIFY(!debug);
+    QVERIFY(pFile != nullptr);
+    debug = true;
+    setDebug(false, m_path);
+    QVERIFY(debug);
+    QVERIFY(pFile == nullptr);
+}
+
+void DebugTest::theVerboseLogIsAppendedTo()
+{
+    debug = true;
+    for (const char *text : {"one\n", "two\n"}) {
+        setDebug(true, m_path);
+        writeVerbose(text);
+    }
+    QCOMPARE(content(), QByteArray("one\ntwo\n")); // there before the stream is closed
+}
+
+void DebugTest::childrenDoNotInheritTheVerboseLog()
+{
+    setDebug(true, m_path);
+    QVERIFY((fcntl(fileno(pFile), F_GETFD) & FD_CLOEXEC) != 0);
+}
+
+void DebugTest::aLogThatCannotBeOpenedIsNoError()
+{
+    debug = true;
+    for (const QString &path :
+        {m_folder.path(), m_folder.filePath(QStringLiteral("no/folder")), QString()}) {
+        setDebug(true, path);
+        QVERIFY(pFile == nullptr);
+        writeVerbose("lost\n");
+    }
+}
+
+void DebugTest::nothingIsWrittenWithoutTheSwitch()
+{
+    setDebug(true, m_path);
+    writeVerbose("one\n");
+    QCOMPARE(content(), QByteArray());
+    debug = true;
+    writeVerbose("two\n");
+    QCOMPARE(content(), QByteArray("two\n"));
+}
+
+QTEST_APPLESS_MAIN(DebugTest)
+#include "debug_test.moc"

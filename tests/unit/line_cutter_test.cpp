@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+// The line cutter, fed in pieces of every size.
+#include "support/line_cutter.h"
+#include "test_data.h"
+
+#include <QTest>
+
+namespace {
+
+/// The lines and the rest, as the whole text at once tells them.
+QByteArrayList model(const QByteArray &text)
+{
+    QByteArrayList parts = text.split('\n');
+    for (QByteArray &part : parts) {
+        part.truncate(LineCutter::maxLineLength);
+    }
+    return parts;
+}
+
+/// The same from the cutter, which is given the text in @p pieces.
+QByteArrayList cut(const QByteArrayList &pieces)
+{
+    LineCutter cutter;
+    QByteArrayList parts;
+    for (const QByteArray &piece : pieces) {
+        parts += cutter.feed(piece);
+    }
+    parts.append(cutter.takeRest());
+    return parts;
+}
+
+} // namespace
+
+class LineCutterTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void linesComeWithoutTheirLineFeed_data();
+    void linesComeWithoutTheirLineFeed();
+    void recordedTextIsCutTheSameWhereverItIsSplit_data();
+    void recordedTextIsCutTheSameWhereverItIsSplit();
+    void aLineIsGivenAsSoonAsItsLineFeedArrives();
+    void anOverlongLineComesOnceShortened();
+    void anEndlessLineDoesNotGrowInMemory();
+    void theRestIsForgottenOnceTaken();
+};
+
+void LineCutterTest::linesComeWithoutTheirLineFeed_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArrayList>("parts");
+    QTest::newRow("nothing") << QByteArray() << QByteArrayList{""};
+    QTest::newRow("one line") << QByteArray("a\n") << QByteArrayList{"a", ""};
+    QTest::newRow("no line feed") << QByteArray("a") << QByteArrayList{"a"};
+    QTest::newRow("empty lines") << QByteArray("\n\n") << QByteArrayList{"", "", ""};
+    QTest::newRow("unfinished last line") << QByteArray("a\nbc") << QByteArrayList{"a", "bc"};
+    QTest::newRow("carriage return stays")
+        << QByteArray("a\r\nb\r") << QByteArrayList{"a\r", "b\r"};
+    QTest::newRow("NUL bytes stay") << QByteArray(
+        "a\0b\n\0\n", 6) << QByteArrayList{QByteArray("a\0b", 3), QByteArray("\0", 1), ""};
+    QTest::newRow("no valid UTF-8")
+        << QByteArray("\xff\xc3\n\x80") << QByteArrayList{"\xff\xc3", "\x80"};
+}
+
+void LineCutterTest::linesComeWithoutTheirLineFeed()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArrayList, parts);
+    QCOMPARE(cut({text}), parts);
+
+    QByteArrayList bytes;
+    for (const char byte : text) {
+        bytes.append(QByteArray(1, byte));
+    }
+    QCOMPARE(cut(bytes), parts);
+}
+
+void LineCutterTest::recordedTextIsCutTheSameWhereverItIsSplit_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    const QStringList names = testDataNames(QStringLiteral("pppd"), QStringLiteral("*.txt"));
+    for (const QString &name : names) {
+        QTest::newRow(qPrintable(name)) << testData(QStringLiteral("pppd/") + name);
+    }
+}
+
+void LineCutterTest::recordedTextIsCutTheSameWhereverItIsSplit()
+{
+    QFETCH(QByteArray, text);
+    const QByteArrayList parts = model(text);
+    QCOMPARE(cut({text}), parts);
+    for (int i = 0; i <= text.size(); ++i) {
+        QCOMPARE(cut({text.left(i), text.mid(i)}), parts);
+    }
+    QByteArrayList bytes;
+    for (const char byte : qAsConst(text)) {
+        bytes.append(QByteArray(1, byte));
+    }
+    QCOMPARE(cut(bytes), parts);
+}
+
+void LineCutterTest::aLineIsGivenAsSoonAsItsLineFeedArrives()
+{
+    LineCutter cutter;
+    QCOMPARE(cutter.feed("local  IP"), QByteArrayList());
+    QCOMPARE(cutter.feed(QByteArray()), QByteArrayList());
+    QCOMPARE(cutter.feed(" address\nremote"), QByteArrayList{"local  IP address"});
+    QCOMPARE(cutter.feed("\n"), QByteArrayList{"remote"});
+}
+
+void LineCutterTest::anOverlongLineComesOnceShortened()
+{
+    const int limit = LineCutter::maxLineLength;
+    for (const int size : {limit - 1, limit, limit + 1, 1024 * 1024}) {
+        const QByteArray text = QByteArray(size, 'x') + "\nnext\n";
+        const QByteArrayList parts = {QByteArray(qMin(size, limit), 'x'), "next", ""};
+        QCOMPARE(cut({text}), parts);
+        QCOMPARE(cut({text.left(1000), text.mid(1000)}), parts);
+        QCOMPARE(cut({text.left(size), text.mid(size)}), parts);
+    }
+}
+
+void LineCutterTest::anEndlessLineDoesNotGrowInMemory()
+{
+    LineCutter cutter;
+    const QByteArray piece(4096, 'x');
+    for (int i = 0; i < 256; ++i) {
+        QCOMPARE(cutter.feed(piece), QByteArrayList());
+    }
+    const QByteArray rest = cutter.takeRest();
+    QCOMPARE(rest.size(), int(LineCutter::maxLineLength));
+    QVERIFY(rest.capacity() <= 2 * LineCutter::maxLineLength);
+}
+
+void LineCutterTest::theRestIsForgottenOnceTaken()
+{
+    LineCutter cutter;
+    cutter.feed("half");
+    QCOMPARE(cutter.takeRest(), QByteArray("half"));
+    QCOMPARE(cutter.takeRest(), QByteArray());
+    QCOMPARE(cutter.feed("whole\n"), QByteArrayList{"whole"});
+}
+
+QTEST_APPLESS_MAIN(LineCutterTest)
+#include "line_cutter_test.moc"

@@ -1,0 +1,367 @@
+// SPDX-License-Identifier: MIT
+// The line's state from recorded, spliced and random kernel logs, compared with the plain search.
+#include "connection/line_state.h"
+#include "test_data.h"
+
+#include <QRandomGenerator>
+#include <QRegExp>
+#include <QTest>
+#include <array>
+
+namespace {
+
+constexpr int ueagle = 0x1110;
+constexpr int unicorn = 0x0483;
+constexpr int speedtch = 0x06b9;
+constexpr int generic = 0x0572;
+constexpr std::array<int, 4> families = {ueagle, unicorn, speedtch, generic};
+
+/// The plain search that the fast one has to equal: each marker is looked for backwards from the
+/// end, each pattern forwards from there, five times over.
+struct PlainSearch
+{
+    QRegExp marker{QStringLiteral("####")};
+    std::array<QRegExp, 5> states;
+
+    explicit PlainSearch(int vendorId)
+    {
+        states.fill(QRegExp(QStringLiteral("#####")));
+        if (vendorId == 0x1110) {
+            marker = QRegExp(QStringLiteral(R"(\[ueagle-atm\])"));
+            states[0] = QRegExp(QStringLiteral(R"(\[ueagle-atm\] modem operational)"));
+            states[3] = QRegExp(QStringLiteral(
+                R"((\[ueagle-atm\] \(re\)booting started)|(\[ueagle-atm\] Modem started, waiting synchronization))"));
+        } else if (vendorId == 0x0483) {
+            marker = QRegExp(QStringLiteral("unicorn_msw:"));
+            states[0] = QRegExp(QStringLiteral(
+                R"((unicorn_msw: Current Modem State \(\d\): SHOWTIME_L\d)|(unicorn_msw: Event Reported \(\d\): Showtime))"));
+            states[3] = QRegExp(QStringLiteral(
+                R"((unicorn_msw: Current Modem State \(\d\): ACTIVATING)|(unicorn_msw: Event Reported \(\d\): Initializing)|(unicorn_msw: Current Modem State \(\d\): INITIALIZING)|(unicorn_msw: Current Modem State \(\d\): Ghs_HANDSHAKING))"));
+        } else if (vendorId == 0x06b9) {
+            marker = QRegExp(QStringLiteral(R"((ATM dev \d:)|(speedtch \d-\d:\d.\d:))"));
+            states[0] = QRegExp(QStringLiteral(
+                R"(ATM dev \d: ADSL line is up \(([0-9]{1,5}) kb/s down | ([0-9]{1,5}) kb/s up\))"));
+            states[1] = QRegExp(QStringLiteral(R"(ATM dev \d: ADSL line is synchronising)"));
+            states[4] = QRegExp(QStringLiteral(
+                R"(speedtch \d-\d:\d.\d: speedtch_heavy_init: firmware upload failed)"));
+        } else {
+            marker = QRegExp(QStringLiteral(R"(ATM dev \d:)"));
+            states[0] = QRegExp(QStringLiteral(R"(ATM dev \d: ADSL line: up)"));
+            states[1] = QRegExp(QStringLiteral(R"(ATM dev \d: ADSL line: attempting to activate)"));
+            states[3] = QRegExp(QStringLiteral(R"(ATM dev \d: ADSL line: initializing)"));
+        }
+    }
+
+    LineReport operator()(const QByteArray &log) const
+    {
+        const QString text = QString::fromLatin1(log.constData());
+        int start = text.size();
+        for (int pass = 0; pass < 5; ++pass) {
+            const int index = marker.lastIndexIn(text, start);
+            if (index < 0) {
+                return {LineUnknown, false, pass + 1};
+            }
+            for (const int state : {0, 1, 3, 2, 4}) {
+                if (states[size_t(state)].indexIn(text, index) == index) {
+                    return {LineState(state), true, pass + 1};
+                }
+            }
+            start = index;
+        }
+        return {LineUnknown, true, 5};
+    }
+};
+
+bool sameReport(const LineReport &a, const LineReport &b)
+{
+    return a.state == b.state && a.driverLineFound == b.driverLineFound && a.passes == b.passes;
+}
+
+/// Names the log of the first difference between the two searches; empty when there is none.
+QByteArray difference(const QByteArray &log)
+{
+    static const std::array<PlainSearch, 4> searches = {PlainSearch(families[0]),
+        PlainSearch(families[1]), PlainSearch(families[2]), PlainSearch(families[3])};
+    for (size_t i = 0; i < families.size(); ++i) {
+        const int vendorId = families[i];
+        const LineReport plain = searches[i](log);
+        const LineReport fast = lineStateFromLog(log, vendorId);
+        if (!sameReport(plain, fast)) {
+            return QByteArray::number(vendorId, 16) + ": plain " + QByteArray::number(plain.state)
+                + " fast " + QByteArray::number(fast.state) + " for ..." + log.right(200);
+        }
+    }
+    return QByteArray();
+}
+
+QByteArrayList recordedLogs()
+{
+    QByteArrayList logs;
+    const QStringList names = testDataNames(QStringLiteral("kernel-log"), QStringLiteral("*.txt"));
+    for (const QString &name : names) {
+        logs.append(testData(QStringLiteral("kernel-log/") + name));
+    }
+    return logs;
+}
+
+// Whole driver lines, and pieces that are nearly one.
+const std::array<const char *, 48> fragments = {"[ueagle-atm]", "[ueagle-atm] ",
+    "[ueagle-atm] modem operational", "[ueagle-atm] (re)booting started",
+    "[ueagle-atm] Modem started, waiting synchronization", "[ueagle-atm",
+    "[ueagle-atm] modem started, waiting synchronization...", "ueagle-atm] modem operational",
+    "unicorn_msw:", "unicorn_msw: Current Modem State (1): SHOWTIME_L1",
+    "unicorn_msw: Event Reported (2): Showtime", "unicorn_msw: Event Reported (2): Initializing",
+    "unicorn_msw: Current Modem State (3): ACTIVATING",
+    "unicorn_msw: Current Modem State (4): INITIALIZING",
+    "unicorn_msw: Current Modem State (5): Ghs_HANDSHAKING",
+    "unicorn_msw: Current Modem State (12): ACTIVATING", "unicorn_msw", "ATM dev 0:", "ATM dev ",
+    "ATM dev 10:", "ATM dev x:", "ATM dev \xb2:", "ATM dev 0: ADSL line: up",
+    "ATM dev 0: ADSL line: attempting to activate", "ATM dev 0: ADSL line: initializing",
+    "ATM dev 0: ADSL line: down", "ATM dev 0: ADSL line is up (8128 kb/s down | 832 kb/s up)",
+    "ATM dev 0: ADSL line is up (812800 kb/s down | 832 kb/s up)", " 832 kb/s up)",
+    "ATM dev 0: ADSL line is synchronising", "ATM dev 0: DSL line goes up",
+    "ATM dev 0: ATM dev 1:", "speedtch 1-1:1.0:", "speedtch ", "speedtch 1-1:1x0:",
+    "speedtch 1-1:1\n0:", "speedtch 1-1:1.0: speedtch_heavy_init: firmware upload failed",
+    "speedtch 1-1:1.0: ATM dev 0: ADSL line: up", "#####", "####", "\n", "\n<6>[   10.073215] ",
+    "usb 1-1: ", " ", "\t", "\xff\xc3\x28", "0", ":"};
+
+QByteArray randomLog(QRandomGenerator &random, int size)
+{
+    QByteArray log;
+    while (log.size() < size) {
+        log += fragments[random.bounded(quint32(fragments.size()))];
+    }
+    log.truncate(size);
+    return log;
+}
+
+} // namespace
+
+class LineStateTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aRecordedLogTellsItsState_data();
+    void aRecordedLogTellsItsState();
+    void eachDriverLineTellsItsState_data();
+    void eachDriverLineTellsItsState();
+    void onlyTheLastDriverLineDecides();
+    void theLogEndsAtItsFirstNul();
+    void aMarkerMayStandAtEitherEnd();
+    void everyTruncationOfARecordedLogEqualsThePlainSearch();
+    void everyTruncationOfSplicedLogsEqualsThePlainSearch();
+    void shortRandomLogsEqualThePlainSearch();
+    void fullRandomLogsEqualThePlainSearch();
+    void aFullLogWithoutDriverLinesEqualsThePlainSearch();
+};
+
+void LineStateTest::aRecordedLogTellsItsState_data()
+{
+    QTest::addColumn<int>("forUeagle");
+    QTest::addColumn<int>("forSpeedtch");
+    QTest::addColumn<int>("forOthers");
+    // The unicorn driver wrote none of these.
+    QTest::newRow("klog-cxacru-initializing") << 5 << 5 << 3;
+    QTest::newRow("klog-cxacru-attempting-to-activate") << 5 << 5 << 1;
+    QTest::newRow("klog-cxacru-training") << 5 << 5 << 5;
+    QTest::newRow("klog-cxacru-channel-analysis") << 5 << 5 << 5;
+    QTest::newRow("klog-cxacru-exchange") << 5 << 5 << 5;
+    QTest::newRow("klog-cxacru-up") << 5 << 5 << 0;
+    QTest::newRow("klog-cxacru-line-lost") << 5 << 5 << 5;
+    QTest::newRow("klog-cxacru-waiting") << 5 << 5 << 5;
+    QTest::newRow("klog-cxacru-unplugged") << 5 << 5 << 5;
+    QTest::newRow("klog-eagle-preboot") << 5 << 5 << 5;
+    QTest::newRow("klog-eagle-no-firmware") << 3 << 5 << 5;
+    QTest::newRow("klog-eagle-booting") << 3 << 5 << 5;
+    QTest::newRow("klog-eagle-started") << 5 << 5 << 5; // the driver's m is a small one
+    QTest::newRow("klog-eagle-operational") << 0 << 5 << 5;
+    QTest::newRow("klog-eagle-sync-failed") << 3 << 5 << 5;
+    QTest::newRow("klog-eagle-unplugged") << 5 << 5 << 5;
+    QTest::newRow("klog-speedtch-no-firmware") << 5 << 5 << 5;
+    QTest::newRow("klog-speedtch-upload-failed") << 5 << 4 << 5;
+    QTest::newRow("klog-speedtch-synchronising") << 5 << 1 << 5;
+    QTest::newRow("klog-speedtch-up") << 5 << 0 << 5;
+    QTest::newRow("klog-speedtch-down") << 5 << 5 << 5;
+    QTest::newRow("klog-speedtch-unplugged") << 5 << 5 << 5;
+}
+
+void LineStateTest::aRecordedLogTellsItsState()
+{
+    QFETCH(int, forUeagle);
+    QFETCH(int, forSpeedtch);
+    QFETCH(int, forOthers);
+    const QByteArray log = testData(
+        QStringLiteral("kernel-log/%1.txt").arg(QString::fromLatin1(QTest::currentDataTag())));
+    QCOMPARE(int(lineStateFromLog(log, ueagle).state), forUeagle);
+    QCOMPARE(int(lineStateFromLog(log, speedtch).state), forSpeedtch);
+    QCOMPARE(int(lineStateFromLog(log, unicorn).state), 5);
+    for (const int other : {generic, 0, -1, 0x0572, 0x08e3, 0x1111}) {
+        QCOMPARE(int(lineStateFromLog(log, other).state), forOthers);
+    }
+    QCOMPARE(difference(log), QByteArray());
+}
+
+void LineStateTest::eachDriverLineTellsItsState_data()
+{
+    QTest::addColumn<int>("vendorId");
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("state");
+    const auto row = [](int vendorId, const char *line, int state) {
+        QTest::newRow(line) << vendorId << QByteArray(line) << state;
+    };
+    row(ueagle, "[ueagle-atm] modem operational", 0);
+    row(ueagle, "[ueagle-atm] (re)booting started", 3);
+    row(ueagle, "[ueagle-atm] Modem started, waiting synchronization...", 3);
+    row(ueagle, "[ueagle-atm] modem started, waiting synchronization...", 5);
+    row(ueagle, "[UEAGLE-ATM] modem operational", 5);
+    row(ueagle, "[ueagle-atm]  modem operational", 5);
+    row(unicorn, "unicorn_msw: Current Modem State (1): SHOWTIME_L1", 0);
+    row(unicorn, "unicorn_msw: Event Reported (9): Showtime", 0);
+    row(unicorn, "unicorn_msw: Event Reported (2): Initializing", 3);
+    row(unicorn, "unicorn_msw: Current Modem State (0): ACTIVATING", 3);
+    row(unicorn, "unicorn_msw: Current Modem State (0): INITIALIZING", 3);
+    row(unicorn, "unicorn_msw: Current Modem State (0): Ghs_HANDSHAKING", 3);
+    row(unicorn, "unicorn_msw: Current Modem State (10): ACTIVATING", 5);
+    row(unicorn, "unicorn_msw: Event Reported (2): SHOWTIME_L1", 5);
+    row(speedtch, "ATM dev 0: ADSL line is up (8128 kb/s down | 832 kb/s up)", 0);
+    row(speedtch, "ATM dev 0: ADSL line is up (8128 kb/s down ", 0);
+    row(speedtch, "ATM dev 0: ADSL line is up (8128 kb/s down", 5);
+    row(speedtch, "ATM dev 0: ADSL line is up (123456 kb/s down | 832 kb/s up)", 5);
+    row(speedtch, "ATM dev 0: ADSL line is synchronising", 1);
+    row(speedtch, "speedtch 1-1:1.0: speedtch_heavy_init: firmware upload failed (-32)!", 4);
+    row(speedtch, "speedtch 1-10:1.0: speedtch_heavy_init: firmware upload failed", 5);
+    row(speedtch, "speedtch 1-1:1.0: found stage 2 firmware speedtch-2.bin", 5);
+    row(generic, "ATM dev 0: ADSL line: up (8128 kb/s down | 832 kb/s up)", 0);
+    row(generic, "ATM dev 7: ADSL line: up", 0);
+    row(generic, "ATM dev 0: ADSL line: attempting to activate", 1);
+    row(generic, "ATM dev 0: ADSL line: initializing", 3);
+    row(generic, "ATM dev 0: ADSL line: down", 5);
+    row(generic, "ATM dev 12: ADSL line: up", 5);
+    row(generic, "[ueagle-atm] modem operational", 5);
+}
+
+void LineStateTest::eachDriverLineTellsItsState()
+{
+    QFETCH(int, vendorId);
+    QFETCH(QByteArray, line);
+    QFETCH(int, state);
+    for (const QByteArray &log :
+        {line, "<6>[    7.2] " + line + "\n", line + "\n<4>[    8.1] x\n"}) {
+        QCOMPARE(int(lineStateFromLog(log, vendorId).state), state);
+        QCOMPARE(difference(log), QByteArray());
+    }
+}
+
+void LineStateTest::onlyTheLastDriverLineDecides()
+{
+    const QByteArray up = "[ueagle-atm] modem operational\n";
+    const LineReport decided = lineStateFromLog("[ueagle-atm] what\n" + up + "other\n", ueagle);
+    QCOMPARE(decided.state, LineSynchronized);
+    QVERIFY(decided.driverLineFound);
+    QCOMPARE(decided.passes, 1);
+
+    const LineReport undecided = lineStateFromLog(up + "[ueagle-atm] what\n", ueagle);
+    QCOMPARE(undecided.state, LineUnknown);
+    QVERIFY(undecided.driverLineFound);
+    QCOMPARE(undecided.passes, 5); // each examines the same line again
+
+    const LineReport none = lineStateFromLog("no driver\n", ueagle);
+    QCOMPARE(none.state, LineUnknown);
+    QVERIFY(!none.driverLineFound);
+    QCOMPARE(none.passes, 1);
+
+    QCOMPARE(lineStateFromLog(QByteArray(), ueagle).state, LineUnknown);
+    QVERIFY(!lineStateFromLog(QByteArray(), ueagle).driverLineFound);
+}
+
+void LineStateTest::theLogEndsAtItsFirstNul()
+{
+    const QByteArray up = "ATM dev 0: ADSL line: up\n";
+    const QByteArray nul(1, '\0');
+    QCOMPARE(lineStateFromLog(up + nul + "ATM dev 0: ADSL line: initializing\n", generic).state,
+        LineSynchronized);
+    QCOMPARE(lineStateFromLog(nul + up, generic).state, LineUnknown);
+    QVERIFY(!lineStateFromLog(nul + up, generic).driverLineFound);
+    QCOMPARE(lineStateFromLog("ATM dev 0: ADSL line: u" + nul + "p", generic).state, LineUnknown);
+    for (int i = 0; i <= up.size(); ++i) {
+        QCOMPARE(difference(up.left(i) + nul + up.mid(i)), QByteArray());
+    }
+}
+
+void LineStateTest::aMarkerMayStandAtEitherEnd()
+{
+    const QByteArray filler(100000, '.');
+    for (const char *marker : {"[ueagle-atm]", "unicorn_msw:", "ATM dev 0:", "speedtch 1-1:1.0:",
+             "ATM dev 0: ADSL line: up", "[ueagle-atm] modem operational"}) {
+        const QByteArray text(marker);
+        for (int size = 0; size <= text.size(); ++size) {
+            // Nothing is read behind the end, though the marker would go on there.
+            QCOMPARE(difference(text.left(size)), QByteArray());
+            QCOMPARE(difference("\n" + text.left(size)), QByteArray());
+        }
+        QCOMPARE(difference(filler + text), QByteArray());
+        QCOMPARE(difference(text + filler), QByteArray());
+    }
+}
+
+void LineStateTest::everyTruncationOfARecordedLogEqualsThePlainSearch()
+{
+    const QByteArrayList logs = recordedLogs();
+    for (const QByteArray &log : logs) {
+        for (int size = 0; size <= log.size(); ++size) {
+            QCOMPARE(difference(log.left(size)), QByteArray());
+        }
+    }
+}
+
+void LineStateTest::everyTruncationOfSplicedLogsEqualsThePlainSearch()
+{
+    const QByteArrayList logs = recordedLogs();
+    QRandomGenerator random(20240131);
+    for (int i = 0; i < 12; ++i) {
+        const QByteArray &first = logs.at(random.bounded(logs.size()));
+        const QByteArray &second = logs.at(random.bounded(logs.size()));
+        // As a ring buffer has it: begins and goes on in the middle of a line.
+        const QByteArray log
+            = first.mid(random.bounded(first.size())) + second.mid(random.bounded(second.size()));
+        for (int size = 0; size <= log.size(); ++size) {
+            QCOMPARE(difference(log.left(size)), QByteArray());
+            if (size % 7 == 0) {
+                QCOMPARE(difference(log.mid(size)), QByteArray());
+            }
+        }
+    }
+}
+
+void LineStateTest::shortRandomLogsEqualThePlainSearch()
+{
+    QRandomGenerator random(1);
+    for (int i = 0; i < 20000; ++i) {
+        QCOMPARE(difference(randomLog(random, random.bounded(300))), QByteArray());
+    }
+}
+
+void LineStateTest::fullRandomLogsEqualThePlainSearch()
+{
+    QRandomGenerator random(2);
+    for (int i = 0; i < 50; ++i) {
+        QCOMPARE(difference(randomLog(random, 100000)), QByteArray());
+
+        // The last driver line far from the end.
+        const int size = random.bounded(100000);
+        const QByteArray text = randomLog(random, size) + QByteArray(100000 - size, '.');
+        QCOMPARE(difference(text), QByteArray());
+    }
+}
+
+void LineStateTest::aFullLogWithoutDriverLinesEqualsThePlainSearch()
+{
+    for (const char *fragment :
+        {"ATM dev ", "speedtch 1-1:1.", "[ueagle-atm ", "unicorn_msw", "\n"}) {
+        QCOMPARE(difference(QByteArray(fragment).repeated(100000).left(100000)), QByteArray());
+    }
+}
+
+QTEST_APPLESS_MAIN(LineStateTest)
+#include "line_state_test.moc"

@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: MIT
+// The main log, the daily log and Qt's messages in them, on the real paths in a private root.
+#include "captured_stdout.h"
+#include "daemon/logging.h"
+#include "private_root.h"
+#include "support/debug.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTest>
+#include <QThread>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+const char dailyFolder[] = "/var/log/norvix";
+const QString stampFormat = QStringLiteral("dd-MM-yyyy hh:mm:ss ");
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+/// The main log with each line's time stamp checked and cut off.
+QByteArray mainLog()
+{
+    QByteArray text;
+    QByteArrayList lines = contentOf(mainLogPath()).split('\n');
+    const QByteArray rest = lines.takeLast(); // nothing stands after the last line feed
+    for (const QByteArray &line : qAsConst(lines)) {
+        const QString stamp = QString::fromLatin1(line.left(20));
+        const bool isStamp = QDateTime::fromString(stamp, stampFormat).isValid();
+        text += (isStamp ? line.mid(20) : "no stamp: " + line) + '\n';
+    }
+    return text + rest;
+}
+
+/// Runs this program again as a child that does @p deed, see main().
+QProcess *child(const char *deed)
+{
+    auto *process = new QProcess;
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process->start(QStringLiteral("/proc/self/exe"), {QString::fromLatin1(deed)});
+    process->waitForFinished(60000);
+    return process;
+}
+
+/// What the child of the next function does, by its argument.
+int doDeed(const QByteArray &deed)
+{
+    if (deed == "fatal") {
+        debugHandler(QtFatalMsg, "the end");
+        puts("goes on");
+        return 0;
+    }
+    if (deed == "qFatal") {
+        installDebugHandler();
+        qFatal("the end");
+    }
+    return -1;
+}
+
+void runInThreads(int count, const std::function<void(int)> &work)
+{
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int i = 0; i < count; ++i) {
+        threads.emplace_back(QThread::create(work, i));
+        threads.back()->start();
+    }
+    for (const auto &thread : threads) {
+        thread->wait();
+    }
+}
+
+} // namespace
+
+class LoggingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void everyTypeOfMessageIsPrintedAndLogged_data();
+    void everyTypeOfMessageIsPrintedAndLogged();
+    void messagesReachTheLogAsTheyWereFormatted();
+    void aMessageIsNoFormat();
+    void aFatalMessageIsLoggedAndEndsTheProcess();
+    void aFatalMessageThatCannotBeLoggedDoesNotEndTheProcess();
+    void aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging();
+    void theStampIsTheLocalTime();
+    void theLogIsMadeAnewWhenItWasRemoved();
+    void aLogThatCannotBeWrittenIsSkippedSilently_data();
+    void aLogThatCannotBeWrittenIsSkippedSilently();
+    void linesOfSeveralThreadsNeverInterleave();
+    void noDescriptorStaysOpen();
+
+    void theDailyLogHasDotsInItsLinesAndDashesInItsName();
+    void eachDayHasItsOwnFile();
+    void theDailyFolderIsMadeAgain();
+    void aDailyLogThatCannotBeWrittenIsSkippedSilently();
+    void theDailyLogPrintsNothing();
+};
+
+void LoggingTest::init()
+{
+    debug = false;
+    QDir(QStringLiteral("/opt/norvix")).removeRecursively();
+    QVERIFY(QDir().mkpath(QStringLiteral("/opt/norvix")));
+    QFile::remove(QString::fromLatin1(dailyFolder));
+    QDir(QString::fromLatin1(dailyFolder)).removeRecursively();
+}
+
+void LoggingTest::cleanup()
+{
+    debug = false;
+    qunsetenv("TZ");
+}
+
+void LoggingTest::everyTypeOfMessageIsPrintedAndLogged_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("debug") << int(QtDebugMsg);
+    QTest::newRow("info") << int(QtInfoMsg);
+    QTest::newRow("warning") << int(QtWarningMsg);
+    QTest::newRow("critical") << int(QtCriticalMsg);
+}
+
+void LoggingTest::everyTypeOfMessageIsPrintedAndLogged()
+{
+    QFETCH(int, type);
+    for (const bool debugging : {false, true}) {
+        debug = debugging;
+        QFile::remove(mainLogPath());
+        CapturedStdout capture;
+        debugHandler(QtMsgType(type), "caf\xe9 \xc3\xa9");
+        QCOMPARE(capture.text(), QByteArray("Debug: caf\xe9 \xc3\xa9\n"));
+        QCOMPARE(mainLog(), QByteArray("Norvix_Daemon::debugHandler: caf\xe9 \xc3\xa9\n"));
+    }
+}
+
+void LoggingTest::messagesReachTheLogAsTheyWereFormatted()
+{
+    const QtMessageHandler original = qInstallMessageHandler(nullptr);
+    CapturedStdout capture;
+    installDebugHandler();
+    qDebug("i: %d ", 3); // the trailing blank stays
+    qDebug("pid: %d ", 1234);
+    qDebug("device added: \"%s\" ", "/a\"b\\c");
+    qDebug("%s", "connectingRegExp");
+    qWarning("%s",
+        "gr\xc3\xb6\xc3\x9f"
+        "er");
+    qInstallMessageHandler(original);
+    QCOMPARE(capture.text(),
+        QByteArray("Debug: i: 3 \nDebug: pid: 1234 \nDebug: device added: \"/a\"b\\c\" \n"
+                   "Debug: connectingRegExp\nDebug: gr\xc3\xb6\xc3\x9f"
+                   "er\n"));
+    QCOMPARE(mainLog(),
+        QByteArray("Norvix_Daemon::debugHandler: i: 3 \n"
+                   "Norvix_Daemon::debugHandler: pid: 1234 \n"
+                   "Norvix_Daemon::debugHandler: device added: \"/a\"b\\c\" \n"
+                   "Norvix_Daemon::debugHandler: connectingRegExp\n"
+                   "Norvix_Daemon::debugHandler: gr\xc3\xb6\xc3\x9f"
+                   "er\n"));
+}
+
+void LoggingTest::aMessageIsNoFormat()
+{
+    CapturedStdout capture;
+    debugHandler(QtDebugMsg, "%s%n%d 100%");
+    QCOMPARE(capture.text(), QByteArray("Debug: %s%n%d 100%\n"));
+    QCOMPARE(mainLog(), QByteArray("Norvix_Daemon::debugHandler: %s%n%d 100%\n"));
+}
+
+void LoggingTest::aFatalMessageIsLoggedAndEndsTheProcess()
+{
+    for (const char *deed : {"fatal", "qFatal"}) {
+        QFile::remove(mainLogPath());
+        const std::unique_ptr<QProcess> process(child(deed));
+        QCOMPARE(process->exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process->exitCode(), 6); // SIGABRT
+        QCOMPARE(process->readAllStandardOutput(), QByteArray("Fatal: the end\n"));
+        QCOMPARE(mainLog(), QByteArray("Norvix_Daemon::debugHandler (fatal): the end\n"));
+    }
+}
+
+void LoggingTest::aFatalMessageThatCannotBeLoggedDoesNotEndTheProcess()
+{
+    QVERIFY(QDir().mkpath(mainLogPath()));
+    std::unique_ptr<QProcess> process(child("fatal"));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->readAllStandardOutput(), QByteArray("Fatal: the end\ngoes on\n"));
+
+    // What Qt itself does after the handler cannot be changed.
+    process.reset(child("qFatal"));
+    QCOMPARE(process->exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process->readAllStandardOutput(), QByteArray("Fatal: the end\n"));
+}
+
+void LoggingTest::aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging()
+{
+    const QString text = QStringLiteral("Norvix_Daemon::x(): %1 ") + QChar(0xe9) + QChar(0x416);
+    CapturedStdout quiet;
+    appendToLog(text);
+    QCOMPARE(quiet.text(), QByteArray());
+    QCOMPARE(mainLog(), text.toUtf8() + '\n');
+
+    debug = true;
+    CapturedStdout capture;
+    appendToLog(text);
+    QCOMPARE(capture.text(), text.toLocal8Bit() + '\n');
+    QCOMPARE(mainLog(), text.toUtf8() + '\n' + text.toUtf8() + '\n');
+}
+
+void LoggingTest::theStampIsTheLocalTime()
+{
+    const auto now = [] { return QDateTime::fromSecsSinceEpoch(time(nullptr)); };
+    const QDateTime before = now();
+    appendToLog(QStringLiteral("x"));
+    const QDateTime after = now();
+    const QDateTime stamp = QDateTime::fromString(
+        QString::fromLatin1(contentOf(mainLogPath()).left(20)), stampFormat);
+    QVERIFY(before <= stamp && stamp <= after);
+}
+
+void LoggingTest::theLogIsMadeAnewWhenItWasRemoved()
+{
+    appendToLog(QStringLiteral("one"));
+    appendToLog(QStringLiteral("two"));
+    QCOMPARE(mainLog(), QByteArray("one\ntwo\n"));
+    QVERIFY(QFile::remove(mainLogPath()));
+    appendToLog(QStringLiteral("three"));
+    QCOMPARE(mainLog(), QByteArray("three\n"));
+}
+
+void LoggingTest::aLogThatCannotBeWrittenIsSkippedSilently_data()
+{
+    QTest::addColumn<QByteArray>("obstacle");
+    QTest::newRow("the folder is missing") << QByteArray("rmdir /opt/norvix");
+    QTest::newRow("a folder of that name") << QByteArray("mkdir /opt/norvix/daemon.log");
+    QTest::newRow("the disk is full") << QByteArray("ln -s /dev/full /opt/norvix/daemon.log");
+}
+
+void LoggingTest::aLogThatCannotBeWrittenIsSkippedSilently()
+{
+    QFETCH(QByteArray, obstacle);
+    QCOMPARE(QProcess::execute(QString::fromLatin1(obstacle).section(QLatin1Char(' '), 0, 0),
+                 QString::fromLatin1(obstacle).split(QLatin1Char(' ')).mid(1)),
+        0);
+    debug = true;
+    CapturedStdout capture;
+    appendToLog(QStringLiteral("one"));
+    debugHandler(QtWarningMsg, "two");
+    QCOMPARE(capture.text(), QByteArray("one\nDebug: two\n"));
+}
+
+void LoggingTest::linesOfSeveralThreadsNeverInterleave()
+{
+    constexpr int threads = 4;
+    constexpr int linesEach = 300;
+    const QString filling(200, QLatin1Char('x'));
+    CapturedStdout capture;
+    runInThreads(threads, [&](int thread) {
+        for (int i = 0; i < linesEach; ++i) {
+            const QString text = QStringLiteral("%1 %2 %3 end").arg(thread).arg(i).arg(filling);
+            if (i % 2 == 0) {
+                appendToLog(text);
+            } else {
+                debugHandler(QtDebugMsg, text.toLatin1().constData());
+            }
+        }
+    });
+    capture.text();
+
+    const QRegularExpression whole(
+        QStringLiteral("^(?:Norvix_Daemon::debugHandler: )?([0-9]) ([0-9]+) x{200} end$"));
+    std::vector<int> next(threads, 0);
+    QByteArrayList lines = mainLog().split('\n');
+    QCOMPARE(lines.takeLast(), QByteArray());
+    QCOMPARE(lines.size(), threads * linesEach);
+    for (const QByteArray &line : qAsConst(lines)) {
+        const QRegularExpressionMatch match = whole.match(QString::fromLatin1(line));
+        QVERIFY2(match.hasMatch(), line.constData());
+        QCOMPARE(match.captured(2).toInt(), next.at(match.captured(1).toUInt())++);
+    }
+}
+
+void LoggingTest::noDescriptorStaysOpen()
+{
+    const QDir descriptors(QStringLiteral("/proc/self/fd"));
+    const auto count
+        = [&] { return descriptors.entryList(QDir::AllEntries | QDir::System).size(); };
+    const int before = count();
+    for (int i = 0; i < 20; ++i) {
+        appendToLog(QStringLiteral("x"));
+        appendToDailyLog(QStringLiteral("x"));
+    }
+    QCOMPARE(count(), before);
+}
+
+void LoggingTest::theDailyLogHasDotsInItsLinesAndDashesInItsName()
+{
+    const QString text = QStringLiteral("RX bytes: 5000 ") + QChar(0xe9);
+    const QDateTime before = QDateTime::currentDateTime();
+    appendToDailyLog(text);
+    appendToDailyLog(QStringLiteral("two"));
+    const QDateTime after = QDateTime::currentDateTime();
+    if (before.date() != after.date()) {
+        QSKIP("midnight passed");
+    }
+    const QString path = QString::fromLatin1(dailyFolder)
+        + before.toString(QStringLiteral("/dd-MM-yyyy")) + QStringLiteral(".log");
+    const QByteArrayList lines = contentOf(path).split('\n');
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines.at(0).mid(21), text.toLocal8Bit());
+    QCOMPARE(lines.at(1).mid(21), QByteArray("two"));
+    for (const QByteArray &line : lines.mid(0, 2)) {
+        const QString format = QStringLiteral("dd.MM.yyyy hh:mm:ss: ");
+        QVERIFY(QDateTime::fromString(QString::fromLatin1(line.left(21)), format).isValid());
+    }
+}
+
+void LoggingTest::eachDayHasItsOwnFile()
+{
+    // Zones a day apart: midnight always lies between them.
+    for (const char *zone : {"AAA+12", "BBB-12"}) {
+        qputenv("TZ", zone);
+        appendToDailyLog(QString::fromLatin1(zone));
+    }
+    const QDir folder(QString::fromLatin1(dailyFolder));
+    const QStringList names = folder.entryList(QDir::Files);
+    QCOMPARE(names.size(), 2);
+    for (const QString &name : names) {
+        QCOMPARE(contentOf(folder.filePath(name)).count('\n'), 1);
+    }
+}
+
+void LoggingTest::theDailyFolderIsMadeAgain()
+{
+    const QDir folder(QString::fromLatin1(dailyFolder));
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(!folder.exists());
+        appendToDailyLog(QStringLiteral("x"));
+        QCOMPARE(folder.entryList(QDir::Files).size(), 1);
+        QVERIFY(QDir(folder).removeRecursively());
+    }
+}
+
+void LoggingTest::aDailyLogThatCannotBeWrittenIsSkippedSilently()
+{
+    QFile file(QString::fromLatin1(dailyFolder));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    appendToDailyLog(QStringLiteral("x"));
+    QCOMPARE(file.size(), 0);
+}
+
+void LoggingTest::theDailyLogPrintsNothing()
+{
+    debug = true;
+    CapturedStdout capture;
+    appendToDailyLog(QStringLiteral("x"));
+    QCOMPARE(capture.text(), QByteArray());
+    QCOMPARE(contentOf(mainLogPath()), QByteArray("no file"));
+}
+
+int main(int argc, char **argv)
+{
+    enterPrivateRoot(argv);
+    if (argc == 2 && (qstrcmp(argv[1], "fatal") == 0 || qstrcmp(argv[1], "qFatal") == 0)) {
+        setvbuf(stdout, nullptr, _IOLBF, 0); // as the daemon does: nothing is lost by abort()
+        return doDeed(argv[1]);
+    }
+    QCoreApplication application(argc, argv);
+    LoggingTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "logging_test.moc"

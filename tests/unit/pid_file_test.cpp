@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+// Process ids and interface names from pid files of every make.
+#include "connection/pid_file.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <climits>
+
+namespace {
+
+constexpr int none = -1;
+
+int pidIn(const QByteArray &content)
+{
+    return parsePid(content).value_or(none);
+}
+
+} // namespace
+
+class PidFileTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theFirstLineGivesTheId_data();
+    void theFirstLineGivesTheId();
+    void aFileThatCannotBeReadGivesNone();
+    void aLinknameFileNamesItsInterface_data();
+    void aLinknameFileNamesItsInterface();
+    void theFirstInterfacePidFileOfAListingCounts_data();
+    void theFirstInterfacePidFileOfAListingCounts();
+
+private:
+    int pidInFile(const QByteArray &content);
+
+    QTemporaryDir m_folder;
+};
+
+int PidFileTest::pidInFile(const QByteArray &content)
+{
+    QFile file(m_folder.filePath(QStringLiteral("x.pid")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+    }
+    file.close();
+    return readPidFile(file.fileName()).value_or(none);
+}
+
+void PidFileTest::theFirstLineGivesTheId_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("pid");
+    const auto row = [](const char *name, const QByteArray &content, int pid) {
+        QTest::newRow(name) << content << pid;
+    };
+    row("as pppd writes it", "1234\n", 1234);
+    row("with the interface", "1234\nppp0\n", 1234);
+    row("without a line feed", "1234", 1234);
+    row("with carriage return", "1234\r\nppp0\r\n", 1234);
+    row("padded", " \t1234 \n", 1234);
+    row("leading zeros", "000042\n", 42);
+    row("smallest", "2\n", 2);
+    row("largest", "2147483647\n", INT_MAX);
+
+    row("empty", "", none);
+    row("only a line feed", "\n", none);
+    row("on the second line", "\n1234\n", none);
+    row("everybody", "-1\n", none);
+    row("own group", "0\n", none);
+    row("init", "1\n", none);
+    row("init, padded", "0001\n", none);
+    row("a group", "-1234\n", none);
+    row("with a sign", "+1234\n", none);
+    row("too large by one", "2147483648\n", none);
+    row("wraps to a small one", "4294968530\n", none);
+    row("huge", "99999999999999999999999\n", none);
+    row("text", "pppd\n", none);
+    row("number and text", "1234abc\n", none);
+    row("two numbers", "12 34\n", none);
+    row("hexadecimal", "0x4d2\n", none);
+    row("fraction", "12.5\n", none);
+    row("NUL behind", QByteArray("1234\0\n", 6), none);
+    row("NUL within",
+        QByteArray("12\0"
+                   "34\n",
+            6),
+        none);
+    row("other digits", "\xd9\xa1\xd9\xa2\n", none);
+    row("blanks", "      \n", none);
+    row("sixty zeros, then an id", QByteArray(60, '0') + "12345\n", 12345);
+    row("a thousand digits", QByteArray(1000, '7') + "\n", none);
+}
+
+void PidFileTest::theFirstLineGivesTheId()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, pid);
+    QCOMPARE(pidIn(content), pid);
+    // The file may give up on a line that no program writes, but never read another number in it.
+    const int inFile = pidInFile(content);
+    QVERIFY2(inFile == pid || (inFile == none && content.size() > 60),
+        qPrintable(QString::number(inFile)));
+}
+
+void PidFileTest::aFileThatCannotBeReadGivesNone()
+{
+    QVERIFY(!readPidFile(m_folder.filePath(QStringLiteral("missing.pid"))));
+    QVERIFY(!readPidFile(m_folder.path()));
+    QVERIFY(!readPidFile(QString()));
+    QCOMPARE(pidInFile(QByteArray(10 * 1024 * 1024, '9')), none);
+    QCOMPARE(pidInFile("1234\n" + QByteArray(10 * 1024 * 1024, '9')), 1234);
+}
+
+void PidFileTest::aLinknameFileNamesItsInterface_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("interface");
+    const auto row = [](const char *name, const QByteArray &content, const char *interface) {
+        QTest::newRow(name) << content << QString::fromLatin1(interface);
+    };
+    row("as pppd writes it", "1234\nppp0\n", "ppp0");
+    row("another unit", "1234\nppp7\n", "ppp7");
+    row("the first of two", "1234\nppp3\nppp4\n", "ppp3");
+    row("within a line", "xppp5y\n", "ppp5");
+    row("one digit only", "1234\nppp12\n", "ppp1");
+    row("with carriage return", "1234\r\nppp0\r\n", "ppp0");
+    row("without a line feed", "1234\nppp0", "ppp0");
+    row("only the id", "1234\n", "");
+    row("empty", "", "");
+    row("no digit", "1234\nppp\n", "");
+    row("upper case", "1234\nPPP0\n", "");
+    row("across two lines", "1234\nppp\n0\n", "");
+    row("another name", "1234\nwan0\n", "");
+    row("behind a NUL of its line", QByteArray("1234\n\0ppp0\n", 11), "");
+    row("after a line with a NUL", QByteArray("1234\0x\nppp0\n", 12), "ppp0");
+    row("after bytes of no encoding", "\xff\xfe\nppp0\n", "ppp0");
+}
+
+void PidFileTest::aLinknameFileNamesItsInterface()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, interface);
+    QCOMPARE(interfaceInPidFile(content), interface);
+}
+
+void PidFileTest::theFirstInterfacePidFileOfAListingCounts_data()
+{
+    QTest::addColumn<QStringList>("entries");
+    QTest::addColumn<QString>("interface");
+    const auto row = [](const char *entries, const char *interface) {
+        QTest::newRow(entries) << QString::fromLatin1(entries).split(QLatin1Char(' '))
+                               << QString::fromLatin1(interface);
+    };
+    row("", "");
+    row(". .. crond.pid dbus", "");
+    row(". .. nas0.pid ppp0.pid sshd.pid", "ppp0");
+    row("ppp1.pid ppp0.pid", "ppp1"); // the listing's order
+    row("ppp-norvix.pid ppp2.pid", "ppp2");
+    row("ppp10.pid ppp2.pid", "ppp2");
+    row("xppp0.pid", "");
+    row("PPP0.pid", "");
+    row("ppp0", "");
+    row("ppp0xpid", "");
+    row("ppp0.pid.old", "ppp0"); // only its beginning has to fit
+}
+
+void PidFileTest::theFirstInterfacePidFileOfAListingCounts()
+{
+    QFETCH(QStringList, entries);
+    QFETCH(QString, interface);
+    QCOMPARE(interfaceOfPidFiles(entries), interface);
+}
+
+QTEST_APPLESS_MAIN(PidFileTest)
+#include "pid_file_test.moc"

@@ -1,0 +1,368 @@
+// SPDX-License-Identifier: MIT
+// The settings object on its real path, in a private root.
+#include "connection/pppd_command.h"
+#include "daemon/settings.h"
+#include "private_root.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+#include <QThread>
+#include <atomic>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const QString folder = QStringLiteral("/opt/norvix");
+const QString path = QStringLiteral("/opt/norvix/.daemon_ng.ini");
+
+QByteArray fileText()
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+/// Writes the file as another process would, and has the settings read again.
+void writeFile(const QByteArray &text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+}
+
+void writeAndRead(const QByteArray &text)
+{
+    writeFile("[General]\n" + text);
+    syncSettings(settings());
+}
+
+} // namespace
+
+class SettingsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void aMissingFileGivesTheDefaults();
+    void aHandWrittenTextIsRead_data();
+    void aHandWrittenTextIsRead();
+    void aHandWrittenNumberIsRead_data();
+    void aHandWrittenNumberIsRead();
+    void aHandWrittenFlagIsRead_data();
+    void aHandWrittenFlagIsRead();
+    void thePppdArgumentsAreRead_data();
+    void thePppdArgumentsAreRead();
+    void keysAreCaseSensitive();
+    void whatIsStoredStandsInTheFile();
+    void whatIsStoredIsReadBackAtOnceAndReachesTheFileInTheLoop();
+    void otherKeysSurviveAWrite();
+    void changesOfOthersAreSeenAfterASyncOnly();
+    void theFolderIsMadeOnTheFirstWrite();
+    void aFileThatCannotBeWrittenKeepsTheValueInMemory();
+    void ownerAndModeOfTheFileSurviveAWrite();
+    void staleLocksAreRemoved();
+    void anotherStoreIsReadToo();
+    void workersReadWhileTheMainThreadWrites();
+};
+
+void SettingsTest::init()
+{
+    QVERIFY(QDir(folder).removeRecursively());
+    QVERIFY(QDir().mkpath(folder));
+    settings()->clear();
+    writeAndRead(QByteArray());
+    QCOMPARE(settings()->allKeys(), QStringList());
+}
+
+void SettingsTest::aMissingFileGivesTheDefaults()
+{
+    QVERIFY(QFile::remove(path));
+    syncSettings(settings());
+    const QString error = QStringLiteral("error");
+    for (const char *key : {"vpi", "vci", "protocol", "service"}) {
+        QCOMPARE(readSettingText(settings(), key, error), error);
+    }
+    QCOMPARE(readSettingText(settings(), "vpi", 0), QStringLiteral("0"));
+    QCOMPARE(readSetting(settings(), "connect_at_boot", false).toBool(), false);
+    QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 0);
+    QCOMPARE(readSetting(settings(), "vendor_id", -1).toInt(), -1);
+    QCOMPARE(readSetting(settings(), "pppd_arguments").toStringList(), QStringList());
+    QCOMPARE(readSettingText(settings(), "udi"), QString());
+    QVERIFY(!QFile::exists(path)); // reading makes no file
+}
+
+void SettingsTest::aHandWrittenTextIsRead_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char *written, const char *text) {
+        QTest::newRow(*written == '\0' ? "nothing" : written)
+            << QByteArray(written) << QString::fromLatin1(text);
+    };
+    row("PPPoE", "PPPoE");
+    row(" PPPoE ", "PPPoE");
+    row("\" PPPoE \"", " PPPoE ");
+    row("8", "8");
+    row("08", "08");
+    row("", "");
+    row("true", "true");
+    row("Sagem, E4", "Sagem, E4"); // read as a list, joined again
+    row("Sagem,E4", "Sagem, E4");
+    row("\"Sagem, E4\"", "Sagem, E4");
+    row("a;b", "a"); // a comment begins
+    row("\"a;b\"", "a;b");
+    row("caf\\xe9", "caf\xe9");
+    row("/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial",
+        "/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial");
+}
+
+void SettingsTest::aHandWrittenTextIsRead()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(QString, text);
+    writeAndRead("protocol=" + written + "\n");
+    QCOMPARE(readSettingText(settings(), "protocol", QStringLiteral("error")), text);
+}
+
+void SettingsTest::aHandWrittenNumberIsRead_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<int>("number");
+    const auto row = [](const char *written, int number) {
+        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << number;
+    };
+    row("4368", 4368);
+    row("-1", -1);
+    row("\"4368\"", 4368);
+    row("0x1110", 0); // decimal only
+    row("12abc", 0);
+    row("1.5", 0);
+    row("", 0);
+    row("1,2", 0);
+}
+
+void SettingsTest::aHandWrittenNumberIsRead()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(int, number);
+    writeAndRead("vendor_id=" + written + "\n");
+    QCOMPARE(readSetting(settings(), "vendor_id", 77).toInt(), number);
+}
+
+void SettingsTest::aHandWrittenFlagIsRead_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<bool>("flag");
+    const auto row = [](const char *written, bool flag) {
+        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << flag;
+    };
+    row("true", true);
+    row("false", false);
+    row("FALSE", false);
+    row("1", true);
+    row("0", false);
+    row("", false);
+    row("no", true); // any other text
+}
+
+void SettingsTest::aHandWrittenFlagIsRead()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(bool, flag);
+    writeAndRead("autoconnect=" + written + "\n");
+    QCOMPARE(readSetting(settings(), "autoconnect", !flag).toBool(), flag);
+}
+
+void SettingsTest::thePppdArgumentsAreRead_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QStringList>("arguments");
+    const auto row = [](const char *written, const QByteArrayList &arguments) {
+        QStringList list;
+        for (const QByteArray &argument : arguments) {
+            list.append(QString::fromLatin1(argument));
+        }
+        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << list;
+    };
+    row("", {}); // the file says "an empty text", which is no argument
+    row("@Invalid()", {});
+    row("lock", {"lock"});
+    row("mtu, 1400", {"mtu", "1400"});
+    row("mtu,1400,,lock", {"mtu", "1400", "lock"});
+    row("\"two words\", b", {"two words", "b"});
+    row("\"a, b\"", {"a, b"});
+    row("two words", {"two words"});
+}
+
+void SettingsTest::thePppdArgumentsAreRead()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(QStringList, arguments);
+    writeAndRead("pppd_arguments=" + written + "\n");
+    const QStringList read = readSetting(settings(), "pppd_arguments").toStringList();
+    QCOMPARE(pppdArguments(QStringLiteral("norvix"), read).mid(5), arguments);
+}
+
+void SettingsTest::keysAreCaseSensitive()
+{
+    writeAndRead("Protocol=PPPoE\n");
+    QCOMPARE(
+        readSettingText(settings(), "protocol", QStringLiteral("error")), QStringLiteral("error"));
+}
+
+void SettingsTest::whatIsStoredStandsInTheFile()
+{
+    writeSetting(settings(), "vendor_id", 4368);
+    writeSetting(settings(), "connect_at_boot", true);
+    writeSetting(settings(), "connect_at_modem_plug", false);
+    writeSetting(settings(), "modem", QStringLiteral("Sagem F@st 800, E4"));
+    syncSettings(settings());
+    QCOMPARE(fileText(),
+        QByteArray("[General]\n"
+                   "connect_at_boot=true\n"
+                   "connect_at_modem_plug=false\n"
+                   "modem=\"Sagem F@st 800, E4\"\n"
+                   "vendor_id=4368\n"));
+}
+
+void SettingsTest::whatIsStoredIsReadBackAtOnceAndReachesTheFileInTheLoop()
+{
+    writeSetting(settings(), "idleness", 42);
+    QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 42);
+    QVERIFY(!fileText().contains("idleness"));
+    QTRY_VERIFY_WITH_TIMEOUT(fileText().contains("idleness=42\n"), 30000);
+}
+
+void SettingsTest::otherKeysSurviveAWrite()
+{
+    writeAndRead("vpi=8\nvci=35\nunknown=x\n");
+    writeSetting(settings(), "idleness", 1);
+    syncSettings(settings());
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
+}
+
+void SettingsTest::changesOfOthersAreSeenAfterASyncOnly()
+{
+    writeAndRead("protocol=PPPoA\n");
+    writeFile("[General]\nprotocol=PPPoE over it\n");
+    QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoA"));
+    syncSettings(settings());
+    QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoE over it"));
+
+    QVERIFY(QFile::remove(path));
+    syncSettings(settings());
+    QCOMPARE(
+        readSettingText(settings(), "protocol", QStringLiteral("error")), QStringLiteral("error"));
+}
+
+void SettingsTest::theFolderIsMadeOnTheFirstWrite()
+{
+    QVERIFY(QDir(folder).removeRecursively());
+    writeSetting(settings(), "idleness", 3);
+    syncSettings(settings());
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=3\n"));
+}
+
+void SettingsTest::aFileThatCannotBeWrittenKeepsTheValueInMemory()
+{
+    QVERIFY(QFile::remove(path));
+    QVERIFY(QDir().mkpath(path));
+    writeSetting(settings(), "idleness", 5);
+    syncSettings(settings());
+    QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 5);
+    QVERIFY(QDir(path).removeRecursively());
+}
+
+void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
+{
+    if (!canChangeOwners()) {
+        QSKIP("needs root to give a file to another user");
+    }
+    writeAndRead("vpi=8\n");
+    const QByteArray name = QFile::encodeName(path);
+    QCOMPARE(chown(name.constData(), 1000, 1001), 0);
+    QCOMPARE(chmod(name.constData(), 0640), 0);
+    struct stat info = {};
+    for (const bool bySync : {true, false}) {
+        writeSetting(settings(), "idleness", bySync ? 11 : 12);
+        if (bySync) {
+            syncSettings(settings());
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(
+            fileText().contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
+        QCOMPARE(stat(name.constData(), &info), 0);
+        QCOMPARE(info.st_uid, uid_t(1000));
+        QCOMPARE(info.st_gid, gid_t(1001));
+        QCOMPARE(info.st_mode & 07777, mode_t(0640));
+    }
+}
+
+void SettingsTest::staleLocksAreRemoved()
+{
+    const QStringList locks
+        = {path + QStringLiteral(".lock"), path + QStringLiteral(".lock.rmlock")};
+    for (const QString &lock : locks) {
+        QFile file(lock);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    removeStaleSettingsLocks();
+    for (const QString &lock : locks) {
+        QVERIFY(!QFile::exists(lock));
+    }
+    removeStaleSettingsLocks(); // nothing there is fine
+    QVERIFY(QFile::exists(path));
+}
+
+void SettingsTest::anotherStoreIsReadToo()
+{
+    QSettings other(QStringLiteral("/opt/other.ini"), QSettings::IniFormat);
+    writeSetting(&other, "protocol", QStringLiteral("PPPoE"));
+    syncSettings(&other);
+    QCOMPARE(readSettingText(&other, "protocol"), QStringLiteral("PPPoE"));
+    QCOMPARE(readSettingText(settings(), "protocol"), QString());
+}
+
+void SettingsTest::workersReadWhileTheMainThreadWrites()
+{
+    std::atomic<int> wrong = 0;
+    std::atomic<bool> stop = false;
+    const auto read = [&] {
+        int last = 0;
+        while (!stop) {
+            syncSettings(settings());
+            const int now = readSetting(settings(), "idleness", 0).toInt();
+            wrong += now < last ? 1 : 0;
+            last = now;
+        }
+    };
+    const std::unique_ptr<QThread> first(QThread::create(read));
+    const std::unique_ptr<QThread> second(QThread::create(read));
+    first->start();
+    second->start();
+    for (int i = 1; i <= 300; ++i) {
+        writeSetting(settings(), "idleness", i);
+        QCoreApplication::processEvents();
+    }
+    stop = true;
+    first->wait();
+    second->wait();
+    syncSettings(settings());
+    QCOMPARE(wrong.load(), 0);
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=300\n"));
+}
+
+int main(int argc, char **argv)
+{
+    enterPrivateRoot(argv);
+    QCoreApplication application(argc, argv);
+    SettingsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "settings_test.moc"

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// Access to the recorded texts in tests/data.
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QStringList>
+
+/// The bytes of @p path below tests/data. Ends the test program when it cannot be read: a missing
+/// recording must never look like an empty one.
+inline QByteArray testData(const QString &path)
+{
+    QFile file(QStringLiteral(NORVIX_TEST_DATA "/") + path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("cannot read %s", file.fileName().toLocal8Bit().constData());
+    }
+    return file.readAll();
+}
+
+/// The names of the files in @p folder of tests/data that match @p pattern; never none.
+inline QStringList testDataNames(const QString &folder, const QString &pattern)
+{
+    const QDir directory(QStringLiteral(NORVIX_TEST_DATA "/") + folder);
+    const QStringList names = directory.entryList({pattern}, QDir::Files);
+    if (names.isEmpty()) {
+        qFatal("no recordings in %s", directory.path().toLocal8Bit().constData());
+    }
+    return names;
+}
