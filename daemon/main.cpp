@@ -8,6 +8,7 @@
 #include "support/lock_file.h"
 
 #include <QCoreApplication>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -70,7 +71,10 @@ int main(int argc, char **argv)
     openMissingStandardStreams();
     signal(SIGPIPE, SIG_IGN); // whoever read our output may go; the connection must not
     // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
-    setvbuf(stdout, nullptr, _IOLBF, 0);
+    // The buffer is our own: the library would allocate one at the first text, which may be the
+    // signal handler's, in the middle of an allocation.
+    static std::array<char, BUFSIZ> outputBuffer;
+    setvbuf(stdout, outputBuffer.data(), _IOLBF, outputBuffer.size());
     installDebugHandler();
     setDebug(true, QStringLiteral("/opt/norvix/daemon_verbose.log"));
 
