@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: MIT */
-/* Preloaded into the daemon under test: a kernel log that a test writes, and a fork that can fail. */
+/* Preloaded into the daemon under test: a kernel log a test writes, and a fork that can fail. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -35,7 +35,8 @@ int klogctl(int type, char *buffer, int length)
         return -1;
     }
     if (fstat(file, &log) == 0)
-        count = pread(file, buffer, (size_t)length, log.st_size > length ? log.st_size - length : 0);
+        count
+            = pread(file, buffer, (size_t)length, log.st_size > length ? log.st_size - length : 0);
     close(file);
     return (int)count;
 }
