@@ -57,6 +57,10 @@ class HalCompanion:
         wait_until(ready, timeout, "norvix-hald owns its name", self.process.errors)
         observer.close()
 
+    def wait_for_line(self, text):
+        """Waits until it has said this on standard error."""
+        wait_until(lambda: text in self.process.errors(), what=repr(text), detail=self.process.errors)
+
     def stop(self, *number):
         """Sends a signal and waits for the end; the exit status."""
         self.process.signal(*number)

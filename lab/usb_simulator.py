@@ -33,19 +33,29 @@ class Simulator:
     def do_add(self, name, parent, attributes, properties, driver=None, subsystem="usb"):
         """A new device; its "add" event is sent. Returns its path."""
         flat = [text for pair in attributes.items() for text in pair]
-        facts = [text for pair in properties.items() for text in pair]
+        told = {**properties, "DRIVER": driver} if driver else properties
+        facts = [text for pair in told.items() for text in pair]
         path = self.testbed.add_device(subsystem, name, parent, flat, facts)
         if driver:
-            self.do_driver(path, driver)
+            self.link_driver(path, driver)
         return path
 
-    def do_driver(self, path, driver):
-        """Links a device to its driver, or to none."""
+    def link_driver(self, path, driver):
         link = self.root + path + "/driver"
         if os.path.islink(link):
             os.unlink(link)
         if driver:
             os.symlink("/sys/bus/usb/drivers/" + driver, link)
+
+    def do_driver(self, path, driver):
+        """Gives a device a driver, or none: the link, and what events say of it."""
+        self.link_driver(path, driver)
+        facts_file = self.root + path + "/uevent"
+        with open(facts_file, encoding="utf-8") as file:
+            facts = [line for line in file if not line.startswith("DRIVER=")]
+        with open(facts_file + ".new", "w", encoding="utf-8") as file:
+            file.writelines(facts + (["DRIVER=%s\n" % driver] if driver else []))
+        os.rename(facts_file + ".new", facts_file)
 
     def do_property(self, path, name, value):
         self.testbed.set_property(path, name, value)
@@ -60,10 +70,19 @@ class Simulator:
     def do_event(self, path, action):
         self.testbed.uevent(path, action)
 
+    def do_unlist(self, path):
+        """Nothing lists the device any more."""
+        os.unlink(self.root + "/sys/bus/usb/devices/" + os.path.basename(path))
+
+    def do_list(self, path):
+        """The device is listed again; no event tells of it."""
+        os.symlink("../../.." + path.removeprefix("/sys"),
+                   self.root + "/sys/bus/usb/devices/" + os.path.basename(path))
+
     def do_hide(self, path):
         """As the kernel does before it tells of a removal: nothing lists the device any more, and
         its files are gone, but the event still has its facts."""
-        os.unlink(self.root + "/sys/bus/usb/devices/" + os.path.basename(path))
+        self.do_unlist(path)
         for entry in os.scandir(self.root + path):
             if entry.is_file(follow_symlinks=False) and entry.name != "uevent":
                 os.unlink(entry.path)
