@@ -83,7 +83,7 @@ QStringList Norvix_Daemon::getLoginAndPassword()
     return account ? QStringList{account->login, account->password} : QStringList();
 }
 
-void Norvix_Daemon::setAccountData(QString login, QString password)
+void Norvix_Daemon::setAccountData(const QString &login, const QString &password)
 {
     bool success = true;
     for (const AccountFile &file : accountFiles) {

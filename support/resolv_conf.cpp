@@ -94,7 +94,7 @@ QRegExp ResolvConf::writerLine(const char *comment)
     return QRegExp(QRegExp::escape(QString::fromLatin1(comment)) + QStringLiteral("\\n?"));
 }
 
-ResolvConf::ResolvConf(const QByteArray &content, QRegExp nameserverLine, QRegExp writerLine)
+ResolvConf::ResolvConf(const QByteArray &content, QRegExp nameserverLine, const QRegExp &writerLine)
 {
     int start = 0;
     while (start < content.size()) {

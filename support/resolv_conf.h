@@ -21,7 +21,7 @@ public:
 
     /// Takes @p content apart by the two patterns above, which the caller keeps so that they are
     /// built once.
-    ResolvConf(const QByteArray &content, QRegExp nameserverLine, QRegExp writerLine);
+    ResolvConf(const QByteArray &content, QRegExp nameserverLine, const QRegExp &writerLine);
 
     /// Whether at least one line names a server that can answer.
     bool hasUsableServer() const;

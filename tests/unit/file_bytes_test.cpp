@@ -6,8 +6,46 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+
+namespace {
+
+bool canReserve = true;
+
+/// Within this life no file grows beyond a size: a disk that is full from there on.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t size)
+    {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const struct rlimit limit = {size, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    Q_DISABLE_COPY(FullDisk)
+    struct rlimit m_before = {};
+};
+
+} // namespace
+
+/// Takes the place of the C library's, so that a file system without this call can be had.
+extern "C" int fallocate(int fd, int mode, off_t offset, off_t length)
+{
+    if (!canReserve) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return int(syscall(SYS_fallocate, fd, mode, offset, length));
+}
 
 class TestFileBytes : public QObject
 {
@@ -24,6 +62,9 @@ private slots:
     void linkIsFollowedUnlessRefused();
     void rewritingKeepsInodeOwnerAndMode_data();
     void rewritingKeepsInodeOwnerAndMode();
+    void fullDiskCostsNoOldByte_data();
+    void fullDiskCostsNoOldByte();
+    void replacingOnAFullDiskLeavesTheOldFileAlone();
     void rewritingMakesNoFile();
     void rewritingRefusesLinksWhenAsked();
     void replacingHandsOnOwnerAndMode();
@@ -153,6 +194,46 @@ void TestFileBytes::rewritingKeepsInodeOwnerAndMode()
     QCOMPARE(after.st_uid, before.st_uid);
     QCOMPARE(after.st_gid, before.st_gid);
     QCOMPARE(after.st_mode, before.st_mode);
+}
+
+void TestFileBytes::fullDiskCostsNoOldByte_data()
+{
+    QTest::addColumn<bool>("reservable");
+    QTest::newRow("room is refused before anything is written") << true;
+    QTest::newRow("the write stops half-way and is undone") << false;
+}
+
+void TestFileBytes::fullDiskCostsNoOldByte()
+{
+    QFETCH(bool, reservable);
+    const QByteArray oldBytes(5000, 'o');
+    write("file", oldBytes);
+    canReserve = reservable;
+    Rewrite result = Rewrite::Done;
+    int error = 0;
+    {
+        const FullDisk disk(6000);
+        result = rewriteFileInPlace(path("file"), oldBytes, QByteArray(7000, 'n'));
+        error = errno;
+    }
+    canReserve = true;
+    QCOMPARE(result, Rewrite::NotWritten);
+    QCOMPARE(error, EFBIG);
+    QCOMPARE(bytesOf("file"), oldBytes);
+}
+
+void TestFileBytes::replacingOnAFullDiskLeavesTheOldFileAlone()
+{
+    const QByteArray oldBytes(5000, 'o');
+    write("file", oldBytes);
+    bool replaced = true;
+    {
+        const FullDisk disk(6000);
+        replaced = replaceFile(path("file"), QByteArray(7000, 'n'));
+    }
+    QVERIFY(!replaced);
+    QCOMPARE(bytesOf("file"), oldBytes);
+    QVERIFY(!QFile::exists(path(".file.norvix")));
 }
 
 void TestFileBytes::rewritingMakesNoFile()
