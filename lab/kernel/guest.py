@@ -9,9 +9,7 @@ import subprocess
 import sys
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
-
-from kernel import image as images  # noqa: E402
+from . import image as images
 
 HERE = pathlib.Path(__file__).resolve().parent
 MEMORY_MIB = 1024
@@ -87,7 +85,7 @@ def tail(path, lines=20):
 
 def main():
     if len(sys.argv) < 3:
-        print("usage: guest.py RESULTS-FOLDER COMMAND [ARGUMENT...]", file=sys.stderr)
+        print("usage: python3 -m lab.kernel.guest RESULTS-FOLDER COMMAND [ARGUMENT...]", file=sys.stderr)
         return 2
     began = time.monotonic()
     results = pathlib.Path(sys.argv[1]).resolve()
