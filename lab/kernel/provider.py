@@ -58,7 +58,7 @@ class Provider:
         login, password = self._secret
         for name in ("chap-secrets", "pap-secrets"):
             secrets = etc / name
-            secrets.write_text(f'"{login}" * "{password}" {CLIENT_ADDRESS}\n')
+            secrets.write_text(f'"{login}" * "{password}" *\n')
             secrets.chmod(0o600)
         (etc / "options").write_text("")
         (etc / "server").write_text("\n".join(self._options()) + "\n")
