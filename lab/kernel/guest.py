@@ -67,6 +67,7 @@ def arguments(image, results):
     return [
         # Emulation on purpose: hardware virtualisation is often offered and seldom works in the
         # places where tests run.
+        "setpriv", "--pdeathsig", "KILL",  # no guest outlives who asked for it
         "qemu-system-x86_64", "-accel", "tcg", "-nodefaults", "-no-reboot", "-display", "none",
         "-m", str(MEMORY_MIB), "-smp", os.environ.get("NORVIX_LAB_CPUS", "1"),
         "-kernel", str(image.kernel), "-initrd", str(image.initramfs), "-append", " ".join(words),

@@ -32,6 +32,13 @@ LOGIN, PASSWORD = "login@lab", "secret"
 INTO_VRF = f"#!/bin/sh\nexec ip link set \"$1\" master {VRF}\n"
 
 
+def make_denying_plugin(folder):
+    """Builds the plugin that makes the provider say "permission denied"; returns its option."""
+    made = pathlib.Path(folder) / "denying.so"
+    command("cc", "-shared", "-fPIC", "-o", str(made), str(HERE / "denying_plugin.c"))
+    return f"plugin {made}"
+
+
 def command(*arguments, check=True):
     return subprocess.run(arguments, check=check, capture_output=True, text=True, timeout=60)
 

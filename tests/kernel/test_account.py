@@ -4,17 +4,17 @@
 import pytest
 
 from lab.kernel import system
-from lab.kernel.provider import LOGIN, PASSWORD
+from lab.kernel.provider import LOGIN, PASSWORD, make_denying_plugin
 
 # pppd asks for a concentrator at 0, 5 and 15 s and gives up after 35.
 DISCOVERY_SECONDS = 90
 
 
-def ready(chain, protocol="PPPoE", authentication="chap", **account):
+def ready(chain, protocol="PPPoE", authentication="chap", extra=(), **account):
     """A modem with its line up, a provider, and a daemon that has not connected yet."""
     chain.configure("cxacru", protocol)
     chain.write_account(protocol, **account)
-    chain.start_provider(protocol, authentication=authentication)
+    chain.start_provider(protocol, authentication=authentication, extra=extra)
     chain.plug("cxacru")
     chain.wait_line_up()
     return chain.start_daemon()
@@ -47,6 +47,17 @@ def test_an_account_set_over_the_bus_takes_the_place_of_an_unknown_login(chain):
     client.wait_signal("accountDataChanged", where=lambda done: done)
     chain.connect()
     assert f'user "{LOGIN}"' in system.PEER.read_text()
+
+
+def test_a_provider_that_says_permission_denied_is_believed(chain):
+    client = ready(chain, extra=[make_denying_plugin("/var/lib")])
+    mark = client.mark()
+    client.call("establishConnection")
+    client.wait_signal("invalidAccountData", timeout=60, after=mark)
+    client.wait_signal("connectionState", where=lambda state: state == 2, timeout=60)
+    assert 'rcvd [CHAP Failure id=' in chain.daemon_log()
+    assert '"permission denied"' in chain.daemon_log()
+    assert not system.processes("pppd")
 
 
 def test_no_concentrator_is_a_timeout_and_pppd_is_ended(chain):
