@@ -18,7 +18,7 @@ for module in /modules/*; do
 done
 for word in $(cat /proc/cmdline); do
     case "$word" in
-        lab.start=*) start=${word#lab.start=} ;;
+        lab.repository=*) repository=${word#lab.repository=} ;;
     esac
 done
 
@@ -35,6 +35,12 @@ for folder in dev proc sys; do
 done
 mount -t tmpfs run /root/run
 mount -t tmpfs tmp /root/tmp
+case "$repository" in
+    /tmp/* | /run/*)
+        mkdir -p "/root$repository"
+        mount --bind "/host$repository" "/root$repository" || fail "no $repository"
+        ;;
+esac
 mkdir -p /root/results
 mount -t 9p -o "$share" results /root/results || fail "no results folder"
-exec switch_root /root /bin/sh "$start"
+exec switch_root /root /bin/sh "$repository/lab/kernel/start.sh"

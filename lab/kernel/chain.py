@@ -136,10 +136,10 @@ class Chain:
 
     def start_daemon(self, *arguments):
         self._starts += 1
+        if self.client is None:
+            self.client = self.guest.client()  # before the daemon, so that it hears everything
         self.daemon = system.Daemon(self.guest, self.folder / f"daemon-{self._starts}.output",
                                     *(arguments or ("--debug",)))
-        if self.client is None:
-            self.client = self.guest.client()
         return self.client
 
     def connect(self, protocol=None):

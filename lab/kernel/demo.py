@@ -1,12 +1,14 @@
 # SPDX-License-Identifier: MIT
 """The demonstration on the real kernel: boots a guest and shows what its inside tells."""
 
+import os
 import pathlib
+import signal
 import sys
 import tempfile
 import threading
 
-from . import guest, image, story
+from . import guest, story
 
 SECONDS = 420
 LOOK_SECONDS = 0.2
@@ -28,8 +30,11 @@ def follow(path, ended):
 def main(arguments):
     """Returns the exit status."""
     story.parser().parse_args(arguments)  # errors are told before anything takes time
+    if os.geteuid() != 0:
+        print("demo: the guest needs root, to show the host's files to it.", file=sys.stderr)
+        return 1
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     print("Preparing the guest...", flush=True)
-    image.prepare()
     with tempfile.TemporaryDirectory(prefix="norvix-demo-") as folder:
         results = pathlib.Path(folder)
         ended = threading.Event()

@@ -11,7 +11,7 @@ import time
 
 from . import image as images
 
-HERE = pathlib.Path(__file__).resolve().parent
+REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 MEMORY_MIB = 1024
 
 
@@ -31,10 +31,10 @@ def run(command, results, seconds=600, environment=None):
     for name in ("status", "output", "times", "kernel.log", "console.log"):
         (results / name).unlink(missing_ok=True)
     write_command(results / "command", command, environment or {})
-    image = images.prepare()
+    images.cache_folder().mkdir(parents=True, exist_ok=True)
     with open(images.cache_folder() / "one-guest-at-a-time", "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
-        boot(image, results, seconds)
+        boot(images.prepare(), results, seconds)
     status = results / "status"
     if not status.exists():
         raise GuestFailed(tail(results / "console.log"))
@@ -63,7 +63,7 @@ def boot(image, results, seconds):
 
 def arguments(image, results):
     words = ["console=ttyS0", "quiet", "panic=-1", "net.ifnames=0", "log_buf_len=1M",
-             f"lab.start={HERE / 'start.sh'}"]
+             f"lab.repository={REPOSITORY}"]
     return [
         # Emulation on purpose: hardware virtualisation is often offered and seldom works in the
         # places where tests run.

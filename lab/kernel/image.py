@@ -8,11 +8,13 @@ import pathlib
 import re
 import shutil
 import subprocess
+import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
 
 DOWNLOAD_SECONDS = 600
+KEPT_SECONDS = 7 * 24 * 3600
 
 # A kernel package unpacks to 400 MB. This is what a machine without hardware but with a modem needs.
 KERNEL_FOLDERS = [
@@ -62,15 +64,24 @@ def is_installed(package):
     return status.stdout == "installed"
 
 
-def kernel_package():
-    """The package that linux-image-amd64 stands for today."""
-    text = run("apt-cache", "depends", "linux-image-amd64", capture_output=True, text=True).stdout
-    return re.search(r"Depends: (linux-image-\S+)", text).group(1)
+def dependencies(package):
+    """What a package depends on, by name."""
+    text = run("apt-cache", "depends", package, capture_output=True, text=True).stdout
+    return re.findall(r"(?m)^  Depends: ([^\s<]+)$", text)
 
 
 def guest_packages():
-    return [kernel_package() if name == "linux-image-amd64" else name
-            for name in package_names("guest")]
+    """The packages to unpack. Those of the kernel stand for others, which change with its version."""
+    packages = []
+    for name in package_names("guest"):
+        if name == "linux-image-amd64":
+            packages.append(dependencies(name)[0])
+        elif name == "linux-headers-amd64":
+            headers = dependencies(name)[0]
+            packages += [headers, *dependencies(headers)]
+        else:
+            packages.append(name)
+    return packages
 
 
 class Image:
@@ -97,12 +108,20 @@ def prepare():
     if image.initramfs.exists():
         return image
     shutil.rmtree(image.folder, ignore_errors=True)
+    remove_old_images()
     image.root.mkdir(parents=True)
     for archive in download(packages):
         unpack(archive, image)
     run("depmod", "-b", str(image.root / "usr"), image.kernel_release)
     write_initramfs(image)
     return image
+
+
+def remove_old_images():
+    """Images of recipes that nobody has made for a week."""
+    for folder in cache_folder().glob("guest-*"):
+        if time.time() - folder.stat().st_mtime > KEPT_SECONDS:
+            shutil.rmtree(folder, ignore_errors=True)
 
 
 def download(packages):

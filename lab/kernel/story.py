@@ -23,6 +23,7 @@ def parser():
     options.add_argument("--modem", choices=MODEMS, default="cxacru")
     options.add_argument("--protocol", choices=("pppoe", "pppoa"), default="pppoe")
     options.add_argument("--seconds", type=int, default=8)
+    options.add_argument("--no-install", action="store_true")  # the front has seen to it
     return options
 
 

@@ -45,7 +45,7 @@ def run(*arguments, check=True, seconds=60):
 
 def in_guest():
     """Whether this is a guest and no machine that somebody works on."""
-    return "lab.start=" in read_text(pathlib.Path("/proc/cmdline"))
+    return "lab.repository=" in read_text(pathlib.Path("/proc/cmdline"))
 
 
 def kernel_log():
