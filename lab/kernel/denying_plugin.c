@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* For the provider's pppd: refuses every CHAP response with the words "permission denied". pppd takes
-   only plugins that were made for its own version. */
+/* For the provider's pppd: refuses every CHAP response with the words "permission denied". pppd
+   takes only plugins that were made for its own version. */
 #include <stdio.h>
 
 char pppd_version[] = "2.4.9";

@@ -73,7 +73,8 @@ def arguments(image, results):
         "-kernel", str(image.kernel), "-initrd", str(image.initramfs), "-append", " ".join(words),
         "-serial", f"file:{results / 'console.log'}",
         "-device", "virtio-rng-pci",
-        "-virtfs", "local,path=/,mount_tag=host,security_model=none,readonly=on,multidevs=remap",
+        "-virtfs",
+        "local,path=/,mount_tag=host,security_model=none,readonly=on,multidevs=remap",
         "-virtfs", f"local,path={image.root},mount_tag=packages,security_model=none,readonly=on",
         "-virtfs", f"local,path={results},mount_tag=results,security_model=none",
     ]
@@ -86,7 +87,8 @@ def tail(path, lines=20):
 
 def main():
     if len(sys.argv) < 3:
-        print("usage: python3 -m lab.kernel.guest RESULTS-FOLDER COMMAND [ARGUMENT...]", file=sys.stderr)
+        print("usage: python3 -m lab.kernel.guest RESULTS-FOLDER COMMAND [ARGUMENT...]",
+              file=sys.stderr)
         return 2
     began = time.monotonic()
     results = pathlib.Path(sys.argv[1]).resolve()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The guest's own files: Debian packages unpacked into a cache, and the initramfs made from them."""
+"""The guest's own files: Debian packages unpacked into a cache, and an initramfs made from them."""
 
 import gzip
 import hashlib
@@ -16,7 +16,7 @@ PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
 DOWNLOAD_SECONDS = 600
 KEPT_SECONDS = 7 * 24 * 3600
 
-# A kernel package unpacks to 400 MB. This is what a machine without hardware but with a modem needs.
+# A kernel package unpacks to 400 MB. A machine without hardware but with a modem needs this much.
 KERNEL_FOLDERS = [
     "arch/x86/crypto", "crypto", "drivers/atm", "drivers/char/hw_random", "drivers/input",
     "drivers/net/dummy.ko", "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko",
@@ -71,7 +71,7 @@ def dependencies(package):
 
 
 def guest_packages():
-    """The packages to unpack. Those of the kernel stand for others, which change with its version."""
+    """The packages to unpack. Those of the kernel stand for others that change with its version."""
     packages = []
     for name in package_names("guest"):
         if name == "linux-image-amd64":
@@ -102,7 +102,8 @@ def prepare():
     """Returns the image, made anew only when the package list or the boot script has changed."""
     install_host_packages()
     packages = guest_packages()
-    recipe = "\n".join(packages) + (HERE / "boot.sh").read_text() + pathlib.Path(__file__).read_text()
+    sources = [(HERE / "boot.sh").read_text(), pathlib.Path(__file__).read_text()]
+    recipe = "\n".join(packages + sources)
     key = hashlib.sha256(recipe.encode()).hexdigest()[:16]
     image = Image(cache_folder() / f"guest-{key}")
     if image.initramfs.exists():

@@ -2,13 +2,14 @@
 """The provider at the far end of the line, with programs of the distribution.
 
 PPP over Ethernet: the exchange's ATM circuit is bridged to an interface that lives in a network
-namespace, where pppoe-server answers. PPP over ATM: ATM sockets exist in the first network namespace
-only, so the provider's pppd runs there and its interface is kept apart in a VRF.
+namespace, where pppoe-server answers. PPP over ATM: ATM sockets exist in the first network
+namespace only, so the provider's pppd runs there and its interface is kept apart in a VRF.
 """
 
 import pathlib
 import shutil
 import subprocess
+import threading
 
 from ..waiting import wait_until
 
@@ -25,6 +26,9 @@ NAMESPACE = "provider"
 VRF, VRF_TABLE, VRF_UNIT = "visp", "77", "7"
 
 ECHO_PORT = 7007
+
+# Seconds of rest, so that a pppd that cannot start is not started without end.
+BETWEEN_SESSIONS = 0.3
 
 LOGIN, PASSWORD = "login@lab", "secret"
 
@@ -169,13 +173,25 @@ class PppoaProvider(Provider):
         self._start("/usr/bin/python3", str(HERE / "echo_server.py"), str(ECHO_PORT), VRF)
 
     def serve(self):
-        """Begins to speak PPP, and again after each session."""
-        self._server = self._start(*self._in_room(
-            str(PPPD), "plugin", "pppoatm.so", f"1.{self._circuit}", "file", "/etc/ppp/server",
-            f"{ADDRESS}:{CLIENT_ADDRESS}", "unit", VRF_UNIT, "nodetach", "passive", "persist",
-            "maxfail", "0", "holdoff", "1"))
+        """Begins to speak PPP. Each session gets a pppd of its own: one that persists keeps what it
+        knew of the last peer."""
+        self._stopping = threading.Event()
+        self._server = threading.Thread(target=self._serve, daemon=True)
+        self._server.start()
+
+    def _serve(self):
+        while not self._stopping.wait(BETWEEN_SESSIONS):
+            session = self._start(*self._in_room(
+                str(PPPD), "plugin", "pppoatm.so", f"1.{self._circuit}", "file",
+                "/etc/ppp/server", f"{ADDRESS}:{CLIENT_ADDRESS}", "unit", VRF_UNIT, "nodetach",
+                "passive"))
+            session.wait()
+            self._processes.remove(session)
 
     def stop(self):
+        self._stopping.set()
+        self.hang_up()
+        self._server.join(timeout=30)
         super().stop()
         command("ip", "rule", "add", "pref", "0", "lookup", "local", check=False)
         command("ip", "rule", "del", "pref", "2000", check=False)

@@ -47,7 +47,8 @@ class Story:
         self.chain.configure_line(self.protocol)
         self.chain.write_account(self.protocol)
         self.chain.start_provider(self.protocol)
-        self.tell("lab", "exchange and provider", f"{self.protocol}, circuit {world.VPI}.{world.VCI}")
+        self.tell("lab", "exchange and provider",
+                  f"{self.protocol}, circuit {world.VPI}.{world.VCI}")
         self.client = self.chain.start_daemon()
         self.tell("lab", "norvix-daemon", "answers on the system bus")
         self.connect()

@@ -1,10 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What the scenarios share. They run inside a guest; `run_scenarios.py` boots one for each file."""
 
-import itertools
-import os
 import pathlib
-import shutil
 import sys
 
 import pytest

@@ -42,7 +42,7 @@ def chosen(names):
 
 
 def run_file(path, scenario, results):
-    """Runs one file in a guest of its own. Returns the rows of its report and whether all is well."""
+    """Runs one file in a guest of its own. Returns its report's rows and whether all is well."""
     target = str(path.relative_to(REPOSITORY))
     selection = ["-k", scenario] if scenario else []
     environment = {name: os.environ[name] for name in ("NORVIX_BUILD_DIR",) if name in os.environ}

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Login and password: refused, corrected over the bus, accepted; and providers that do not answer."""
+"""Login and password: refused, corrected over the bus, accepted; providers that do not answer."""
 
 import pytest
 

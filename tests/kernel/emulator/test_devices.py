@@ -59,7 +59,8 @@ def test_every_modems_configuration_can_be_walked_to_its_end(description):
 
 def test_strings_are_told_in_utf16_and_missing_ones_refused(host):
     plugged = host(Recorder())
-    assert plugged.control(0x80, 6, 0x0301, 0x0409, 255) == b"\x10\x03" + "Ä modem".encode("utf-16-le")
+    name = plugged.control(0x80, 6, 0x0301, 0x0409, 255)
+    assert name == b"\x10\x03" + "Ä modem".encode("utf-16-le")
     assert plugged.control(0x80, 6, 0x0304, 0x0409, 255) is None
 
 

@@ -127,7 +127,8 @@ def older_request(plugged, function, variable, offset, value=0, index=7):
     notice = plugged.read(eagle.NOTICES, 28)
     assert len(notice) == 28
     assert notice[0] == 0x08 and struct.unpack_from("<H", notice, 8)[0] == 2
-    preamble, direction, answered, at, name, where, data = struct.unpack_from("<HBBHIHI", notice, 10)
+    preamble, direction, answered, at, name, where, data = struct.unpack_from(
+        "<HBBHIHI", notice, 10)
     assert (preamble, direction, answered) == (0x535C, 0x01, function | 2)
     assert (at, name, where) == (index, eagle.name(variable), offset)
     return eagle.swapped(data)
