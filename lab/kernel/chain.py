@@ -163,6 +163,10 @@ class Chain:
         wait_until(lambda: self.client.call("getConnectionState") == state, seconds,
                    f"connection state {state}", self.daemon_log)
 
+    def wait_ended(self, name, seconds=30):
+        """Until no process of that name runs any more."""
+        wait_until(lambda: not system.processes(name), seconds, f"no {name} runs")
+
     # Evidence and end.
 
     def evidence(self):

@@ -76,8 +76,8 @@ def check_end(chain, client, protocol):
     assert bool(bridge) == (protocol == "PPPoE")
     mark = chain.disconnect()
     chain.wait_state(2)
-    assert not system.processes("pppd")
-    assert not system.processes("br2684ctl_amd64")
+    chain.wait_ended("pppd")
+    chain.wait_ended("br2684ctl_amd64")
     assert not system.LINK_PID_FILE.exists()
     time.sleep(2)  # twice the time between two statistics
     client.expect_no_signal("transmissionBytes", after=mark + 1)

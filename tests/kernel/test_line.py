@@ -46,7 +46,7 @@ def test_a_line_that_never_comes_is_given_up(chain):
     client.wait_signal("synchronizationFailed", timeout=NO_LINE_SECONDS)
     assert client.wait_signal("connectionState").args == (2,)
     assert client.names().count("synchronizing") == 1
-    assert not system.processes("pppd")
+    chain.wait_ended("pppd")
 
     chain.start_provider()
     chain.line.come_up()
@@ -69,7 +69,7 @@ def test_a_line_lost_under_a_connection_ends_it_by_unanswered_echoes(chain):
     # pppd says nothing: for as long as it waits for echoes, the link counts as up.
     assert client.call("getConnectionState") == 0
     chain.wait_state(2, ECHO_SECONDS)
-    assert not system.processes("pppd")
+    chain.wait_ended("pppd")
 
     chain.line.come_up()
     chain.wait_kernel_log(world.UP_LINES["cxacru"], count=2)

@@ -25,7 +25,7 @@ def test_with_nodetach_the_thread_follows_for_a_while_and_the_connection_stays(c
     assert len(system.processes("pppd")) == 1
     chain.disconnect()
     chain.wait_state(2)
-    assert not system.processes("pppd")
+    chain.wait_ended("pppd")
     chain.connect()
 
 

@@ -28,7 +28,7 @@ def test_an_unplugged_modem_ends_the_connection_and_plugged_again_connects_by_it
         after=mark).index("modemUnplugged")
     assert client.call("getIsModemPlugged") is False
     chain.wait_state(2)
-    assert not system.processes("pppd")
+    chain.wait_ended("pppd")
 
     mark = client.mark()
     chain.plug(kind)

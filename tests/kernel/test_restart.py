@@ -62,7 +62,7 @@ def test_a_connection_outlives_the_daemon_and_is_found_by_the_next_one(chain, nu
     assert f"Registered IP: {CLIENT_ADDRESS}" in daily
 
     chain.disconnect()
-    wait_until(lambda: not system.processes("pppd"), what="pppd has ended")
+    chain.wait_ended("pppd")
 
 
 def test_a_second_daemon_gives_up_and_the_first_one_stays(chain):
