@@ -88,7 +88,8 @@ class Line:
                     return
             if state is State.ACTIVATING and not self.comes_up:
                 return
-        self._enter(State.UP, run)
+        if self.comes_up:
+            self._enter(State.UP, run)
 
     def _enter(self, state, run=None):
         """Takes on a state, unless another training has begun meanwhile; returns whether it did."""

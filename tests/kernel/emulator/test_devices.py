@@ -97,7 +97,9 @@ def test_messages_are_not_joined_and_too_long_ones_are_split(host):
     plugged = host(device)
     device.send(1, b"one")
     device.send(1, b"second")
-    assert [plugged.read(1, 4), plugged.read(1, 4), plugged.read(1, 4)] == [b"one", b"seco", b"nd"]
+    device.send(1, b"third")
+    assert [plugged.read(1), plugged.read(1, 4), plugged.read(1)] == [b"one", b"seco", b"nd"]
+    assert plugged.read(1) == b"third"
 
 
 def test_a_stream_fills_each_request(host):
@@ -178,6 +180,14 @@ def test_a_line_that_does_not_come_up_stays_activating_until_it_may():
     wait_until(lambda: line.state is State.UP)
 
 
+def test_a_line_that_does_not_come_up_ends_with_the_last_state_of_its_training():
+    line = Line(((State.INITIALIZING, 0.01),))
+    line.comes_up = False
+    line.start()
+    line._train(1)
+    assert line.state is State.INITIALIZING
+
+
 def test_a_dropped_line_does_not_come_up_by_an_old_training():
     line = Line(((State.INITIALIZING, 0.05),))
     seen = []
@@ -188,6 +198,7 @@ def test_a_dropped_line_does_not_come_up_by_an_old_training():
     wait_until(lambda: line.state is State.UP)
     line.drop()
     assert seen.count(State.UP) == 1
+    line._train(1)  # one that was late to notice
     assert line.state is State.DOWN
 
 
