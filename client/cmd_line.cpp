@@ -23,10 +23,10 @@ struct LineKey
 const QList<LineKey> &lineKeys()
 {
     static const QList<LineKey> keys = {
-        {"protocol", "getProtocol", QT_TRANSLATE_NOOP("norvixctl", "Protocol")},
-        {"vpi", "getVPI", QT_TRANSLATE_NOOP("norvixctl", "VPI")},
-        {"vci", "getVCI", QT_TRANSLATE_NOOP("norvixctl", "VCI")},
-        {"service", "getService", QT_TRANSLATE_NOOP("norvixctl", "Service")},
+        {"protocol", "getProtocol", QT_TRANSLATE_NOOP("Say", "Protocol")},
+        {"vpi", "getVPI", QT_TRANSLATE_NOOP("Say", "VPI")},
+        {"vci", "getVCI", QT_TRANSLATE_NOOP("Say", "VCI")},
+        {"service", "getService", QT_TRANSLATE_NOOP("Say", "Service")},
     };
     return keys;
 }

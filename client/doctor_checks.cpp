@@ -387,22 +387,22 @@ struct Check
 const QList<Check> &checks()
 {
     static const QList<Check> table = {
-        {"daemon", QT_TRANSLATE_NOOP("norvixctl", "Daemon"), checkDaemon},
-        {"companion", QT_TRANSLATE_NOOP("norvixctl", "Device companion"), checkCompanion},
-        {"policy", QT_TRANSLATE_NOOP("norvixctl", "Bus policy"), checkPolicy},
-        {"permission", QT_TRANSLATE_NOOP("norvixctl", "Bus permission"), checkPermission},
-        {"modem", QT_TRANSLATE_NOOP("norvixctl", "Modem"), checkModem},
-        {"driver", QT_TRANSLATE_NOOP("norvixctl", "Driver"), checkDriver},
-        {"firmware", QT_TRANSLATE_NOOP("norvixctl", "Firmware"), checkFirmware},
-        {"line", QT_TRANSLATE_NOOP("norvixctl", "Line"), checkLine},
-        {"line-settings", QT_TRANSLATE_NOOP("norvixctl", "Line settings"), checkLineSettings},
-        {"ppp", QT_TRANSLATE_NOOP("norvixctl", "PPP"), checkPpp},
-        {"bridge", QT_TRANSLATE_NOOP("norvixctl", "Bridge program"), checkBridge},
-        {"peer", QT_TRANSLATE_NOOP("norvixctl", "Peer file"), checkPeer},
-        {"secrets", QT_TRANSLATE_NOOP("norvixctl", "Account files"), checkSecrets},
-        {"resolver", QT_TRANSLATE_NOOP("norvixctl", "Resolver"), checkResolver},
-        {"other-pppd", QT_TRANSLATE_NOOP("norvixctl", "Other pppd"), checkOtherPppd},
-        {"last-attempt", QT_TRANSLATE_NOOP("norvixctl", "Last attempt"), checkLastAttempt},
+        {"daemon", QT_TRANSLATE_NOOP("Say", "Daemon"), checkDaemon},
+        {"companion", QT_TRANSLATE_NOOP("Say", "Device companion"), checkCompanion},
+        {"policy", QT_TRANSLATE_NOOP("Say", "Bus policy"), checkPolicy},
+        {"permission", QT_TRANSLATE_NOOP("Say", "Bus permission"), checkPermission},
+        {"modem", QT_TRANSLATE_NOOP("Say", "Modem"), checkModem},
+        {"driver", QT_TRANSLATE_NOOP("Say", "Driver"), checkDriver},
+        {"firmware", QT_TRANSLATE_NOOP("Say", "Firmware"), checkFirmware},
+        {"line", QT_TRANSLATE_NOOP("Say", "Line"), checkLine},
+        {"line-settings", QT_TRANSLATE_NOOP("Say", "Line settings"), checkLineSettings},
+        {"ppp", QT_TRANSLATE_NOOP("Say", "PPP"), checkPpp},
+        {"bridge", QT_TRANSLATE_NOOP("Say", "Bridge program"), checkBridge},
+        {"peer", QT_TRANSLATE_NOOP("Say", "Peer file"), checkPeer},
+        {"secrets", QT_TRANSLATE_NOOP("Say", "Account files"), checkSecrets},
+        {"resolver", QT_TRANSLATE_NOOP("Say", "Resolver"), checkResolver},
+        {"other-pppd", QT_TRANSLATE_NOOP("Say", "Other pppd"), checkOtherPppd},
+        {"last-attempt", QT_TRANSLATE_NOOP("Say", "Last attempt"), checkLastAttempt},
     };
     return table;
 }

@@ -6,5 +6,5 @@
 
 class Say
 {
-    Q_DECLARE_TR_FUNCTIONS(norvixctl)
+    Q_DECLARE_TR_FUNCTIONS(Say)
 };
