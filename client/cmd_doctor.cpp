@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr int narrowestText = 34;
+
 QString verdictText(Verdict verdict)
 {
     switch (verdict) {
@@ -52,9 +54,11 @@ void printForPerson(const QList<Finding> &findings, const Terminal &terminal)
         widestTitle = std::max(widestTitle, finding.title.size());
         widestVerdict = std::max(widestVerdict, verdictText(finding.verdict).size());
     }
-    const int margin = widestVerdict + widestTitle + 4;
+    // On a narrow terminal the words go below the title.
+    const bool isNarrow = terminal.width() < widestVerdict + widestTitle + narrowestText;
+    const int margin = isNarrow ? 4 : widestVerdict + widestTitle + 4;
     const QString indent(margin, QLatin1Char(' '));
-    const int width = std::max(20, terminal.width() - margin);
+    const int width = terminal.width() - margin;
     for (const Finding &finding : findings) {
         const QString verdict = verdictText(finding.verdict).leftJustified(widestVerdict);
         QStringList lines = wrapped(printable(finding.text), width);
@@ -62,9 +66,10 @@ void printForPerson(const QList<Finding> &findings, const Terminal &terminal)
             // The width of the arrow and its blank.
             lines += wrapped(QStringLiteral("-> ") + finding.remedy, width, 3);
         }
+        const QString gap = isNarrow ? QLatin1Char('\n') + indent : QStringLiteral("  ");
+        const QString title = isNarrow ? finding.title : finding.title.leftJustified(widestTitle);
         terminal.line(terminal.toned(verdict, verdictTone(finding.verdict)) + QLatin1String("  ")
-            + finding.title.leftJustified(widestTitle) + QLatin1String("  ")
-            + lines.join(QLatin1Char('\n') + indent));
+            + title + gap + lines.join(QLatin1Char('\n') + indent));
     }
     const auto faults = std::count_if(findings.begin(), findings.end(),
         [](const Finding &finding) { return finding.verdict == Verdict::Fault; });

@@ -89,15 +89,24 @@ std::optional<LineStatus> statusOf(const QByteArray &line)
 
 LineStatus lineFromKernelLog(const QByteArray &log)
 {
+    std::optional<LineStatus> newest;
     int end = log.size();
     while (end > 0) {
         const int start = log.lastIndexOf('\n', end - 1) + 1;
-        if (const auto status = statusOf(log.mid(start, end - start).trimmed())) {
-            return *status;
-        }
+        const auto status = statusOf(log.mid(start, end - start).trimmed());
         end = start - 1;
+        if (!status) {
+            continue;
+        }
+        // A modem without its firmware starts over and over again: what it lacks is the news.
+        if (status->line == Line::FirmwareFailed || !newest) {
+            newest = status;
+        }
+        if (newest->line != Line::Booting || status->line != Line::Booting) {
+            break;
+        }
     }
-    return LineStatus();
+    return newest.value_or(LineStatus());
 }
 
 QString lineWord(Line line)

@@ -100,7 +100,7 @@ QList<SecretsEntry> secretsEntries(const QByteArray &content)
 
 bool hasEntryAtStart(const QByteArray &content)
 {
-    return entryOf(content.left(content.indexOf('\n'))).has_value();
+    return entryOf(content.split('\n').constFirst()).has_value();
 }
 
 QByteArray placeholderLogin()
