@@ -85,7 +85,7 @@ public slots:
     void restartModem(); // driver/modem_restart.cpp
     void setIdlenessTime(int idleness); // daemon/settings_methods.cpp
     void useNewModem(); // daemon/modem_detection.cpp
-    void setAccountData(QString login, QString password); // network/account.cpp
+    void setAccountData(const QString &login, const QString &password); // network/account.cpp
     bool getIsModemPlugged(); // daemon/modem_detection.cpp
     bool getIsCompiling(); // driver/driver_build.cpp
     bool getConnectAtBoot(); // daemon/settings_methods.cpp

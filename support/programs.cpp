@@ -52,15 +52,21 @@ QString findProgram(const QString &name, const QStringList &environment)
         if (!entry.startsWith(prefix)) {
             continue;
         }
+        // Where the path has it nowhere: the bare name would be looked up again, along our own
+        // path.
+        QString path = QLatin1Char('/') + name;
         const QStringList folders = entry.mid(prefix.size()).split(QLatin1Char(':'));
         for (const QString &folder : folders) {
-            // An empty folder means the current one to a shell; root must not run what lies there.
-            const QString path = folder + QLatin1Char('/') + name;
-            if (folder.startsWith(QLatin1Char('/')) && isExecutableFile(path)) {
+            // Others mean the current folder to a shell; root must not run what lies there.
+            if (!folder.startsWith(QLatin1Char('/'))) {
+                continue;
+            }
+            path = folder + QLatin1Char('/') + name;
+            if (isExecutableFile(path)) {
                 return path;
             }
         }
-        break;
+        return path;
     }
     return name;
 }
@@ -95,8 +101,9 @@ ProgramResult runProgram(const QString &program, const QStringList &arguments, i
         letGo(process);
         return result;
     }
-    if (process->error() != QProcess::FailedToStart
-        && process->exitStatus() == QProcess::NormalExit) {
+    if (process->error() == QProcess::FailedToStart) {
+        result.processId = 0; // it was that of the child which could not become the program
+    } else if (process->exitStatus() == QProcess::NormalExit) {
         result.exitCode = process->exitCode();
     }
     delete process;

@@ -7,8 +7,8 @@
 #include <optional>
 
 /// The path of the executable file that the bare @p name stands for along PATH of @p environment
-/// ("NAME=value" entries). @p name itself when it holds a slash, when there is no PATH, or when no
-/// folder of PATH has it: starting that fails the ordinary way.
+/// ("NAME=value" entries). @p name itself when it holds a slash or when there is no PATH. Where no
+/// folder of PATH has it, a path at which it is not: starting that fails the ordinary way.
 QString findProgram(const QString &name, const QStringList &environment);
 
 /// How a program run by runProgram() ended.

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "support/dns_manager.h"
+
+#include "support/file_bytes.h"
+#include "support/resolv_conf.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <sys/stat.h>
+
+namespace {
+
+/// The configuration whose other lines are to be kept: empty where there is none to lose (a missing
+/// file, a dangling link, a pipe). No value when there is a file that cannot be read.
+std::optional<QByteArray> configurationToKeep(const QString &path)
+{
+    std::optional<QByteArray> bytes = readFileBytes(path);
+    struct stat info = {};
+    const bool isFile
+        = lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
+    if (!bytes && !isFile) {
+        bytes = QByteArray();
+    }
+    return bytes;
+}
+
+} // namespace
+
+DNS_Manager::DNS_Manager()
+    : m_path("/etc/resolv.conf")
+    , m_writerComment("# Written by norvix-daemon, which had found no usable name server here.")
+    , m_nameserverLine(ResolvConf::nameserverLine())
+    , m_writerLine(ResolvConf::writerLine(m_writerComment))
+{
+}
+
+bool DNS_Manager::isFileCorrect()
+{
+    const std::optional<QByteArray> content = readFileBytes(QString::fromLatin1(m_path));
+    return content && ResolvConf(*content, m_nameserverLine, m_writerLine).hasUsableServer();
+}
+
+bool DNS_Manager::setServers(QStringList &servers)
+{
+    if (servers.isEmpty() || !std::all_of(servers.cbegin(), servers.cend(), isServerAddress)) {
+        return false;
+    }
+    const QString path = QString::fromLatin1(m_path);
+    const std::optional<QByteArray> content = configurationToKeep(path);
+    if (!content) {
+        return false;
+    }
+    ResolvConf configuration(*content, m_nameserverLine, m_writerLine);
+    configuration.setServers(servers, m_writerComment);
+    const QByteArray text = configuration.toText();
+    if (replaceFile(path, text)) {
+        return true;
+    }
+    // In a container the file is often mounted by itself: no rename reaches it, and the folder may
+    // be read-only.
+    return (errno == EBUSY || isMountPoint(path))
+        && rewriteFileInPlace(path, *content, text, Links::Refuse) == Rewrite::Done;
+}

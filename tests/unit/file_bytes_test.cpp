@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: MIT
+// Reading and rewriting small files: nothing waits, nothing is lost.
+#include "support/file_bytes.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+bool canReserve = true;
+
+/// Within this life no file grows beyond a size: a disk that is full from there on.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t size)
+    {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const struct rlimit limit = {size, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    Q_DISABLE_COPY(FullDisk)
+    struct rlimit m_before = {};
+};
+
+} // namespace
+
+/// Takes the place of the C library's, so that a file system without this call can be had.
+extern "C" int fallocate(int fd, int mode, off_t offset, off_t length)
+{
+    if (!canReserve) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return int(syscall(SYS_fallocate, fd, mode, offset, length));
+}
+
+class TestFileBytes : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void fileIsReadWhole_data();
+    void fileIsReadWhole();
+    void onlyRegularFilesAreRead_data();
+    void onlyRegularFilesAreRead();
+    void linkIsFollowedUnlessRefused();
+    void rewritingKeepsInodeOwnerAndMode_data();
+    void rewritingKeepsInodeOwnerAndMode();
+    void fullDiskCostsNoOldByte_data();
+    void fullDiskCostsNoOldByte();
+    void replacingOnAFullDiskLeavesTheOldFileAlone();
+    void rewritingMakesNoFile();
+    void rewritingRefusesLinksWhenAsked();
+    void replacingHandsOnOwnerAndMode();
+    void replacingALinkLeavesItsTargetAlone();
+    void replacingMakesAMissingFileReadableForAll();
+    void replacingSweepsWhatAKilledProcessLeft();
+    void replacingAFolderFailsAndLeavesNothingBehind();
+    void plainFileIsNoMountPoint();
+
+private:
+    QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
+    QByteArray name(const char *file) const { return QFile::encodeName(path(file)); }
+    void write(const char *name, const QByteArray &bytes);
+    QByteArray bytesOf(const char *name) const;
+    struct stat statusOf(const char *name) const;
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void TestFileBytes::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    QVERIFY(m_folder->isValid());
+}
+
+void TestFileBytes::cleanup()
+{
+    m_folder.reset();
+}
+
+void TestFileBytes::write(const char *name, const QByteArray &bytes)
+{
+    QFile file(path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+QByteArray TestFileBytes::bytesOf(const char *name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+struct stat TestFileBytes::statusOf(const char *file) const
+{
+    struct stat status = {};
+    lstat(name(file).constData(), &status);
+    return status;
+}
+
+void TestFileBytes::fileIsReadWhole_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("NUL bytes") << QByteArray("a\0b\0", 4);
+    QTest::newRow("one block") << QByteArray(65536, 'x');
+    QTest::newRow("many blocks") << QByteArray(1000001, 'x');
+}
+
+void TestFileBytes::fileIsReadWhole()
+{
+    QFETCH(QByteArray, bytes);
+    write("file", bytes);
+    const std::optional<QByteArray> read = readFileBytes(path("file"));
+    QVERIFY(read);
+    QCOMPARE(*read, bytes);
+}
+
+void TestFileBytes::onlyRegularFilesAreRead_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"missing", "folder", "pipe", "dangling link", "link to itself"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void TestFileBytes::onlyRegularFilesAreRead()
+{
+    QFETCH(QString, kind);
+    if (kind == QLatin1String("folder")) {
+        QVERIFY(QDir().mkdir(path("file")));
+    } else if (kind == QLatin1String("pipe")) {
+        QCOMPARE(mkfifo(name("file").constData(), 0600), 0);
+    } else if (kind == QLatin1String("dangling link")) {
+        QCOMPARE(symlink("nowhere", name("file").constData()), 0);
+    } else if (kind == QLatin1String("link to itself")) {
+        QCOMPARE(symlink("file", name("file").constData()), 0);
+    }
+    errno = 0;
+    QVERIFY(!readFileBytes(path("file")));
+    QVERIFY(errno != 0);
+    QCOMPARE(rewriteFileInPlace(path("file"), "", "new"), Rewrite::NotOpened);
+    QVERIFY(errno != 0);
+}
+
+void TestFileBytes::linkIsFollowedUnlessRefused()
+{
+    write("target", "content");
+    QCOMPARE(symlink("target", name("link").constData()), 0);
+    QCOMPARE(readFileBytes(path("link")).value_or("none"), QByteArray("content"));
+    QVERIFY(!readFileBytes(path("link"), Links::Refuse));
+    QCOMPARE(errno, ELOOP);
+}
+
+void TestFileBytes::rewritingKeepsInodeOwnerAndMode_data()
+{
+    QTest::addColumn<QByteArray>("oldBytes");
+    QTest::addColumn<QByteArray>("newBytes");
+    QTest::newRow("longer") << QByteArray("old") << QByteArray(100000, 'n');
+    QTest::newRow("shorter") << QByteArray(100000, 'o') << QByteArray("new");
+    QTest::newRow("to nothing") << QByteArray("old") << QByteArray();
+    QTest::newRow("from nothing") << QByteArray() << QByteArray("new");
+    QTest::newRow("the same") << QByteArray("same") << QByteArray("same");
+}
+
+void TestFileBytes::rewritingKeepsInodeOwnerAndMode()
+{
+    QFETCH(QByteArray, oldBytes);
+    QFETCH(QByteArray, newBytes);
+    write("file", oldBytes);
+    QCOMPARE(chmod(name("file").constData(), 0640), 0);
+    const struct stat before = statusOf("file");
+    QCOMPARE(rewriteFileInPlace(path("file"), oldBytes, newBytes), Rewrite::Done);
+    const struct stat after = statusOf("file");
+    QCOMPARE(bytesOf("file"), newBytes);
+    QCOMPARE(after.st_ino, before.st_ino);
+    QCOMPARE(after.st_uid, before.st_uid);
+    QCOMPARE(after.st_gid, before.st_gid);
+    QCOMPARE(after.st_mode, before.st_mode);
+}
+
+void TestFileBytes::fullDiskCostsNoOldByte_data()
+{
+    QTest::addColumn<bool>("reservable");
+    QTest::newRow("room is refused before anything is written") << true;
+    QTest::newRow("the write stops half-way and is undone") << false;
+}
+
+void TestFileBytes::fullDiskCostsNoOldByte()
+{
+    QFETCH(bool, reservable);
+    const QByteArray oldBytes(5000, 'o');
+    write("file", oldBytes);
+    canReserve = reservable;
+    Rewrite result = Rewrite::Done;
+    int error = 0;
+    {
+        const FullDisk disk(6000);
+        result = rewriteFileInPlace(path("file"), oldBytes, QByteArray(7000, 'n'));
+        error = errno;
+    }
+    canReserve = true;
+    QCOMPARE(result, Rewrite::NotWritten);
+    QCOMPARE(error, EFBIG);
+    QCOMPARE(bytesOf("file"), oldBytes);
+}
+
+void TestFileBytes::replacingOnAFullDiskLeavesTheOldFileAlone()
+{
+    const QByteArray oldBytes(5000, 'o');
+    write("file", oldBytes);
+    bool replaced = true;
+    {
+        const FullDisk disk(6000);
+        replaced = replaceFile(path("file"), QByteArray(7000, 'n'));
+    }
+    QVERIFY(!replaced);
+    QCOMPARE(bytesOf("file"), oldBytes);
+    QVERIFY(!QFile::exists(path(".file.norvix")));
+}
+
+void TestFileBytes::rewritingMakesNoFile()
+{
+    QCOMPARE(rewriteFileInPlace(path("file"), "old", "new"), Rewrite::NotOpened);
+    QVERIFY(!QFile::exists(path("file")));
+}
+
+void TestFileBytes::rewritingRefusesLinksWhenAsked()
+{
+    write("target", "content");
+    QCOMPARE(symlink("target", name("link").constData()), 0);
+    QCOMPARE(rewriteFileInPlace(path("link"), "content", "new", Links::Refuse), Rewrite::NotOpened);
+    QCOMPARE(bytesOf("target"), QByteArray("content"));
+    QCOMPARE(rewriteFileInPlace(path("link"), "content", "new"), Rewrite::Done);
+    QCOMPARE(bytesOf("target"), QByteArray("new"));
+}
+
+void TestFileBytes::replacingHandsOnOwnerAndMode()
+{
+    write("file", "old");
+    QCOMPARE(chmod(name("file").constData(), 0604), 0);
+    if (geteuid() == 0) {
+        QCOMPARE(chown(name("file").constData(), 12, 34), 0);
+    }
+    const struct stat before = statusOf("file");
+    const mode_t mask = umask(0077);
+    const bool replaced = replaceFile(path("file"), "new");
+    umask(mask);
+    QVERIFY(replaced);
+    const struct stat after = statusOf("file");
+    QCOMPARE(bytesOf("file"), QByteArray("new"));
+    QVERIFY(after.st_ino != before.st_ino);
+    QCOMPARE(after.st_uid, before.st_uid);
+    QCOMPARE(after.st_gid, before.st_gid);
+    QCOMPARE(after.st_mode, before.st_mode);
+}
+
+void TestFileBytes::replacingALinkLeavesItsTargetAlone()
+{
+    write("target", "content");
+    QCOMPARE(chmod(name("target").constData(), 0600), 0);
+    QCOMPARE(symlink("target", name("file").constData()), 0);
+    QVERIFY(replaceFile(path("file"), "new"));
+    QCOMPARE(bytesOf("target"), QByteArray("content"));
+    QCOMPARE(bytesOf("file"), QByteArray("new"));
+    QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0644));
+}
+
+void TestFileBytes::replacingMakesAMissingFileReadableForAll()
+{
+    const mode_t mask = umask(0077);
+    const bool replaced = replaceFile(path("file"), "new");
+    umask(mask);
+    QVERIFY(replaced);
+    QCOMPARE(bytesOf("file"), QByteArray("new"));
+    QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0644));
+}
+
+void TestFileBytes::replacingSweepsWhatAKilledProcessLeft()
+{
+    write("file", "old");
+    write("precious", "precious");
+    QCOMPARE(symlink("precious", name(".file.norvix").constData()), 0);
+    QVERIFY(replaceFile(path("file"), "new"));
+    QCOMPARE(bytesOf("file"), QByteArray("new"));
+    QCOMPARE(bytesOf("precious"), QByteArray("precious"));
+    QVERIFY(!QFile::exists(path(".file.norvix")));
+}
+
+void TestFileBytes::replacingAFolderFailsAndLeavesNothingBehind()
+{
+    QVERIFY(QDir().mkdir(path("file")));
+    QVERIFY(!replaceFile(path("file"), "new"));
+    QVERIFY(!replaceFile(path("missing/file"), "new"));
+    const QDir folder(m_folder->path());
+    QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        QStringList(QStringLiteral("file")));
+}
+
+void TestFileBytes::plainFileIsNoMountPoint()
+{
+    write("file", "content");
+    QVERIFY(!isMountPoint(path("file")));
+    QVERIFY(!isMountPoint(path("missing")));
+    QVERIFY(isMountPoint(QStringLiteral("/proc")));
+}
+
+QTEST_APPLESS_MAIN(TestFileBytes)
+#include "file_bytes_test.moc"
