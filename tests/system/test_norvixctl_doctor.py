@@ -57,7 +57,7 @@ def run_all(machine, companion=True):
     if companion:
         hal = FakeHal.start(machine)
         hal.plug("usb_device_572_cafe_noserial", 0x0572, 0xCAFE, announce=False)
-    machine.start_daemon().wait_for_log("getModemState(): klogctl()")
+    machine.start_daemon().wait_for_log("debugHandler: i: 0")
     return findings(machine)
 
 

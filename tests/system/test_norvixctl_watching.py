@@ -24,7 +24,7 @@ def ready_fixture(bus_machine):
 
 @pytest.fixture(name="running")
 def running_fixture(ready):
-    ready.start_daemon().wait_for_log("getModemState(): klogctl()")
+    ready.start_daemon().wait_for_log("debugHandler: i: 0")
     return ready
 
 
