@@ -122,8 +122,6 @@ FAULTS_PLANTED = {
                    lambda m: m.path(PEER_FILE).write_text(PEER.replace("user@isp", "other"))),
     "no resolver": ("resolver", "warning", "names no server",
                     lambda m: m.path("/etc/resolv.conf").write_text("")),
-    "no policy file": ("policy", "fault", "reload",
-                       lambda m: m.path("/etc/dbus-1/system.d/norvix.conf").unlink()),
 }
 
 
@@ -135,6 +133,13 @@ def test_a_planted_fault_is_found_and_its_remedy_named(sound, fault):
     assert found[id_]["verdict"] == verdict, found[id_]
     assert words in found[id_]["text"] + " " + found[id_]["remedy"]
     assert Ctl(sound)("doctor").status == (FAULTS if verdict == "fault" else OK)
+
+
+def test_a_missing_policy_is_found(sound):
+    run_all(sound)  # which needs the policy
+    sound.path("/etc/dbus-1/system.d/norvix.conf").unlink()
+    found = findings(sound)["policy"]
+    assert (found["verdict"], "reload dbus" in found["remedy"]) == ("fault", True)
 
 
 def test_a_missing_pppd_is_found(sound):
