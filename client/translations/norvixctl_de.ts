@@ -1519,5 +1519,9 @@
         <source>no synchronisation</source>
         <translation>keine Synchronisation</translation>
     </message>
+    <message>
+        <source>%1 is plugged in, but the daemon does not see it: “norvixctl doctor”</source>
+        <translation>%1 ist eingesteckt, aber der Dienst sieht es nicht: „norvixctl doctor“</translation>
+    </message>
 </context>
 </TS>

@@ -125,13 +125,21 @@ private slots:
         QFETCH(QByteArray, content);
         QFETCH(bool, isPppoe);
         QFETCH(QString, fault);
-        const QStringList faults = peerFaults(content, isPppoe, QStringLiteral("8.35"));
+        const PeerKind kind = isPppoe ? PeerKind::Bridge : PeerKind::Atm;
+        const QStringList faults = peerFaults(content, kind, QStringLiteral("8.35"));
         if (fault.isEmpty()) {
             QCOMPARE(faults, QStringList());
         } else {
             QVERIFY2(faults.join(QLatin1Char(' ')).contains(fault),
                 qPrintable(faults.join(QLatin1Char(' '))));
         }
+    }
+
+    void aModemWithItsOwnInterfaceNeedsNeitherBridgeNorCircuit()
+    {
+        const QByteArray peer = "nic-dsl0\nuser \"me\"\nnoauth\nupdetach\nnoipv6\n";
+        QCOMPARE(peerFaults(peer, PeerKind::OwnInterface, QString()), QStringList());
+        QCOMPARE(peerFaults("user me\nnoauth\n", PeerKind::OwnInterface, QString()).size(), 1);
     }
 
     void theLoginOfAPeerFileIsFound()
