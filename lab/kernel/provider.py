@@ -200,10 +200,14 @@ class PppoaProvider(Provider):
             session.wait()
             self._processes.remove(session)
 
-    def stop(self):
+    def fall_silent(self):
+        """Ends the session without a word and answers nobody any more."""
         self._stopping.set()
         self.hang_up()
         self._server.join(timeout=30)
+
+    def stop(self):
+        self.fall_silent()
         super().stop()
         command("ip", "rule", "add", "pref", "0", "lookup", "local", check=False)
         command("ip", "rule", "del", "pref", "2000", check=False)
