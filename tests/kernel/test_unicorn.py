@@ -20,6 +20,9 @@ def test_a_unicorn_modem_connects_over_its_own_interface_when_its_line_is_up(cha
     chain.start_provider("dsl0")
     KERNEL_LOG.write_text("unicorn_msw: Current Modem State (2): INITIALIZING\n")
     client = chain.start_daemon()
+    # The driver is missing and cannot be built. Until that is known the daemon does not understand
+    # what pppd says.
+    client.wait_signal("compilationFinished", timeout=120, where=lambda done: not done)
     client.call("setAccountData", LOGIN, PASSWORD)
     client.wait_signal("accountDataChanged", where=lambda done: done)
 
