@@ -11,7 +11,8 @@ from ..waiting import read_text, wait_until
 from . import system
 from .modems import cxacru, eagle, speedtch, vhci
 from .modems.line import Line, State
-from .provider import ADDRESS, ECHO_PORT, LOGIN, PASSWORD, PppoaProvider, PppoeProvider
+from .provider import (ADDRESS, ECHO_PORT, LOGIN, PASSWORD, CableProvider, PppoaProvider,
+                       PppoeProvider)
 
 # For scenarios that are not about training. The drivers look once a second, or after five.
 QUICK = ((State.INITIALIZING, 0.3),)
@@ -36,6 +37,9 @@ UDIS = {"cxacru": "/org/freedesktop/Hal/devices/usb_device_572_cb00_1",
         "speedtch": "/org/freedesktop/Hal/devices/usb_device_6b9_4061_0090D0123456",
         "eagle": "/org/freedesktop/Hal/devices/usb_device_1110_900f_00604C123456",
         "eagle-e4": "/org/freedesktop/Hal/devices/usb_device_1110_9041_00604C123456"}
+
+
+PROVIDERS = {"PPPoE": PppoeProvider, "PPPoA": PppoaProvider, "dsl0": CableProvider}
 
 
 class FarEnd:
@@ -113,8 +117,7 @@ class Chain:
                    f"{text!r} ({count} times) in the kernel log", system.kernel_log)
 
     def start_provider(self, protocol="PPPoE", **account):
-        make = PppoeProvider if protocol == "PPPoE" else PppoaProvider
-        self.provider = make("/var/lib/provider", **account)
+        self.provider = PROVIDERS[protocol]("/var/lib/provider", **account)
         self.provider.start()
 
     # The system under test.

@@ -76,7 +76,6 @@ class Provider:
         if script:
             (etc / "ip-pre-up").write_text(script)
             (etc / "ip-pre-up").chmod(0o755)
-        return etc
 
     def _options(self):
         options = ["name provider", "noipv6", "nodefaultroute", "noaccomp", "nopcomp",
@@ -115,28 +114,32 @@ class Provider:
 class PppoeProvider(Provider):
     """Answers discovery on the exchange's end of a circuit."""
 
+    interface = "nas1"
+
     def __init__(self, folder, circuit="8.35", **account):
         super().__init__(folder, **account)
         self._circuit = circuit
 
     def start(self):
-        etc = self._write_files()
+        self._write_files()
         command("ip", "netns", "add", NAMESPACE)
-        command("br2684ctl", "-b", "-c", "1", "-e", "0", "-a", f"1.{self._circuit}")
-        wait_until(lambda: pathlib.Path("/sys/class/net/nas1").exists(), what="nas1 exists")
-        command("ip", "link", "set", "nas1", "netns", NAMESPACE)
-        for name in ("lo", "nas1"):
+        self._make_interface()
+        command("ip", "link", "set", self.interface, "netns", NAMESPACE)
+        for name in ("lo", self.interface):
             command("ip", "-n", NAMESPACE, "link", "set", name, "up")
         self.serve()
         self._start("ip", "netns", "exec", NAMESPACE, "/usr/bin/python3",
                     str(HERE / "echo_server.py"), str(ECHO_PORT))
-        return etc
+
+    def _make_interface(self):
+        command("br2684ctl", "-b", "-c", "1", "-e", "0", "-a", f"1.{self._circuit}")
+        wait_until(lambda: pathlib.Path("/sys/class/net/nas1").exists(), what="nas1 exists")
 
     def serve(self):
         """Begins to answer discovery."""
         self._server = self._start(
             "ip", "netns", "exec", NAMESPACE, *self._in_room(
-                "pppoe-server", "-F", "-I", "nas1", "-C", CONCENTRATOR, "-L", ADDRESS,
+                "pppoe-server", "-F", "-I", self.interface, "-C", CONCENTRATOR, "-L", ADDRESS,
                 "-R", CLIENT_ADDRESS, "-N", "8", "-O", "/etc/ppp/server", "-q", str(PPPD),
                 "-Q", "/usr/sbin/pppoe"))
 
@@ -153,6 +156,15 @@ class PppoeProvider(Provider):
             command("kill", "-9", pid_file.read_text().strip(), check=False)
             pid_file.unlink()
         command("ip", "netns", "del", NAMESPACE, check=False)
+
+
+class CableProvider(PppoeProvider):
+    """Answers discovery at the far end of dsl0, which is there instead of a unicorn modem's."""
+
+    interface = "dsl0-far"
+
+    def _make_interface(self):
+        command("ip", "link", "add", "dsl0", "type", "veth", "peer", "name", self.interface)
 
 
 class PppoaProvider(Provider):
@@ -188,10 +200,14 @@ class PppoaProvider(Provider):
             session.wait()
             self._processes.remove(session)
 
-    def stop(self):
+    def fall_silent(self):
+        """Ends the session without a word and answers nobody any more."""
         self._stopping.set()
         self.hang_up()
         self._server.join(timeout=30)
+
+    def stop(self):
+        self.fall_silent()
         super().stop()
         command("ip", "rule", "add", "pref", "0", "lookup", "local", check=False)
         command("ip", "rule", "del", "pref", "2000", check=False)

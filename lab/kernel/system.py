@@ -25,6 +25,7 @@ HAL = "org.freedesktop.Hal"
 SETTINGS = pathlib.Path("/opt/norvix/.daemon_ng.ini")
 LOG = pathlib.Path("/opt/norvix/daemon.log")
 PEER = pathlib.Path("/etc/ppp/peers/norvix")
+UNICORN_PEER = pathlib.Path("/etc/ppp/peers/norvix_unicorn")
 LINK_PID_FILE = pathlib.Path("/run/ppp-norvix.pid")
 RESOLVER = pathlib.Path("/etc/resolv.conf")
 FIRMWARE = pathlib.Path("/lib/firmware")
@@ -79,7 +80,7 @@ def write_account(login="", password=""):
         path.chmod(0o600)
 
 
-def write_peer(template, login=None, replace=()):
+def write_peer(template, login=None, replace=(), target=PEER):
     """Installs a shipped peer file as the connection's; `replace` are further (old, new) pairs."""
     text = (REPOSITORY / "packaging/peers" / template).read_text()
     if login:
@@ -88,7 +89,7 @@ def write_peer(template, login=None, replace=()):
         if old not in text:
             raise ValueError(f"{template} has no {old!r}")
         text = text.replace(old, new)
-    PEER.write_text(text)
+    target.write_text(text)
 
 
 def write_settings(**values):

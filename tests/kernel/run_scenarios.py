@@ -76,9 +76,10 @@ def main():
     everything_well = True
     for path, scenario in chosen(options.names):
         began = time.monotonic()
-        rows, well = run_file(path, scenario, folder.resolve() / path.stem)
+        name = path.stem + (f"-{scenario}" if scenario else "")
+        rows, well = run_file(path, scenario, folder.resolve() / name)
         everything_well = everything_well and well
-        print(f"{path.stem}: {'ok' if well else 'FAILED'}, {time.monotonic() - began:.0f} s")
+        print(f"{name}: {'ok' if well else 'FAILED'}, {time.monotonic() - began:.0f} s")
         for name, seconds, outcome in rows:
             print(f"  {outcome:8}{seconds:6.1f} s  {name}", flush=True)
     print(f"results are in {folder}")

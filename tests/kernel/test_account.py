@@ -3,8 +3,10 @@
 
 import pytest
 
+from lab.kernel import chain as world
 from lab.kernel import system
 from lab.kernel.provider import LOGIN, PASSWORD, make_denying_plugin
+from lab.waiting import wait_until
 
 # pppd asks for a concentrator at 0, 5 and 15 s and gives up after 35.
 DISCOVERY_SECONDS = 90
@@ -74,13 +76,41 @@ def test_no_concentrator_is_a_timeout_and_pppd_is_ended(chain):
     chain.connect()
 
 
-@pytest.mark.parametrize("protocol", ["PPPoE", "PPPoA"])
-def test_after_the_provider_has_hung_up_the_client_is_told_when_it_asks(chain, protocol):
-    client = ready(chain, protocol)
+def check_that_the_end_is_told(chain, client):
+    """No signal says it; whoever asks is told."""
+    chain.wait_state(2, 120)
+    chain.wait_ended("pppd")
+    assert client.call("getIsModemPlugged") is True
+    assert "connectionTerminated" not in client.names()
+
+
+def test_after_the_provider_has_hung_up_the_client_is_told_when_it_asks(chain):
+    client = ready(chain)
     chain.connect()
     chain.wait_state(0)
     chain.provider.hang_up()
-    # Over ATM nobody says that the far end is gone; the echoes find out.
-    chain.wait_state(2, 90)
-    chain.wait_ended("pppd")
-    assert client.call("getIsModemPlugged") is True
+    check_that_the_end_is_told(chain, client)
+    chain.connect()
+
+
+def test_over_atm_unanswered_echoes_tell_that_the_provider_is_gone(chain):
+    client = ready(chain, "PPPoA")
+    chain.connect()
+    chain.wait_state(0)
+    chain.provider.fall_silent()
+    check_that_the_end_is_told(chain, client)
+    chain.provider.serve()
+    chain.connect()
+
+
+def test_over_atm_a_provider_that_starts_anew_finds_the_same_connection(chain):
+    ready(chain, "PPPoA")
+    chain.connect()
+    chain.wait_state(0)
+    pppd = system.processes("pppd")
+    chain.provider.hang_up()
+    wait_until(lambda: chain.provider.said().count("remote IP address") == 2, 60,
+               "the provider's next pppd has negotiated", chain.provider.said)
+    chain.wait_state(0)
+    assert world.exchange_traffic() == 20_000
+    assert system.processes("pppd") == pppd

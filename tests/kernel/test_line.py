@@ -4,7 +4,6 @@
 import pytest
 
 from lab.kernel import chain as world
-from lab.kernel import system
 from lab.kernel.modems.line import State
 
 LONG_TRAINING = ((State.INITIALIZING, 2), (State.ACTIVATING, 4), (State.TRAINING, 4),
