@@ -8,11 +8,38 @@
 #include "support/debug.h"
 
 #include <sys/klog.h>
+#include <sys/mman.h>
 
 namespace {
 
 constexpr int readWholeRing = 3; // SYSLOG_ACTION_READ_ALL: does not consume the log
 constexpr int ringSize = 100000;
+
+/// Memory full of zeros that goes back to the system. From the heap, so much of it would stay with
+/// the process for ever, between two questions a day.
+class ZeroedPages
+{
+public:
+    explicit ZeroedPages(size_t size)
+        : m_size(size)
+        , m_pages(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
+    {
+    }
+    ~ZeroedPages()
+    {
+        if (m_pages != MAP_FAILED) {
+            munmap(m_pages, m_size);
+        }
+    }
+    Q_DISABLE_COPY_MOVE(ZeroedPages)
+
+    /// Null when the system has no memory to give.
+    char *data() const { return m_pages == MAP_FAILED ? nullptr : static_cast<char *>(m_pages); }
+
+private:
+    size_t m_size;
+    void *m_pages;
+};
 
 const char *traceOf(LineState state)
 {
@@ -52,12 +79,13 @@ int Norvix_Daemon::getModemState()
     const int vendorId = readSetting(settings(), "vendor_id", 0).toInt();
 
     // One zero byte more than is asked for: a full read has no end of its own.
-    QByteArray ring(ringSize + 1, '\0');
-    if (klogctl(readWholeRing, ring.data(), ringSize) <= 0) {
+    const ZeroedPages ring(ringSize + 1);
+    if (ring.data() == nullptr || klogctl(readWholeRing, ring.data(), ringSize) <= 0) {
         appendToLog(QStringLiteral("Norvix_Daemon::getModemState(): klogctl() <= 0!"));
         return LineUnknown;
     }
-    const LineReport report = lineStateFromLog(ring, vendorId);
+    const LineReport report
+        = lineStateFromLog(QByteArray::fromRawData(ring.data(), ringSize + 1), vendorId);
     trace(report);
     return report.state;
 }

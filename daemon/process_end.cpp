@@ -3,6 +3,7 @@
 
 #include "support/my_process.h"
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +26,6 @@ struct LeaveGuard
     ~LeaveGuard()
     {
         if (leaving != 0) {
-            fflush(stdout);
             _exit(255);
         }
     }
@@ -44,6 +44,17 @@ void waitForChildStarts()
     }
 }
 
+/// Past the stream: the signal may have come while the main thread was writing to it, and what it
+/// holds would be printed twice. Whole lines are not held back in it.
+void printLine(int sig)
+{
+    std::array<char, 64> line = {};
+    const int size = snprintf(line.data(), line.size(), "Norvix Daemon: Signal %d handled\n", sig);
+    if (write(STDOUT_FILENO, line.data(), size_t(size)) < size) {
+        return; // nobody reads it any more
+    }
+}
+
 void onSignal(int sig)
 {
     if (leaving != 0) {
@@ -55,7 +66,7 @@ void onSignal(int sig)
     }
     leaving = 1;
     waitForChildStarts();
-    printf("Norvix Daemon: Signal %d handled\n", sig);
+    printLine(sig);
     exit(-1);
 }
 

@@ -117,7 +117,7 @@ class PrivateMachine:
         shutil.copy(HERE / "system-bus.conf", etc / "dbus-1/system.conf")
 
     def _install_build(self):
-        for folder, names in (("bin", ("norvix-daemon", "norvix-hald")),
+        for folder, names in (("bin", ("norvix-daemon", "norvix-hald", "norvixctl")),
                               ("lib", ("libnorvix-support.so",))):
             for name in names:
                 if (BUILD / folder / name).exists():

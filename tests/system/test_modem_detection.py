@@ -379,6 +379,20 @@ def test_a_hanging_hal_costs_its_time_out_and_no_more(hal_machine, hal):
     assert daemon.running()
 
 
+def test_a_hal_under_a_user_of_its_own_is_heard(machine, tmp_path):
+    if not machine.rooted:
+        pytest.skip("other users exist inside only as root")
+    user = 65534
+    policy = tmp_path / "hal.conf"
+    policy.write_text(POLICY.replace("root", str(user)), encoding="ascii")
+    machine.start_bus(policies=[policy])
+    hal = machine.client(uid=user, kind=FakeHal)
+    hal.take_name()
+    _, client = started(machine)
+    hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("newModemPlugged")
+
+
 def test_broadcasts_of_others_than_hal_do_not_reach_the_daemon(hal_machine, hal):
     if not hal_machine.rooted:
         pytest.skip("other users need root")

@@ -2,6 +2,7 @@
 // Process ids and interface names from pid files of every make.
 #include "connection/pid_file.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -30,6 +31,7 @@ private slots:
     void aLinknameFileNamesItsInterface();
     void theFirstInterfacePidFileOfAListingCounts_data();
     void theFirstInterfacePidFileOfAListingCounts();
+    void aFoldersListingIsInTheOrderOfNames();
 
 private:
     int pidInFile(const QByteArray &content);
@@ -170,6 +172,21 @@ void PidFileTest::theFirstInterfacePidFileOfAListingCounts()
     QFETCH(QStringList, entries);
     QFETCH(QString, interface);
     QCOMPARE(interfaceOfPidFiles(entries), interface);
+}
+
+void PidFileTest::aFoldersListingIsInTheOrderOfNames()
+{
+    const QTemporaryDir folder;
+    const QDir run(folder.path());
+    for (const char *name :
+        {"ppp7.pid", "sshd.pid", "ppp10.pid", "ppp2.pid", "crond.pid", "NAS0.pid"}) {
+        QFile file(run.filePath(QString::fromLatin1(name)));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QVERIFY(run.mkdir(QStringLiteral("dbus")));
+    QCOMPARE(interfaceOfPidFiles(run.entryList()), QStringLiteral("ppp2"));
+    QCOMPARE(
+        interfaceOfPidFiles(QDir(run.filePath(QStringLiteral("missing"))).entryList()), QString());
 }
 
 QTEST_APPLESS_MAIN(PidFileTest)

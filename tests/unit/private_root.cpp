@@ -49,7 +49,7 @@ void enterPrivateRoot(char **argv)
     if (geteuid() != 0) {
         becomeRoot();
     }
-    need(unshare(CLONE_NEWNS) == 0, "unshare mount");
+    need(unshare(CLONE_NEWNS | CLONE_NEWNET) == 0, "unshare mount and network");
     need(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "make / private");
     need(mount("tmpfs", "/opt", "tmpfs", 0, nullptr) == 0, "mount /opt");
     need(mount("tmpfs", "/var/log", "tmpfs", 0, nullptr) == 0, "mount /var/log");

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// norvixctl account show, account set
+#include "client/account_rules.h"
+#include "client/command_line.h"
+#include "client/commands.h"
+#include "client/daemon_bus.h"
+#include "client/password_input.h"
+#include "client/report.h"
+#include "client/say.h"
+
+#include <QEventLoop>
+#include <QTimer>
+#include <unistd.h>
+
+namespace {
+
+constexpr int answerMs = 10000;
+
+/// Stores the account and waits for the daemon's word on it: true, false, or nothing.
+std::optional<bool> store(
+    DaemonBus &bus, const QString &login, const QString &password, BusReply &reply)
+{
+    std::optional<bool> success;
+    QEventLoop loop;
+    QObject::connect(&bus, &DaemonBus::received, &loop,
+        [&](const QString &signal, const QVariantList &arguments) {
+            if (signal == QLatin1String("accountDataChanged")) {
+                success = arguments.value(0).toBool();
+                loop.quit();
+            }
+        });
+    bus.listen();
+    reply = bus.call("setAccountData", {login, password}, DaemonBus::Start::IfNeeded);
+    if (!reply.ok()) {
+        return std::nullopt;
+    }
+    QTimer::singleShot(answerMs, &loop, &QEventLoop::quit);
+    if (!success) {
+        loop.exec();
+    }
+    return success;
+}
+
+/// The password from whoever has it; an error text instead of one that was mistyped.
+std::optional<QString> readPassword(QString &error)
+{
+    if (isatty(STDIN_FILENO) != 1) {
+        return restOfInput();
+    }
+    const auto first = askHidden(Say::tr("Password"));
+    if (!first) {
+        error = Say::tr("No password was given.");
+        return std::nullopt;
+    }
+    const QString objection = accountObjection(Say::tr("The password"), *first);
+    if (!objection.isEmpty()) {
+        return first; // refused below, before it is typed again
+    }
+    if (askHidden(Say::tr("Password again")) != first) {
+        error = Say::tr("The two passwords differ. Nothing was changed.");
+        return std::nullopt;
+    }
+    return first;
+}
+
+/// What the files answer afterwards; a warning when it is not what was stored.
+void compareWithFiles(
+    const DaemonBus &bus, const Terminal &terminal, const QString &login, const QString &password)
+{
+    const QStringList stored = bus.call("getLoginAndPassword").value.toStringList();
+    if (stored != QStringList{login, password}) {
+        terminal.note(Say::tr("Warning: pppd's files still answer with another account, so this "
+                              "one will not take effect. “sudo norvixctl doctor --fix” mends "
+                              "them."));
+    }
+}
+
+} // namespace
+
+int runAccountShow(const Invocation &invocation, const Terminal &terminal)
+{
+    const DaemonBus bus;
+    const BusReply reply = bus.call("getLoginAndPassword");
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
+    const QStringList account = reply.value.toStringList();
+    const bool isSet = account.size() == 2;
+    const bool isRevealed = invocation.has("reveal");
+    const QJsonValue none(QJsonValue::Null);
+    Report report;
+    report.add(QStringLiteral("login"), isSet ? QJsonValue(account.at(0)) : none, Say::tr("Login"),
+        isSet ? account.at(0) : Say::tr("none stored"));
+    report.add(QStringLiteral("hasPassword"), isSet,
+        isSet && !isRevealed ? Say::tr("Password") : QString(),
+        Say::tr("stored (--reveal shows it)"));
+    if (isRevealed) {
+        report.add(QStringLiteral("password"), isSet ? QJsonValue(account.at(1)) : none,
+            Say::tr("Password"), isSet ? account.at(1) : Say::tr("none stored"));
+    }
+    report.print(terminal);
+    return Ok;
+}
+
+int runAccountSet(const Invocation &invocation, const Terminal &terminal)
+{
+    QString login = invocation.arguments.value(0);
+    if (invocation.arguments.isEmpty()) {
+        if (isatty(STDIN_FILENO) != 1) {
+            return terminal.fail(
+                BadUsage, Say::tr("Give the login: “norvixctl account set LOGIN”."));
+        }
+        login = askVisible(Say::tr("Login")).value_or(QString());
+    }
+    QString objection = accountObjection(Say::tr("The login"), login);
+    if (!objection.isEmpty()) {
+        return terminal.fail(ValueRefused, objection);
+    }
+    const auto password = readPassword(objection);
+    if (!password) {
+        return terminal.fail(ValueRefused, objection);
+    }
+    objection = accountObjection(Say::tr("The password"), *password);
+    if (!objection.isEmpty()) {
+        return terminal.fail(ValueRefused, objection);
+    }
+
+    DaemonBus bus;
+    BusReply reply;
+    const std::optional<bool> success = store(bus, login, *password, reply);
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
+    if (!success.value_or(false)) {
+        return terminal.fail(Failed,
+            success ? Say::tr("Not all of pppd's files could be written; “norvixctl doctor” tells "
+                              "which are missing.")
+                    : Say::tr("The daemon did not say whether the account was written; see "
+                              "“norvixctl log”."));
+    }
+    terminal.line(Say::tr("The account is stored. It counts from the next connection on."));
+    compareWithFiles(bus, terminal, login, *password);
+    return Ok;
+}

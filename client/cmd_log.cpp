@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// norvixctl log
+#include "client/command_line.h"
+#include "client/commands.h"
+#include "client/report.h"
+#include "client/say.h"
+#include "client/stop_signals.h"
+#include "client/text_format.h"
+
+#include <QDate>
+#include <QEventLoop>
+#include <QFile>
+#include <QTimer>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int lookMs = 200;
+constexpr int stampLength = 19; // "dd-MM-yyyy hh:mm:ss"
+
+void printLine(const Terminal &terminal, const QByteArray &bytes)
+{
+    const QString line = QString::fromUtf8(bytes);
+    if (terminal.form == Form::Json) {
+        printJson(terminal,
+            {{QStringLiteral("time"), line.left(stampLength)},
+                {QStringLiteral("text"), line.mid(stampLength + 1)}},
+            true);
+    } else {
+        terminal.line(printable(line));
+    }
+}
+
+/// Reads a growing file by lines; notices when another file takes its place.
+class LogReader
+{
+public:
+    explicit LogReader(const QString &path)
+        : m_path(QFile::encodeName(path))
+    {
+    }
+    ~LogReader() { shut(); }
+    LogReader(const LogReader &) = delete;
+    LogReader &operator=(const LogReader &) = delete;
+
+    /// 0, or why the file can not be opened (an errno value).
+    int open()
+    {
+        shut();
+        m_fd = ::open(m_path.constData(), O_RDONLY | O_CLOEXEC);
+        return m_fd < 0 ? errno : 0;
+    }
+
+    /// The complete lines that were added since the last call.
+    QList<QByteArray> newLines()
+    {
+        if (isReplaced() && open() != 0) {
+            return {};
+        }
+        QByteArray piece(1 << 16, '\0');
+        ssize_t size = 0;
+        while (m_fd >= 0 && (size = ::read(m_fd, piece.data(), size_t(piece.size()))) > 0) {
+            m_rest.append(piece.constData(), int(size));
+        }
+        QList<QByteArray> lines = m_rest.split('\n');
+        m_rest = lines.takeLast();
+        return lines;
+    }
+
+    QByteArray takeRest() { return std::exchange(m_rest, QByteArray()); }
+
+private:
+    /// Each start of the daemon begins a new file under the same name.
+    bool isReplaced() const
+    {
+        struct stat named = {};
+        struct stat opened = {};
+        if (stat(m_path.constData(), &named) != 0) {
+            return false;
+        }
+        return m_fd < 0 || fstat(m_fd, &opened) != 0 || named.st_ino != opened.st_ino
+            || named.st_size < lseek(m_fd, 0, SEEK_CUR);
+    }
+
+    void shut()
+    {
+        if (m_fd >= 0) {
+            close(m_fd);
+        }
+        m_fd = -1;
+        m_rest.clear();
+    }
+
+    QByteArray m_path;
+    QByteArray m_rest;
+    int m_fd = -1;
+};
+
+int follow(LogReader &reader, const Terminal &terminal)
+{
+    StopSignals stop;
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        for (const QByteArray &line : reader.newLines()) {
+            printLine(terminal, line);
+        }
+    });
+    QObject::connect(&stop, &StopSignals::stopped, &loop, &QEventLoop::quit);
+    look.start(lookMs);
+    loop.exec();
+    return Ok;
+}
+
+} // namespace
+
+int runLog(const Invocation &invocation, const Terminal &terminal)
+{
+    std::optional<int> most;
+    if (invocation.has("lines")) {
+        most = wholeNumber(invocation.value("lines"), 0, 10000000);
+        if (!most) {
+            return terminal.fail(BadUsage, Say::tr("--lines takes a whole number."));
+        }
+    }
+    const QString path = invocation.has("daily")
+        ? QStringLiteral("/var/log/norvix/%1.log")
+              .arg(QDate::currentDate().toString(QStringLiteral("dd-MM-yyyy")))
+        : QStringLiteral("/opt/norvix/daemon.log");
+    LogReader reader(path);
+    const int error = reader.open();
+    if (error == EACCES || error == EPERM) {
+        return terminal.fail(NotPermitted,
+            Say::tr("%1 is not readable for you. Repeat the command with “sudo”.").arg(path));
+    }
+    if (error != 0 && !invocation.has("follow")) {
+        return terminal.fail(Failed, Say::tr("There is no log %1 yet.").arg(path));
+    }
+    QList<QByteArray> lines = reader.newLines();
+    if (!invocation.has("follow")) {
+        const QByteArray rest = reader.takeRest();
+        if (!rest.isEmpty()) {
+            lines.append(rest);
+        }
+    }
+    for (const QByteArray &line : lines.mid(most ? std::max(0, lines.size() - *most) : 0)) {
+        printLine(terminal, line);
+    }
+    return invocation.has("follow") ? follow(reader, terminal) : int(Ok);
+}

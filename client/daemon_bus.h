@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// The daemon as a neighbour on the system bus: calls, signals, its coming and going.
+#pragma once
+
+#include "client/exit_code.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+class QDBusError;
+
+struct BusReply
+{
+    ExitCode code = Ok;
+    QString error; ///< in the user's language; empty when the call succeeded
+    QVariant value; ///< the first value of the reply; invalid when it has none
+
+    bool ok() const { return code == Ok; }
+};
+
+class DaemonBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Start
+    {
+        IfNeeded, ///< the bus may start the daemon for this call
+        Never,
+    };
+
+    explicit DaemonBus(QObject *parent = nullptr);
+
+    /// False when the system bus can not be reached.
+    bool isConnected() const;
+    /// Whether somebody owns the daemon's name now.
+    bool isDaemonRunning() const { return hasOwner(QStringLiteral("com.norvix.Daemon")); }
+    bool hasOwner(const QString &name) const;
+
+    /// Calls a method of the daemon and waits for the reply, @p timeoutMs at most.
+    BusReply call(const char *method, const QVariantList &arguments = {},
+        Start start = Start::Never, int timeoutMs = 25000) const;
+
+    /// Calls any method on the bus; used to look at the daemon's neighbours.
+    BusReply callOther(const QDBusMessage &message, int timeoutMs) const;
+
+    /// From now on the daemon's signals and its coming and going are reported.
+    void listen();
+
+    /// What "no daemon" is told as, with the remedy.
+    static QString notRunningText();
+
+signals:
+    void received(const QString &signal, const QVariantList &arguments);
+    void daemonAppeared();
+    void daemonLeft();
+    void busLost();
+
+private slots:
+    void take(const QDBusMessage &message);
+
+private:
+    QDBusConnection m_bus;
+};
+
+/// The class and the text of a failed call.
+BusReply failedReply(const QDBusError &error);

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "client/doctor_facts.h"
+
+#include "client/daemon_bus.h"
+#include "client/settings_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <algorithm>
+#include <grp.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int shortTimeoutMs = 4000;
+
+FileFacts fileFacts(const QString &path)
+{
+    FileFacts facts;
+    facts.path = path;
+    struct stat info = {};
+    if (stat(QFile::encodeName(path).constData(), &info) == 0) {
+        facts.exists = true;
+        facts.mode = info.st_mode & 07777;
+        facts.owner = info.st_uid;
+        facts.content = fileContent(path);
+    }
+    return facts;
+}
+
+void lookAtBus(const DaemonBus &bus, Facts &facts)
+{
+    facts.isBusThere = bus.isConnected();
+    facts.isSuperuser = geteuid() == 0;
+    facts.hasPolicy = QFile::exists(QStringLiteral("/etc/dbus-1/system.d/norvix.conf"));
+    if (const group *entry = getgrnam("norvix")) {
+        facts.hasGroup = true;
+        const passwd *user = getpwuid(getuid());
+        for (char **member = entry->gr_mem; user != nullptr && *member != nullptr; ++member) {
+            facts.isMember = facts.isMember || qstrcmp(*member, user->pw_name) == 0;
+        }
+        facts.isMember = facts.isMember || (user != nullptr && user->pw_gid == entry->gr_gid);
+    }
+    facts.isDaemonRunning = bus.isDaemonRunning();
+    if (!facts.isDaemonRunning) {
+        return;
+    }
+    facts.doesDaemonAnswer
+        = bus.call("reply", {}, DaemonBus::Start::Never, shortTimeoutMs).value.toBool();
+    // A method that changes nothing and is open to the same people as those that do.
+    const BusReply permission
+        = bus.call("getLoginAndPassword", {}, DaemonBus::Start::Never, shortTimeoutMs);
+    facts.isUserAllowed = permission.ok() ? Answer::Yes
+        : permission.code == NotPermitted ? Answer::No
+                                          : Answer::Unknown;
+    const BusReply plugged
+        = bus.call("getIsModemPlugged", {}, DaemonBus::Start::Never, shortTimeoutMs);
+    if (plugged.ok()) {
+        facts.doesDaemonSeeModem = plugged.value.toBool() ? Answer::Yes : Answer::No;
+    }
+    facts.isCompiling
+        = bus.call("getIsCompiling", {}, DaemonBus::Start::Never, shortTimeoutMs).value.toBool();
+}
+
+void lookAtHal(const DaemonBus &bus, Facts &facts)
+{
+    if (!facts.isBusThere) {
+        return;
+    }
+    const QDBusMessage devices = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.Hal"), QStringLiteral("/org/freedesktop/Hal/Manager"),
+        QStringLiteral("org.freedesktop.Hal.Manager"), QStringLiteral("GetAllDevices"));
+    const BusReply reply = bus.callOther(devices, shortTimeoutMs);
+    // Whoever may not ask it knows at least that somebody is there.
+    facts.isHalAnswering = reply.ok()
+            || (reply.code == NotPermitted && bus.hasOwner(QStringLiteral("org.freedesktop.Hal")))
+        ? Answer::Yes
+        : Answer::No;
+}
+
+void lookAtSettings(const DaemonBus &bus, Facts &facts)
+{
+    facts.areSettingsReadable = canReadSettings();
+    facts.configured = {settingNumber("vendor_id"), settingNumber("product_id")};
+    facts.configuredName = settingText("modem");
+    const auto lineValue = [&](const char *key, const char *getter) {
+        if (facts.areSettingsReadable) {
+            return settingText(key);
+        }
+        const QString value = bus.call(getter).value.toString();
+        return value == QLatin1String("error") ? QString() : value;
+    };
+    facts.protocol = lineValue("protocol", "getProtocol");
+    facts.vpi = lineValue("vpi", "getVPI");
+    facts.vci = lineValue("vci", "getVCI");
+}
+
+Module lookAtModule(const Facts &facts, const char *name)
+{
+    const QString folder = QStringLiteral("/lib/modules/%1/").arg(facts.kernel);
+    constexpr qint64 mostBytes = 16 << 20;
+    std::optional<QByteArray> installed
+        = fileContent(folder + QLatin1String("modules.dep"), mostBytes);
+    if (installed) {
+        *installed
+            += fileContent(folder + QLatin1String("modules.builtin"), mostBytes).value_or("");
+    }
+    QString loadedName = QLatin1String(name);
+    loadedName.replace(QLatin1Char('-'), QLatin1Char('_'));
+    return moduleState(
+        name, QFileInfo::exists(QStringLiteral("/sys/module/") + loadedName), installed);
+}
+
+void lookAtDriver(Facts &facts)
+{
+    utsname system = {};
+    uname(&system);
+    facts.kernel = QString::fromLocal8Bit(system.release);
+    const ModemFamily *family
+        = facts.modems.isEmpty() ? familyOf(facts.configured) : facts.modems.constFirst().family;
+    facts.driver = family != nullptr ? QString::fromLatin1(family->driver)
+                                     : driverOfVendor(facts.configured.vendor);
+    if (!facts.driver.isEmpty()) {
+        facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
+    }
+    const QDir sources(QStringLiteral("/opt/norvix/drivers"));
+    facts.hasDriverSource = (facts.driver == QLatin1String("unicorn_usb_eth")
+                                && sources.exists(QStringLiteral("unicorn-neo.tar")))
+        || (facts.driver == QLatin1String("ueagle-atm")
+            && sources.exists(QStringLiteral("ueagle-atm-1.4.tar")));
+    if (family != nullptr && family->firmware != nullptr) {
+        facts.firmware = QString::fromLatin1(family->firmware);
+        const QString installed = QStringLiteral("/lib/firmware/") + facts.firmware;
+        facts.hasFirmware
+            = QFile::exists(installed) || QFile::exists(installed + QLatin1String(".xz"));
+    }
+}
+
+void lookAtPpp(Facts &facts)
+{
+    facts.hasPppd = !QStandardPaths::findExecutable(QStringLiteral("pppd"),
+        {QStringLiteral("/usr/local/sbin"), QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")})
+                         .isEmpty();
+    facts.hasPppDevice = QFile::exists(QStringLiteral("/dev/ppp"));
+    facts.pppModule = lookAtModule(facts, "ppp_generic");
+    facts.protocolModule = lookAtModule(facts, facts.isPppoe() ? "pppoe" : "pppoatm");
+    facts.bridgeModule = lookAtModule(facts, "br2684");
+    facts.bridgeTool = QStringLiteral("/opt/norvix/bin/")
+        + QLatin1String(sizeof(void *) == 4 ? "br2684ctl_i386" : "br2684ctl_amd64");
+    facts.hasBridgeTool = QFileInfo(facts.bridgeTool).isExecutable();
+    facts.peer = fileFacts(QLatin1String(
+        facts.isUnicorn() ? "/etc/ppp/peers/norvix_unicorn" : "/etc/ppp/peers/norvix"));
+    facts.papSecrets = fileFacts(QStringLiteral("/etc/ppp/pap-secrets"));
+    facts.chapSecrets = fileFacts(QStringLiteral("/etc/ppp/chap-secrets"));
+}
+
+} // namespace
+
+Module moduleState(
+    const QByteArray &name, bool isLoaded, const std::optional<QByteArray> &installed)
+{
+    if (isLoaded) {
+        return Module::Loaded;
+    }
+    if (!installed) {
+        return Module::Unknown;
+    }
+    // File names use either sign where module names do.
+    QByteArray dashed = name;
+    dashed.replace('_', '-');
+    QByteArray underlined = name;
+    underlined.replace('-', '_');
+    return installed->contains('/' + dashed + ".ko")
+            || installed->contains('/' + underlined + ".ko")
+        ? Module::Available
+        : Module::Missing;
+}
+
+Facts gatherDriverFacts()
+{
+    Facts facts;
+    facts.modems = pluggedModems();
+    facts.configured = {settingNumber("vendor_id"), settingNumber("product_id")};
+    lookAtDriver(facts);
+    return facts;
+}
+
+Facts gatherFacts(const DaemonBus &bus)
+{
+    Facts facts;
+    lookAtBus(bus, facts);
+    lookAtHal(bus, facts);
+    facts.modems = pluggedModems();
+    lookAtSettings(bus, facts);
+    lookAtDriver(facts);
+    facts.line = lineStatus();
+    facts.carrier = atmCarrier();
+    lookAtPpp(facts);
+    facts.resolver = resolver();
+    facts.pppds = runningPppds();
+    facts.log = fileFacts(QStringLiteral("/opt/norvix/daemon.log"));
+    return facts;
+}

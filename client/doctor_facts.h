@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Everything the check-up looks at, gathered before anything is judged.
+#pragma once
+
+#include "client/link_facts.h"
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+class DaemonBus;
+
+enum class Answer
+{
+    Yes,
+    No,
+    Unknown,
+};
+
+/// A file as this user sees it.
+struct FileFacts
+{
+    QString path;
+    bool exists = false;
+    unsigned mode = 0; ///< permission bits
+    unsigned owner = 0; ///< user id
+    std::optional<QByteArray> content; ///< nothing when this user may not read it
+};
+
+/// Where a kernel module stands.
+enum class Module
+{
+    Loaded,
+    Available, ///< or built into the kernel
+    Missing,
+    Unknown, ///< the list of modules can not be read
+};
+
+struct Facts
+{
+    bool isBusThere = false;
+    bool isDaemonRunning = false;
+    bool doesDaemonAnswer = false;
+    Answer isHalAnswering = Answer::Unknown;
+    Answer isUserAllowed = Answer::Unknown;
+    bool hasGroup = false; ///< the group "norvix" exists
+    bool isMember = false; ///< this user is in it, by the group file
+    bool isSuperuser = false;
+    bool hasPolicy = false;
+
+    QList<UsbModem> modems;
+    Answer doesDaemonSeeModem = Answer::Unknown;
+    bool areSettingsReadable = false;
+    UsbId configured = {0, 0};
+    QString configuredName;
+
+    QString kernel; ///< release
+    QString driver; ///< of the configured or plugged modem; empty when there is none
+    Module driverModule = Module::Unknown;
+    bool hasDriverSource = false;
+    bool isCompiling = false;
+    QString firmware; ///< the file that the modem needs; empty for none
+    bool hasFirmware = false;
+    std::optional<LineStatus> line;
+    std::optional<bool> carrier;
+
+    QString protocol; ///< empty when not set
+    QString vpi;
+    QString vci;
+    bool hasPppd = false;
+    bool hasPppDevice = false;
+    Module pppModule = Module::Unknown;
+    Module protocolModule = Module::Unknown; ///< pppoe or pppoatm
+    Module bridgeModule = Module::Unknown;
+    bool hasBridgeTool = false;
+    QString bridgeTool; ///< the path where it is expected
+
+    FileFacts peer;
+    FileFacts papSecrets;
+    FileFacts chapSecrets;
+    Resolver resolver;
+    QList<Pppd> pppds;
+    FileFacts log;
+
+    bool isUnicorn() const { return configured.vendor == 0x0483; }
+    bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }
+};
+
+/// Looks at everything; takes up to the time-outs of the bus calls.
+Facts gatherFacts(const DaemonBus &bus);
+
+/// Only the part about modem, kernel and driver; asks nobody on the bus.
+Facts gatherDriverFacts();
+
+/// Where a module stands for the lists of loaded and of installed modules (modules.dep and
+/// modules.builtin, one path a line).
+Module moduleState(
+    const QByteArray &name, bool isLoaded, const std::optional<QByteArray> &installed);

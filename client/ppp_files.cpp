@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "client/ppp_files.h"
+
+#include "client/say.h"
+
+#include <QRegularExpression>
+#include <optional>
+
+namespace {
+
+// Bytes are read as Latin-1 so that every byte of a login stays what it is.
+const QRegularExpression &entryPattern()
+{
+    static const QRegularExpression pattern(QStringLiteral(
+        "^\"([^\"\\n]{1,50})\"[ \\t]+\\*[ \\t]+\"([^\"\\n]{1,50})\"[ \\t]+\\*[ \\t]*$"));
+    return pattern;
+}
+
+std::optional<SecretsEntry> entryOf(const QByteArray &line)
+{
+    const QRegularExpressionMatch match = entryPattern().match(QString::fromLatin1(line));
+    if (!match.hasMatch()) {
+        return std::nullopt;
+    }
+    return SecretsEntry{match.captured(1).toLatin1(), match.captured(2).toLatin1()};
+}
+
+QByteArray entryLine(const SecretsEntry &entry)
+{
+    return '"' + entry.login + "\" * \"" + entry.password + "\" *";
+}
+
+/// The options of a peer file: first words and whole lines, without comments.
+struct PeerOptions
+{
+    QStringList words;
+    QStringList lines;
+
+    bool has(const char *word) const { return words.contains(QLatin1String(word)); }
+};
+
+PeerOptions optionsOfPeer(const QByteArray &content)
+{
+    PeerOptions options;
+    for (const QByteArray &raw : content.split('\n')) {
+        const QString line = QString::fromLatin1(raw).section(QLatin1Char('#'), 0, 0).simplified();
+        if (!line.isEmpty()) {
+            options.lines.append(line);
+            options.words.append(line.split(QLatin1Char(' ')));
+        }
+    }
+    return options;
+}
+
+bool loadsPlugin(const PeerOptions &options, const char *plugin)
+{
+    for (const QString &line : options.lines) {
+        if (line.startsWith(QLatin1String("plugin ")) && line.contains(QLatin1String(plugin))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+QStringList protocolFaults(const PeerOptions &options, bool isPppoe, const QString &circuit)
+{
+    QStringList faults;
+    if (isPppoe) {
+        if (!loadsPlugin(options, "pppoe.so")) {
+            faults.append(Say::tr("“plugin pppoe.so” is missing, which PPPoE needs."));
+        }
+        if (!options.has("nic-nas0") && !options.has("nas0")) {
+            faults.append(Say::tr("“nic-nas0” is missing, the interface that PPPoE uses."));
+        }
+        return faults;
+    }
+    if (!loadsPlugin(options, "pppoatm.so")) {
+        faults.append(Say::tr("“plugin pppoatm.so” is missing, which PPPoA needs."));
+    }
+    if (!circuit.isEmpty() && !options.has(qPrintable(circuit))) {
+        faults.append(Say::tr("The circuit “%1” of the line settings does not stand in it; for "
+                              "PPPoA the peer file decides.")
+                          .arg(circuit));
+    }
+    return faults;
+}
+
+} // namespace
+
+QList<SecretsEntry> secretsEntries(const QByteArray &content)
+{
+    QList<SecretsEntry> entries;
+    for (const QByteArray &line : content.split('\n')) {
+        if (const auto entry = entryOf(line)) {
+            entries.append(*entry);
+        }
+    }
+    return entries;
+}
+
+bool hasEntryAtStart(const QByteArray &content)
+{
+    return entryOf(content.split('\n').constFirst()).has_value();
+}
+
+QByteArray placeholderLogin()
+{
+    return "norvix";
+}
+
+QByteArray mendedSecrets(const QByteArray &content)
+{
+    const QList<SecretsEntry> entries = secretsEntries(content);
+    const SecretsEntry newest
+        = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "norvix"} : entries.constLast();
+    QList<QByteArray> lines = {entryLine(newest)};
+    for (const QByteArray &line : content.split('\n')) {
+        const auto entry = entryOf(line);
+        if (!entry || (entry->login != newest.login && entry->login != placeholderLogin())) {
+            lines.append(line);
+        }
+    }
+    return lines.join('\n');
+}
+
+QStringList peerFaults(const QByteArray &content, bool isPppoe, const QString &circuit)
+{
+    const PeerOptions options = optionsOfPeer(content);
+    QStringList faults = protocolFaults(options, isPppoe, circuit);
+    if (!options.has("updetach") && !options.has("nodetach")) {
+        faults.append(Say::tr("“updetach” is missing: without it pppd goes to the background at "
+                              "once and the daemon never learns what becomes of the connection."));
+    }
+    if (options.has("updetach") && !options.has("noipv6")) {
+        faults.append(Say::tr("“noipv6” is missing: with “updetach” alone pppd may detach before "
+                              "it has told the address."));
+    }
+    if (options.has("logfile")) {
+        faults.append(Say::tr("“logfile” takes pppd's lines away from the daemon."));
+    }
+    if (!options.has("noauth")) {
+        faults.append(Say::tr("“noauth” is missing: pppd would demand that the provider "
+                              "authenticates itself."));
+    }
+    if (peerLogin(content).isEmpty()) {
+        faults.append(
+            Say::tr("There is no “user” line: set the account with “norvixctl account set”."));
+    }
+    return faults;
+}
+
+QString peerLogin(const QByteArray &content)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("^[ \\t]*(?:user|name)[ \\t]+\"?([^\"\\s]+)\"?"),
+        QRegularExpression::MultilineOption);
+    return pattern.match(QString::fromLatin1(content)).captured(1);
+}

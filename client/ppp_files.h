@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// What stands in pppd's secrets and peer files, and what stops a connection there.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+struct SecretsEntry
+{
+    QByteArray login;
+    QByteArray password;
+};
+
+/// The entries of the form that the daemon writes ("LOGIN" * "PASSWORD" *), in file order.
+QList<SecretsEntry> secretsEntries(const QByteArray &content);
+
+/// Whether such an entry stands at the very beginning of the file: only there the daemon replaces
+/// it, elsewhere each change appends one more and the first keeps deciding.
+bool hasEntryAtStart(const QByteArray &content);
+
+/// The login of the entry that stands for "no account yet".
+QByteArray placeholderLogin();
+
+/// @p content with its newest entry moved to the very beginning and older entries of the same login
+/// left out. Without an entry a placeholder is put there. All other lines are kept.
+QByteArray mendedSecrets(const QByteArray &content);
+
+/// What is wrong with a peer file for the protocol ("PPPoE", else PPP over ATM), as sentences that
+/// name the remedy. @p circuit is "VPI.VCI", empty when unknown.
+QStringList peerFaults(const QByteArray &content, bool isPppoe, const QString &circuit);
+
+/// The login in the "user" line; empty when there is none.
+QString peerLogin(const QByteArray &content);

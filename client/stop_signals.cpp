@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "client/stop_signals.h"
+
+#include <QSocketNotifier>
+#include <csignal>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+StopSignals::StopSignals(QObject *parent)
+    : QObject(parent)
+{
+    sigset_t stops;
+    sigemptyset(&stops);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&stops, number);
+    }
+    sigprocmask(SIG_BLOCK, &stops, nullptr);
+    m_fd = signalfd(-1, &stops, SFD_CLOEXEC | SFD_NONBLOCK);
+    auto *notifier = new QSocketNotifier(m_fd, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] {
+        signalfd_siginfo info = {};
+        if (read(m_fd, &info, sizeof info) > 0) {
+            emit stopped();
+        }
+    });
+}
+
+StopSignals::~StopSignals()
+{
+    close(m_fd);
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// norvix-hald: USB devices on the system bus as HAL showed them.
+#include "hal/options.h"
+#include "hal/service.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+/// systemd names the folder; without it, it is the one that the package makes.
+std::string knownDevicesPath()
+{
+    const char *const given = std::getenv("RUNTIME_DIRECTORY");
+    std::string folder = given && *given == '/' ? given : "/run/norvix-hal";
+    return folder.substr(0, folder.find(':')).append("/devices");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    std::string offender;
+    const std::optional<hal::Options> options
+        = hal::optionsFrom(std::vector<std::string_view>(argv + 1, argv + argc), &offender);
+    if (!options) {
+        std::fprintf(stderr, "norvix-hald: what is \"%s\"? Try --help.\n", offender.c_str());
+        return 2;
+    }
+    if (options->task == hal::Options::Task::Help) {
+        const std::string_view text = hal::helpText();
+        return std::fwrite(text.data(), text.size(), 1, stdout) == 1 ? 0 : 1;
+    }
+    const hal::MonitorGroup group
+        = options->monitor ? *options->monitor : hal::defaultMonitor(hal::udevRuns());
+    std::unique_ptr<hal::UdevSource> source = hal::UdevSource::open(group);
+    if (!source) {
+        std::fprintf(
+            stderr, "norvix-hald: no events from %s: %s\n", hal::nameOf(group), strerror(errno));
+        return 1;
+    }
+    hal::Service service(std::move(source), group, knownDevicesPath());
+    return options->task == hal::Options::Task::List ? service.list() : service.run();
+}

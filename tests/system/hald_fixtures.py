@@ -1,0 +1,58 @@
+# SPDX-License-Identifier: MIT
+"""What the tests of norvix-hald share: its machine, and how announcements are written."""
+import os
+
+import pytest
+
+from lab import hal_companion
+from lab.bus_client import BusError
+from lab.hal_companion import HalCompanion, manager, news
+from lab.simulated_usb import SimulatedUsb
+
+HUB = "usb_device_1d6b_2_0000_00_1d_7"
+MODEM = "usb_device_1110_9041_noserial"
+ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
+
+
+@pytest.fixture
+def place(machine):
+    """A machine with a bus, ready for the companion."""
+    hal_companion.prepare(machine)
+    machine.start_bus(policies=[hal_companion.POLICY])
+    return machine
+
+
+@pytest.fixture
+def usb(place):
+    return SimulatedUsb(place)
+
+
+@pytest.fixture
+def client(place):
+    return place.client()
+
+
+@pytest.fixture
+def hald(place, usb):
+    """The companion with nothing plugged but the root hub."""
+    return HalCompanion(place, usb)
+
+
+def error_of(call, *arguments):
+    with pytest.raises(BusError) as caught:
+        call(*arguments)
+    return caught.value
+
+
+def came(name, *interfaces):
+    return ["+" + name] + ["+%s_if%d" % (name, number) for number in interfaces]
+
+
+def went(name, *interfaces):
+    return ["-%s_if%d" % (name, number) for number in interfaces] + ["-" + name]
+
+
+def settled(client):
+    """Everything that the companion has told up to now: it says so before it answers this."""
+    manager(client, "DeviceExists", "s", "x")
+    return news(client)

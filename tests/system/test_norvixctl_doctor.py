@@ -1,0 +1,223 @@
+# SPDX-License-Identifier: MIT
+"""norvixctl doctor with each fault planted in a machine that is otherwise sound."""
+import os
+
+import pytest
+from norvixctl import FAILED, FAULTS, NOT_PERMITTED, OK, Ctl
+
+from lab.fake_hal import POLICY, FakeHal
+from lab.scenario import end, out, wait_for
+from lab.waiting import wait_until
+
+PEER = ("plugin pppoe.so\nnic-nas0\nuser \"user@isp\"\nnoauth\nnoipdefault\ndefaultroute\n"
+        "usepeerdns\nhide-password\nupdetach\nnoipv6\n")
+SECRETS = '"user@isp" * "secret" *\n'
+MODULES = ["kernel/drivers/usb/atm/cxacru.ko:", "kernel/drivers/net/ppp/ppp_generic.ko:",
+           "kernel/drivers/net/ppp/pppoe.ko:", "kernel/net/atm/pppoatm.ko:",
+           "kernel/net/atm/br2684.ko:"]
+PAP, CHAP, PEER_FILE = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets", "/etc/ppp/peers/norvix"
+
+
+def plug(machine, vendor, product):
+    device = machine.path("/sys/bus/usb/devices/1-1")
+    device.mkdir(parents=True, exist_ok=True)
+    (device / "idVendor").write_text("%04x\n" % vendor, encoding="ascii")
+    (device / "idProduct").write_text("%04x\n" % product, encoding="ascii")
+
+
+def configure(machine, **changes):
+    keys = {"modem": "CXACRU modem", "vendor_id": 0x0572, "product_id": 0xCAFE,
+            "udi": "/org/freedesktop/Hal/devices/usb_device_572_cafe_noserial",
+            "protocol": "PPPoE", "vpi": 8, "vci": 35}
+    keys.update(changes)
+    machine.settings(**{key: value for key, value in keys.items() if value is not None})
+
+
+@pytest.fixture(name="sound")
+def sound_fixture(new_machine, tmp_path):
+    """Everything in place, but neither daemon nor companion runs yet."""
+    policy = tmp_path / "hal.conf"
+    policy.write_text(POLICY, encoding="ascii")
+    machine = new_machine(private_folders=["/sys/bus", "/usr/lib/firmware", "/usr/lib/modules"])
+    plug(machine, 0x0572, 0xCAFE)
+    configure(machine)
+    modules = machine.path("/usr/lib/modules") / os.uname().release
+    modules.mkdir()
+    (modules / "modules.dep").write_text("\n".join(MODULES) + "\n", encoding="ascii")
+    machine.path(PEER_FILE).write_text(PEER, encoding="ascii")
+    for name in (PAP, CHAP):
+        machine.path(name).write_text(SECRETS, encoding="ascii")
+    machine.kernel_log.line_up()
+    machine.start_bus(policies=[policy])
+    return machine
+
+
+def run_all(machine, companion=True):
+    """Starts companion and daemon, and asks for the check-up's findings by their names."""
+    if companion:
+        hal = FakeHal.start(machine)
+        hal.plug("usb_device_572_cafe_noserial", 0x0572, 0xCAFE, announce=False)
+    machine.start_daemon().wait_for_log("getModemState(): klogctl()")
+    return findings(machine)
+
+
+def findings(machine, **user):
+    checks = Ctl(machine, **user).json("doctor")["checks"]
+    return {check["id"]: check for check in checks}
+
+
+def without(text, line):
+    return text.replace(line + "\n", "")
+
+
+def test_nothing_is_said_against_a_sound_machine(sound):
+    found = run_all(sound)
+    assert {check["id"]: check["text"] for check in found.values()
+            if check["verdict"] not in ("ok",)} == {}
+    result = Ctl(sound)("doctor")
+    assert (result.status, "Nothing that stops a connection" in result.stdout) == (OK, True)
+
+
+def planted_modules(machine, missing):
+    file = machine.path("/usr/lib/modules") / os.uname().release / "modules.dep"
+    file.write_text("".join(line + "\n" for line in MODULES if missing not in line))
+
+
+FAULTS_PLANTED = {
+    "no modem": ("modem", "fault", "Plug it in",
+                 lambda m: (m.path("/sys/bus/usb/devices/1-1/idVendor").unlink())),
+    "another modem in use": ("modem", "fault", "modem adopt",
+                             lambda m: configure(m, vendor_id=0x06B9, product_id=0x4061)),
+    "no driver": ("driver", "fault", "no driver cxacru", lambda m: planted_modules(m, "cxacru")),
+    "no firmware": ("firmware", "fault", "1110:9042", lambda m: plug(m, 0x1110, 0x9042)),
+    "firmware refused": ("firmware", "fault", "/lib/firmware", lambda m: m.kernel_log.append(
+        "speedtch 1-1:1.0: speedtch_heavy_init: firmware upload failed (-32)!")),
+    "line down": ("line", "fault", "telephone cable",
+                  lambda m: m.kernel_log.append("ATM dev 0: ADSL line: down")),
+    "line training": ("line", "warning", "synchronising",
+                      lambda m: m.kernel_log.append("ATM dev 0: ADSL line: training")),
+    "no line settings": ("line-settings", "fault", "line set",
+                         lambda m: configure(m, protocol=None, vpi=None, vci=None)),
+    "VPI and VCI zero": ("line-settings", "fault", "both 0", lambda m: configure(m, vpi=0, vci=0)),
+    "no PPP in the kernel": ("ppp", "fault", "linux-image",
+                             lambda m: planted_modules(m, "ppp_generic")),
+    "no bridge program": ("bridge", "fault", "br2684ctl",
+                          lambda m: m.standin("br2684ctl_amd64").set(missing=True)),
+    "bridge program not executable": (
+        "bridge", "fault", "br2684ctl",
+        lambda m: m.standin("br2684ctl_amd64").set(not_executable=True)),
+    "no bridge module": ("bridge", "fault", "br2684", lambda m: planted_modules(m, "br2684")),
+    "no peer file": ("peer", "fault", "is missing", lambda m: m.path(PEER_FILE).unlink()),
+    "peer file that detaches at once": (
+        "peer", "fault", "updetach",
+        lambda m: m.path(PEER_FILE).write_text(without(PEER, "updetach"))),
+    "peer file without noauth": (
+        "peer", "fault", "noauth", lambda m: m.path(PEER_FILE).write_text(without(PEER, "noauth"))),
+    "no secrets": ("secrets", "fault", "doctor --fix", lambda m: m.path(CHAP).unlink()),
+    "secrets for all to read": ("secrets", "fault", "others than root",
+                                lambda m: m.path(PAP).chmod(0o644)),
+    "comment before the entry": ("secrets", "fault", "never take effect",
+                                 lambda m: m.path(CHAP).write_text("# hello\n" + SECRETS)),
+    "two logins": ("secrets", "fault", "is not the login",
+                   lambda m: m.path(PEER_FILE).write_text(PEER.replace("user@isp", "other"))),
+    "no resolver": ("resolver", "warning", "names no server",
+                    lambda m: m.path("/etc/resolv.conf").write_text("")),
+    "no policy file": ("policy", "fault", "reload",
+                       lambda m: m.path("/etc/dbus-1/system.d/norvix.conf").unlink()),
+}
+
+
+@pytest.mark.parametrize("fault", FAULTS_PLANTED)
+def test_a_planted_fault_is_found_and_its_remedy_named(sound, fault):
+    id_, verdict, words, plant = FAULTS_PLANTED[fault]
+    plant(sound)
+    found = run_all(sound)
+    assert found[id_]["verdict"] == verdict, found[id_]
+    assert words in found[id_]["text"] + " " + found[id_]["remedy"]
+    assert Ctl(sound)("doctor").status == (FAULTS if verdict == "fault" else OK)
+
+
+def test_a_missing_pppd_is_found(sound):
+    sound.standin("pppd").set(missing=True)
+    assert findings(sound)["ppp"]["verdict"] == "fault"
+
+
+def test_a_missing_daemon_is_found(sound):
+    found = findings(sound)
+    assert found["daemon"]["verdict"] == "fault"
+    assert "systemctl start norvix-daemon" in found["daemon"]["remedy"]
+
+
+def test_a_missing_companion_is_found(sound):
+    found = run_all(sound, companion=False)
+    assert found["companion"]["verdict"] == "fault"
+    assert "norvix-hald" in found["companion"]["remedy"]
+
+
+def test_a_missing_bus_is_found(machine):
+    assert findings(machine)["daemon"]["remedy"].startswith("Start it: “sudo systemctl start dbus")
+
+
+def test_a_user_outside_the_group_is_told_to_join_it(sound):
+    run_all(sound)
+    found = findings(sound, uid=1000)
+    assert (found["permission"]["verdict"], "adduser" in found["permission"]["remedy"]) == (
+        "fault", True)
+    sound.path("/etc/group").write_text("root:x:0:\n", encoding="ascii")
+    assert "addgroup" in findings(sound, uid=1000)["permission"]["remedy"]
+
+
+def test_what_only_root_may_read_is_not_called_a_fault(sound):
+    sound.path(PEER_FILE).chmod(0o640)
+    run_all(sound)
+    found = findings(sound, uid=1000, groups=[64999])
+    assert found["permission"]["verdict"] == "ok"
+    for id_ in ("secrets", "peer"):
+        assert found[id_]["verdict"] == "not-checked" and "sudo" in found[id_]["remedy"]
+
+
+def test_another_pppd_is_found(sound):
+    sound.pppd.script([wait_for("never")])
+    other = sound.spawn(["/usr/local/sbin/pppd", "call", "office"])
+    wait_until(lambda: sound.processes("pppd"), what="the other pppd runs")
+    found = run_all(sound)
+    assert found["other-pppd"]["verdict"] == "warning" and str(other.pid) in found["other-pppd"]["text"]
+
+
+def test_the_last_lines_of_pppd_are_explained(sound):
+    sound.pppd.script([out("Plugin pppoe.so loaded.\n"),
+                       out("sent [LCP TermReq id=0x2 \"Failed to authenticate ourselves to peer\"]\n"),
+                       end(19)])
+    run_all(sound)
+    assert Ctl(sound)("connect", "--wait").status == 12
+    last = findings(sound)["last-attempt"]
+    assert last["verdict"] == "warning" and "account set" in last["remedy"]
+
+
+# ---- mending
+
+def test_mending_puts_the_account_first_and_keeps_the_rest_and_a_copy(sound):
+    old = "# comment\nguest isp word\n" + SECRETS.replace("secret", "old") + SECRETS
+    sound.path(PAP).write_text(old, encoding="ascii")
+    sound.path(PAP).chmod(0o644)
+    sound.path(CHAP).unlink()
+    run_all(sound)
+    result = Ctl(sound)("doctor", "--fix")
+    assert result.status == FAULTS  # no account in the file that was missing
+    assert sound.path(PAP).read_text() == SECRETS + "# comment\nguest isp word\n"
+    assert sound.path(PAP + ".norvix-backup").read_text() == old
+    assert sound.path(CHAP).read_text() == '"norvix" * "norvix" *\n'
+    for name in (PAP, CHAP, PAP + ".norvix-backup"):
+        assert sound.path(name).stat().st_mode & 0o777 == 0o600
+    again = Ctl(sound)("doctor", "--fix")
+    assert again.stderr == ""
+
+
+def test_only_root_may_mend(sound):
+    assert Ctl(sound, uid=1000)("doctor", "--fix").status == NOT_PERMITTED
+
+
+def test_a_file_that_can_not_be_written_stops_the_mending(sound):
+    sound.path(PAP).unlink()
+    sound.path(PAP).mkdir()
+    assert Ctl(sound)("doctor", "--fix").status == FAILED

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+// Which accounts the client lets through, and what it makes of pppd's files and lines.
+#include "client/account_rules.h"
+#include "client/ppp_files.h"
+#include "client/pppd_explain.h"
+#include "test_data.h"
+
+#include <QTest>
+
+namespace {
+
+const char *const goodPeer
+    = "plugin pppoe.so\nnic-nas0\nuser \"me@isp\"\nnoauth\nupdetach\nnoipv6\n";
+
+} // namespace
+
+class ClientAccountTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void harmfulValuesAreRefused_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("objection"); // empty: it is let through
+        QTest::newRow("usual") << "user@isp"
+                               << "";
+        QTest::newRow("fifty") << QString(50, QLatin1Char('x')) << "";
+        QTest::newRow("blanks and signs") << "a b $%&'#*"
+                                          << "";
+        QTest::newRow("letters of other languages") << QStringLiteral("müller") << "";
+        QTest::newRow("empty") << ""
+                               << "is empty";
+        QTest::newRow("fifty-one") << QString(51, QLatin1Char('x')) << "51 characters";
+        QTest::newRow("line feed") << "a\nplugin /tmp/x.so"
+                                   << "line feed";
+        QTest::newRow("carriage return") << "a\rb"
+                                         << "line feed";
+        QTest::newRow("quote") << "a\"b"
+                               << "double quote";
+        QTest::newRow("backslash") << "a\\1"
+                                   << "backslash";
+        QTest::newRow("escape") << "a\x1b"
+                                << "control character";
+        QTest::newRow("NUL") << QString(QStringLiteral("a") + QChar(0)) << "control character";
+        QTest::newRow("delete") << "a\x7f"
+                                << "control character";
+        QTest::newRow("C1") << QString(QChar(0x85)) << "control character";
+        QTest::newRow("broken UTF-8") << QString::fromUtf8("a\xff") << "not valid text";
+    }
+    void harmfulValuesAreRefused()
+    {
+        QFETCH(QString, value);
+        QFETCH(QString, objection);
+        const QString found = accountObjection(QStringLiteral("The password"), value);
+        QCOMPARE(found.isEmpty(), objection.isEmpty());
+        QVERIFY2(found.contains(objection), qPrintable(found));
+        QVERIFY(value.size() < 2 || !found.contains(value));
+    }
+
+    void onlyTheVeryBeginningCounts()
+    {
+        QVERIFY(hasEntryAtStart("\"a\" * \"b\" *\n# comment\n"));
+        QVERIFY(hasEntryAtStart("\"a\" * \"b\" *"));
+        QVERIFY(!hasEntryAtStart("# comment\n\"a\" * \"b\" *\n"));
+        QVERIFY(!hasEntryAtStart("\n\"a\" * \"b\" *\n"));
+        QVERIFY(!hasEntryAtStart(""));
+        QVERIFY(!hasEntryAtStart("a * b *\n"));
+    }
+
+    void mendingMovesTheNewestEntryToTheBeginning_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QByteArray>("after");
+        QTest::newRow("comments first")
+            << QByteArray("# c\n\"a\" * \"b\" *\n") << QByteArray("\"a\" * \"b\" *\n# c\n");
+        QTest::newRow("older entries of the login go")
+            << QByteArray("# c\n\"a\" * \"1\" *\n\"x\" * \"y\" *\n\"a\" * \"2\" *\n")
+            << QByteArray("\"a\" * \"2\" *\n# c\n\"x\" * \"y\" *\n");
+        QTest::newRow("others' lines stay")
+            << QByteArray("# c\nguest isp secret\n\"a\" * \"b\" *\n")
+            << QByteArray("\"a\" * \"b\" *\n# c\nguest isp secret\n");
+        QTest::newRow("no entry: a placeholder")
+            << QByteArray("# c\n") << QByteArray("\"norvix\" * \"norvix\" *\n# c\n");
+        QTest::newRow("empty: a placeholder")
+            << QByteArray() << QByteArray("\"norvix\" * \"norvix\" *\n");
+        QTest::newRow("bytes of another character set stay") << QByteArray(
+            "# \xe4\n\"\xfc\" * \"\xff\" *\n") << QByteArray("\"\xfc\" * \"\xff\" *\n# \xe4\n");
+    }
+    void mendingMovesTheNewestEntryToTheBeginning()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(QByteArray, after);
+        QCOMPARE(mendedSecrets(before), after);
+        QVERIFY(hasEntryAtStart(after));
+    }
+
+    void peerFilesAreJudged_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("isPppoe");
+        QTest::addColumn<QString>("fault"); // empty: none
+        const QByteArray good = goodPeer;
+        const auto without = [&](const char *line) { return QByteArray(good).replace(line, ""); };
+        QTest::newRow("good") << good << true << "";
+        QTest::newRow("nodetach is good, too")
+            << QByteArray(good).replace("updetach\nnoipv6\n", "nodetach\n") << true << "";
+        QTest::newRow("no plugin") << without("plugin pppoe.so\n") << true << "plugin pppoe.so";
+        QTest::newRow("a comment is no option")
+            << QByteArray(good).replace("plugin", "#plugin") << true << "plugin pppoe.so";
+        QTest::newRow("no interface") << without("nic-nas0\n") << true << "nic-nas0";
+        QTest::newRow("no updetach") << without("updetach\n") << true << "updetach";
+        QTest::newRow("no noipv6") << without("noipv6\n") << true << "noipv6";
+        QTest::newRow("no noauth") << without("noauth\n") << true << "noauth";
+        QTest::newRow("no user") << without("user \"me@isp\"\n") << true << "user";
+        QTest::newRow("logfile") << good + "logfile /tmp/x\n" << true << "logfile";
+        QTest::newRow("PPPoE's file for PPPoA") << good << false << "pppoatm.so";
+        const QByteArray pppoa = "plugin pppoatm.so\n8.35\nuser \"u\"\nnoauth\nnodetach\n";
+        QTest::newRow("PPPoA") << pppoa << false << "";
+        QTest::newRow("another circuit")
+            << QByteArray(pppoa).replace("8.35", "1.32") << false << "8.35";
+    }
+    void peerFilesAreJudged()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, isPppoe);
+        QFETCH(QString, fault);
+        const QStringList faults = peerFaults(content, isPppoe, QStringLiteral("8.35"));
+        if (fault.isEmpty()) {
+            QCOMPARE(faults, QStringList());
+        } else {
+            QVERIFY2(faults.join(QLatin1Char(' ')).contains(fault),
+                qPrintable(faults.join(QLatin1Char(' '))));
+        }
+    }
+
+    void theLoginOfAPeerFileIsFound()
+    {
+        QCOMPARE(peerLogin(goodPeer), QStringLiteral("me@isp"));
+        QCOMPARE(peerLogin("# user \"x\"\n"), QString());
+        QCOMPARE(peerLogin("  user me\n"), QStringLiteral("me"));
+    }
+
+    void recordedAttemptsAreExplained_data()
+    {
+        QTest::addColumn<QString>("meaning");
+        const QString refused = QStringLiteral("The provider refused login or password.");
+        const QString silent = QStringLiteral("No concentrator of the provider answered.");
+        QTest::newRow("b2-success-then-sigkill") << "The link came up.";
+        QTest::newRow("c1-chap-wrong-password") << refused;
+        QTest::newRow("c3-pap-wrong-password") << refused;
+        QTest::newRow("c4-mschapv2-wrong-password") << refused;
+        QTest::newRow("c5-chap-unknown-user") << refused;
+        QTest::newRow("c7-chap-permission-denied") << refused;
+        QTest::newRow("c2-chap-no-secret-for-user")
+            << "No password is stored for the login that the peer file names.";
+        QTest::newRow("d1-no-concentrator") << silent;
+        QTest::newRow("j5-pppoe-nas0-no-far-end") << silent;
+        QTest::newRow("e1-peer-hangs-up") << "The provider ended the connection.";
+        QTest::newRow("f1-no-noauth-in-peer")
+            << "pppd demanded that the provider authenticates itself.";
+        QTest::newRow("i3-pppoa-no-device")
+            << "There is no ATM device: the modem or its driver is missing.";
+        QTest::newRow("j6-pppoa-no-answer") << "The far end did not answer the PPP negotiation.";
+    }
+    void recordedAttemptsAreExplained()
+    {
+        QFETCH(QString, meaning);
+        const QByteArray text
+            = testData(QStringLiteral("pppd/%1.txt").arg(QLatin1String(QTest::currentDataTag())));
+        QByteArray log;
+        for (const QByteArray &line : text.split('\n')) {
+            log += "21-11-2026 01:02:03 Norvix_Daemon::debugConnecting(): " + line + '\n';
+        }
+        QCOMPARE(explainPppd(pppdLinesOfLog(log)).meaning, meaning);
+    }
+
+    void onlyTheNewestAttemptCounts()
+    {
+        const QByteArray prefix = "21-11-2026 01:02:03 Norvix_Daemon::debugConnecting(): ";
+        const QByteArray log = prefix + "Plugin pppoe.so loaded.\n" + prefix
+            + "Timeout waiting for PADO packets\nother line\n" + prefix
+            + "Plugin pppoe.so loaded.\n" + prefix + "local  IP address 10.0.0.1\n";
+        QCOMPARE(pppdLinesOfLog(log).size(), 2);
+        QVERIFY(explainPppd(pppdLinesOfLog(log)).isGood);
+    }
+
+    void silenceIsNotExplained() { QVERIFY(explainPppd({QStringLiteral("x")}).line.isEmpty()); }
+};
+
+QTEST_GUILESS_MAIN(ClientAccountTest)
+#include "client_account_test.moc"

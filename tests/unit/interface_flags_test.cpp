@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Whether an interface is up, for real interfaces in a network of the test's own.
+#include "connection/interface_flags.h"
+#include "private_root.h"
+
+#include <QNetworkInterface>
+#include <QProcess>
+#include <QTest>
+
+namespace {
+
+bool ip(const char *arguments)
+{
+    return QProcess::execute(
+               QStringLiteral("ip"), QString::fromLatin1(arguments).split(QLatin1Char(' ')))
+        == 0;
+}
+
+} // namespace
+
+class InterfaceFlagsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aMissingInterfaceIsNeitherUpNorDown();
+    void anInterfaceIsDownUntilItIsSetUp();
+    void anInterfaceWithoutCarrierIsUpWhenItIsSetUp();
+};
+
+void InterfaceFlagsTest::aMissingInterfaceIsNeitherUpNorDown()
+{
+    for (const char *name : {"nas0", "dsl0", "", "a-name-that-no-interface-can-have", "lo0"}) {
+        QVERIFY(!isInterfaceUp(name).has_value());
+    }
+}
+
+void InterfaceFlagsTest::anInterfaceIsDownUntilItIsSetUp()
+{
+    QVERIFY(isInterfaceUp("lo").has_value());
+    QVERIFY(!*isInterfaceUp("lo"));
+    QVERIFY(ip("link set lo up"));
+    QVERIFY(isInterfaceUp("lo").value_or(false));
+    QVERIFY(ip("link set lo down"));
+    QVERIFY(!isInterfaceUp("lo").value_or(true));
+}
+
+void InterfaceFlagsTest::anInterfaceWithoutCarrierIsUpWhenItIsSetUp()
+{
+    QVERIFY(ip("tuntap add nas0 mode tap"));
+    QVERIFY(!isInterfaceUp("nas0").value_or(true));
+    QVERIFY(ip("link set nas0 up"));
+    QVERIFY(isInterfaceUp("nas0").value_or(false));
+    // Why the flag is asked for directly: the library goes by the carrier.
+    const QNetworkInterface nas0 = QNetworkInterface::interfaceFromName(QStringLiteral("nas0"));
+    QVERIFY(nas0.isValid());
+    QVERIFY(!nas0.flags().testFlag(QNetworkInterface::IsUp));
+}
+
+int main(int argc, char **argv)
+{
+    enterPrivateRoot(argv);
+    QCoreApplication application(argc, argv);
+    InterfaceFlagsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "interface_flags_test.moc"
