@@ -5,10 +5,7 @@ import os
 import pytest
 
 from account import Account, CHAP, COMMENT, FILES, OPTIONS, PAP, PEER, UNICORN
-from lab.private_machine import REPOSITORY
 from obstacles import ROOT_ONLY
-
-DATA = REPOSITORY / "tests" / "data" / "ppp"
 
 
 @pytest.fixture
@@ -124,48 +121,6 @@ def test_backslash_and_digit_stand_for_the_old_values_of_a_replaced_entry(accoun
     assert account.set("\\1.new", "\\2") == (True, [])
     assert account.content(PAP) == b'"old-login@provider.new" * "old-password" *\n'
     assert account.content(PEER) == b'user "\\1.new"\n' + OPTIONS
-
-
-def secret_that_pppd_takes(content, client):
-    """pppd's documented rule (its manual, "Authentication"): of the lines whose client and server
-    match, the one with the fewest wildcards; it reads on only for a better one, so that the first
-    of equal lines stands. Fields are words, perhaps in double quotes; "*" matches any name."""
-    best, secret = -1, None
-    for line in content.decode("latin-1").splitlines():
-        words = [word.strip('"') for word in line.split("#")[0].split()]
-        if len(words) < 3 or words[0] not in (client, "*") or words[1] != "*":
-            continue
-        exact = int(words[0] != "*")
-        if exact > best:
-            best, secret = exact, words[2]
-    return secret
-
-
-@pytest.mark.parametrize("name", ("pap-secrets", "chap-secrets"))
-def test_on_files_as_the_distribution_ships_them_the_first_password_stays_in_use(account, name):
-    """The shipped files begin with comments, so that every change appends an entry, and the first
-    one for a login wins, in pppd and when the account is read. This is how the daemon is meant to
-    edit; an entry of ours at the very beginning, made on installation, is what lets a changed
-    password take effect."""
-    shipped = (DATA / name).read_bytes()
-    path = "/etc/ppp/" + name
-    account.write(path, shipped)
-    assert account.set("user@isp", "first") == (True, [])
-    assert account.set("user@isp", "second") == (True, [])
-    assert account.content(path) == (
-        shipped + b'"user@isp" * "first" *\n"user@isp" * "second" *\n')
-    assert secret_that_pppd_takes(account.content(path), "user@isp") == "first"
-    assert account.get() == ["user@isp", "first"]
-
-
-def test_with_an_entry_at_the_very_beginning_a_changed_password_takes_effect(account):
-    shipped = (DATA / "pap-secrets").read_bytes()
-    account.write(PAP, b'"login" * "password" *\n' + shipped)
-    assert account.set("user@isp", "first") == (True, [])
-    assert account.set("user@isp", "second") == (True, [])
-    assert account.content(PAP) == b'"user@isp" * "second" *\n' + shipped
-    assert secret_that_pppd_takes(account.content(PAP), "user@isp") == "second"
-    assert account.get() == ["user@isp", "second"]
 
 
 def test_every_change_is_answered_by_one_signal_of_its_own(account):
