@@ -105,14 +105,14 @@ bool hasEntryAtStart(const QByteArray &content)
 
 QByteArray placeholderLogin()
 {
-    return "norvix";
+    return "login"; // as in the peer files that are shipped
 }
 
 QByteArray mendedSecrets(const QByteArray &content)
 {
     const QList<SecretsEntry> entries = secretsEntries(content);
     const SecretsEntry newest
-        = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "norvix"} : entries.constLast();
+        = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "password"} : entries.constLast();
     QList<QByteArray> lines = {entryLine(newest)};
     for (const QByteArray &line : content.split('\n')) {
         const auto entry = entryOf(line);

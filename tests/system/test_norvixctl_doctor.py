@@ -206,7 +206,7 @@ def test_mending_puts_the_account_first_and_keeps_the_rest_and_a_copy(sound):
     assert result.status == FAULTS  # no account in the file that was missing
     assert sound.path(PAP).read_text() == SECRETS + "# comment\nguest isp word\n"
     assert sound.path(PAP + ".norvix-backup").read_text() == old
-    assert sound.path(CHAP).read_text() == '"norvix" * "norvix" *\n'
+    assert sound.path(CHAP).read_text() == '"login" * "password" *\n'
     for name in (PAP, CHAP, PAP + ".norvix-backup"):
         assert sound.path(name).stat().st_mode & 0o777 == 0o600
     again = Ctl(sound)("doctor", "--fix")

@@ -81,9 +81,9 @@ private slots:
             << QByteArray("# c\nguest isp secret\n\"a\" * \"b\" *\n")
             << QByteArray("\"a\" * \"b\" *\n# c\nguest isp secret\n");
         QTest::newRow("no entry: a placeholder")
-            << QByteArray("# c\n") << QByteArray("\"norvix\" * \"norvix\" *\n# c\n");
+            << QByteArray("# c\n") << QByteArray("\"login\" * \"password\" *\n# c\n");
         QTest::newRow("empty: a placeholder")
-            << QByteArray() << QByteArray("\"norvix\" * \"norvix\" *\n");
+            << QByteArray() << QByteArray("\"login\" * \"password\" *\n");
         QTest::newRow("bytes of another character set stay") << QByteArray(
             "# \xe4\n\"\xfc\" * \"\xff\" *\n") << QByteArray("\"\xfc\" * \"\xff\" *\n# \xe4\n");
     }
