@@ -105,13 +105,15 @@ QByteArray contentsOf(int memory, int limit)
 
 QString findTool(const QString &program, const QStringList &environment)
 {
-    const QString found = findProgram(program, environment);
-    if (found.contains(QLatin1Char('/'))) {
-        return QFile::exists(found) ? found : QString();
+    const QString system = QStringLiteral(
+        "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
+    for (const QStringList &path : {environment, QStringList(system)}) {
+        const QString found = findProgram(program, path);
+        if (QFile::exists(found)) {
+            return found;
+        }
     }
-    const QString system = findProgram(program,
-        {QStringLiteral("PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin")});
-    return system.contains(QLatin1Char('/')) ? system : QString();
+    return QString();
 }
 
 ToolResult runTool(const ToolCall &call, int log, int lock)
