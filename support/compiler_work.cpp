@@ -2,7 +2,7 @@
 #include "support/compiler_work.h"
 
 #include "support/debug.h"
-#include "support/file_replacement.h"
+#include "support/file_copy.h"
 #include "support/source_patch.h"
 
 #include <QDeadlineTimer>

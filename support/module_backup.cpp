@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/module_backup.h"
 
-#include "support/file_replacement.h"
+#include "support/file_bytes.h"
+#include "support/file_copy.h"
 #include "support/trusted_file.h"
 
 #include <QDir>
@@ -48,7 +49,7 @@ bool ModuleBackup::beginInstall(const QStringList &files)
             return false;
         }
     }
-    return replaceBytes(added.join(QLatin1Char('\n')).toUtf8(), marker());
+    return replaceFile(marker(), added.join(QLatin1Char('\n')).toUtf8());
 }
 
 bool ModuleBackup::putBack()
@@ -60,7 +61,8 @@ bool ModuleBackup::putBack()
     for (const QString &file : keptFiles) {
         const QString target = m_tree.absolute(file);
         const std::optional<FileFacts> facts = factsOf(kept(file));
-        if (!sameFile(kept(file), target) && !(facts && replaceFile(kept(file), target, *facts))) {
+        if (!sameFile(kept(file), target)
+            && !(facts && copyIntoPlace(kept(file), target, *facts))) {
             complete = false;
         }
     }
@@ -104,5 +106,5 @@ QStringList ModuleBackup::addedFiles() const
 bool ModuleBackup::keep(const QString &file)
 {
     const std::optional<FileFacts> facts = factsOf(m_tree.absolute(file));
-    return facts && replaceFile(m_tree.absolute(file), kept(file), *facts, 0700);
+    return facts && copyIntoPlace(m_tree.absolute(file), kept(file), *facts, 0700);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/module_tree.h"
 
-#include "support/file_replacement.h"
+#include "support/file_copy.h"
 
 #include <QFileInfo>
 #include <sys/utsname.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Keeping, replacing and putting back installed modules, also cut off at every step.
 #include "cut_off.h"
-#include "support/file_replacement.h"
+#include "support/file_copy.h"
 #include "support/module_backup.h"
 
 #include <QDir>
@@ -177,7 +177,7 @@ private slots:
         write(file, oldBytes);
         int calls = 1;
         int olds = 0;
-        while (cutOffAt(calls++, [&] { replaceFile(fresh, file, *factsOf(fresh)); })) {
+        while (cutOffAt(calls++, [&] { copyIntoPlace(fresh, file, *factsOf(fresh)); })) {
             QFile opened(file);
             QVERIFY(opened.open(QIODevice::ReadOnly));
             const QByteArray bytes = opened.readAll();
@@ -203,7 +203,7 @@ private slots:
             ModuleBackup own = backup();
             if (own.take() && own.beginInstall(added)) {
                 for (const QString &file : added) {
-                    replaceFile(fresh, inTree(file), *factsOf(fresh));
+                    copyIntoPlace(fresh, inTree(file), *factsOf(fresh));
                 }
                 removeFile(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")));
             }

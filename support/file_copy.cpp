@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "support/file_replacement.h"
+#include "support/file_copy.h"
 
 #include "support/file_descriptor.h"
 
+#include <QByteArray>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -142,7 +143,7 @@ std::optional<FileFacts> factsOf(const QString &path)
     return FileFacts{facts.st_mode, facts.st_uid, facts.st_gid, facts.st_mtim};
 }
 
-bool replaceFile(
+bool copyIntoPlace(
     const QString &source, const QString &target, const FileFacts &facts, mode_t folderMode)
 {
     if (!makeFolders(QFileInfo(target).path(), folderMode)) {
@@ -155,13 +156,6 @@ bool replaceFile(
         open(encoded(source).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     return from.isOpen()
         && replaceWith(target, facts, [&](int to) { return copyBytes(from.get(), to); });
-}
-
-bool replaceBytes(const QByteArray &bytes, const QString &target)
-{
-    const FileFacts facts{0600, geteuid(), getegid(), {0, UTIME_NOW}};
-    return replaceWith(
-        target, facts, [&](int to) { return writeAll(to, bytes.constData(), bytes.size()); });
 }
 
 bool removeFile(const QString &path)
