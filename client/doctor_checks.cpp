@@ -317,11 +317,11 @@ Finding checkSecretsFile(const FileFacts &file)
 
 Finding checkSecrets(const Facts &facts)
 {
-    const Finding pap = checkSecretsFile(facts.papSecrets);
+    Finding pap = checkSecretsFile(facts.papSecrets);
     if (pap.verdict != Verdict::Good) {
         return pap;
     }
-    const Finding chap = checkSecretsFile(facts.chapSecrets);
+    Finding chap = checkSecretsFile(facts.chapSecrets);
     if (chap.verdict != Verdict::Good) {
         return chap;
     }

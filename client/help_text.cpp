@@ -24,8 +24,8 @@ QString usageOf(const Command &command)
 {
     QString usage = QStringLiteral("norvixctl ") + QLatin1String(command.path);
     const QString arguments = QLatin1String(command.arguments);
-    if (optionsOf(command).size() > 0) {
-        usage += QLatin1String(" [OPTION]…");
+    if (!optionsOf(command).empty()) {
+        usage += QStringLiteral(" [OPTION]…");
     }
     return arguments.isEmpty() ? usage : usage + QLatin1Char(' ') + arguments;
 }
