@@ -47,7 +47,7 @@ std::optional<QString> readPassword(QString &error)
     if (isatty(STDIN_FILENO) != 1) {
         return restOfInput();
     }
-    const auto first = askHidden(Say::tr("Password"));
+    auto first = askHidden(Say::tr("Password"));
     if (!first) {
         error = Say::tr("No password was given.");
         return std::nullopt;

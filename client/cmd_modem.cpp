@@ -40,7 +40,7 @@ BusReply adopt(DaemonBus &bus, QString &name)
             }
         });
     bus.listen();
-    const BusReply reply = bus.call("useNewModem");
+    BusReply reply = bus.call("useNewModem");
     if (reply.ok() && !isAnswered) {
         QTimer::singleShot(answerMs, &loop, &QEventLoop::quit);
         loop.exec();
@@ -83,16 +83,14 @@ int runModemKnown(const Invocation &, const Terminal &terminal)
         {QStringLiteral("name"), QStringLiteral("driver"), QStringLiteral("ids")},
         {Say::tr("Modem"), Say::tr("Driver"), Say::tr("USB ids")});
     for (const ModemFamily &family : modemFamilies()) {
-        QJsonArray ids;
+        QStringList ids;
         for (const UsbId &id : family.ids) {
             ids.append(idText(id));
         }
-        QString few;
-        for (const QJsonValue &id : ids) {
-            few += (few.isEmpty() ? QString() : QStringLiteral(" ")) + id.toString();
-        }
-        table.add({QString::fromLatin1(family.name), QString::fromLatin1(family.driver), ids},
-            {QString::fromLatin1(family.name), QString::fromLatin1(family.driver), few});
+        const QString name = QString::fromLatin1(family.name);
+        const QString driver = QString::fromLatin1(family.driver);
+        table.add({name, driver, QJsonArray::fromStringList(ids)},
+            {name, driver, ids.join(QLatin1Char(' '))});
     }
     table.print(terminal);
     return Ok;

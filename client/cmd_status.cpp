@@ -33,9 +33,15 @@ void addModem(Report &report, const BusReply &plugged)
     Tone tone = Tone::Plain;
     const bool isPlugged = plugged.value.toBool();
     if (!isPlugged && !modems.isEmpty()) {
-        const QString found = QString::fromLatin1(modems.constFirst().family->name);
-        text = Say::tr("%1 is plugged in but not taken into use: “norvixctl modem adopt”")
-                   .arg(found);
+        const UsbModem &found = modems.constFirst();
+        const bool isInUse = found.id.vendor == settingNumber("vendor_id")
+            && found.id.product == settingNumber("product_id");
+        const QString family = QString::fromLatin1(found.family->name);
+        text = isInUse
+            ? Say::tr("%1 is plugged in, but the daemon does not see it: “norvixctl doctor”")
+                  .arg(family)
+            : Say::tr("%1 is plugged in but not taken into use: “norvixctl modem adopt”")
+                  .arg(family);
         tone = Tone::Doubtful;
     } else if (plugged.ok()) {
         text = Say::tr("%1, %2").arg(

@@ -108,7 +108,7 @@ private:
         QString screen = QStringLiteral("\x1b[H");
         for (const QString &line :
             watchScreen(m_state, m_terminal.width(), m_terminal.height(), m_terminal.hasGlyphs)) {
-            screen += line + QLatin1String("\x1b[K\r\n");
+            screen += QLatin1String("\x1b[2K") + line + QLatin1Char('\n');
         }
         const QByteArray bytes = (screen + QLatin1String("\x1b[J")).toUtf8();
         fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);

@@ -276,9 +276,10 @@ Finding checkPeer(const Facts &facts)
     const QString circuit = facts.vpi.isEmpty() || facts.vci.isEmpty()
         ? QString()
         : facts.vpi + QLatin1Char('.') + facts.vci;
-    QStringList faults = facts.isUnicorn()
-        ? QStringList()
-        : peerFaults(*facts.peer.content, facts.isPppoe(), circuit);
+    const PeerKind kind = facts.isUnicorn() ? PeerKind::OwnInterface
+        : facts.isPppoe()                   ? PeerKind::Bridge
+                                            : PeerKind::Atm;
+    const QStringList faults = peerFaults(*facts.peer.content, kind, circuit);
     if (!faults.isEmpty()) {
         return fault(Say::tr("%1: %2").arg(facts.peer.path, faults.join(QLatin1Char(' '))),
             Say::tr("Correct the peer file (norvix-daemon(8) shows one that works)."));

@@ -142,7 +142,7 @@ QString lineText(const LineStatus &status)
     case Line::Booting:
         return Say::tr("modem is starting");
     case Line::Down:
-        return Say::tr("down");
+        return Say::tr("no synchronisation");
     case Line::FirmwareFailed:
         return Say::tr("the modem's firmware could not be loaded");
     case Line::Unknown:

@@ -73,8 +73,10 @@ int main(int argc, char *argv[])
     const QStringList words = wordsOf(argc, argv);
     const QCoreApplication application(argc, argv);
     QTranslator translator;
-    if (translator.load(QLocale(), QStringLiteral("norvixctl"), QStringLiteral("_"),
-            QStringLiteral(":/translations"))) {
+    const QString folder = QStringLiteral(":/translations");
+    // English has a file of its own for its plurals.
+    if (translator.load(QLocale(), QStringLiteral("norvixctl"), QStringLiteral("_"), folder)
+        || translator.load(QStringLiteral("norvixctl_en"), folder)) {
         QCoreApplication::installTranslator(&translator);
     }
     return run(words);

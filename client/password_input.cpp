@@ -34,7 +34,7 @@ std::optional<QString> ask(const QString &question)
             line.append(char(byte));
         }
     }
-    return QString::fromUtf8(line);
+    return QString::fromUtf8(line.constData(), line.size());
 }
 
 } // namespace
@@ -72,5 +72,6 @@ QString restOfInput()
     if (bytes.endsWith('\n')) {
         bytes.chop(1);
     }
-    return QString::fromUtf8(bytes);
+    // With its size: the short form would end at a NUL byte and so change the password.
+    return QString::fromUtf8(bytes.constData(), bytes.size());
 }

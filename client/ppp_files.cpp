@@ -62,18 +62,21 @@ bool loadsPlugin(const PeerOptions &options, const char *plugin)
     return false;
 }
 
-QStringList protocolFaults(const PeerOptions &options, bool isPppoe, const QString &circuit)
+QStringList bridgeFaults(const PeerOptions &options)
 {
     QStringList faults;
-    if (isPppoe) {
-        if (!loadsPlugin(options, "pppoe.so")) {
-            faults.append(Say::tr("“plugin pppoe.so” is missing, which PPPoE needs."));
-        }
-        if (!options.has("nic-nas0") && !options.has("nas0")) {
-            faults.append(Say::tr("“nic-nas0” is missing, the interface that PPPoE uses."));
-        }
-        return faults;
+    if (!loadsPlugin(options, "pppoe.so")) {
+        faults.append(Say::tr("“plugin pppoe.so” is missing, which PPPoE needs."));
     }
+    if (!options.has("nic-nas0") && !options.has("nas0")) {
+        faults.append(Say::tr("“nic-nas0” is missing, the interface that PPPoE uses."));
+    }
+    return faults;
+}
+
+QStringList atmFaults(const PeerOptions &options, const QString &circuit)
+{
+    QStringList faults;
     if (!loadsPlugin(options, "pppoatm.so")) {
         faults.append(Say::tr("“plugin pppoatm.so” is missing, which PPPoA needs."));
     }
@@ -83,6 +86,19 @@ QStringList protocolFaults(const PeerOptions &options, bool isPppoe, const QStri
                           .arg(circuit));
     }
     return faults;
+}
+
+QStringList kindFaults(const PeerOptions &options, PeerKind kind, const QString &circuit)
+{
+    switch (kind) {
+    case PeerKind::Bridge:
+        return bridgeFaults(options);
+    case PeerKind::Atm:
+        return atmFaults(options, circuit);
+    case PeerKind::OwnInterface:
+        break;
+    }
+    return QStringList();
 }
 
 } // namespace
@@ -105,14 +121,14 @@ bool hasEntryAtStart(const QByteArray &content)
 
 QByteArray placeholderLogin()
 {
-    return "norvix";
+    return "login"; // as in the peer files that are shipped
 }
 
 QByteArray mendedSecrets(const QByteArray &content)
 {
     const QList<SecretsEntry> entries = secretsEntries(content);
     const SecretsEntry newest
-        = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "norvix"} : entries.constLast();
+        = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "password"} : entries.constLast();
     QList<QByteArray> lines = {entryLine(newest)};
     for (const QByteArray &line : content.split('\n')) {
         const auto entry = entryOf(line);
@@ -123,10 +139,10 @@ QByteArray mendedSecrets(const QByteArray &content)
     return lines.join('\n');
 }
 
-QStringList peerFaults(const QByteArray &content, bool isPppoe, const QString &circuit)
+QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit)
 {
     const PeerOptions options = optionsOfPeer(content);
-    QStringList faults = protocolFaults(options, isPppoe, circuit);
+    QStringList faults = kindFaults(options, kind, circuit);
     if (!options.has("updetach") && !options.has("nodetach")) {
         faults.append(Say::tr("“updetach” is missing: without it pppd goes to the background at "
                               "once and the daemon never learns what becomes of the connection."));

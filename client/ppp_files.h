@@ -27,9 +27,17 @@ QByteArray placeholderLogin();
 /// left out. Without an entry a placeholder is put there. All other lines are kept.
 QByteArray mendedSecrets(const QByteArray &content);
 
-/// What is wrong with a peer file for the protocol ("PPPoE", else PPP over ATM), as sentences that
-/// name the remedy. @p circuit is "VPI.VCI", empty when unknown.
-QStringList peerFaults(const QByteArray &content, bool isPppoe, const QString &circuit);
+/// Which link a peer file is for.
+enum class PeerKind
+{
+    Bridge, ///< PPP over Ethernet on the bridge's interface
+    Atm, ///< PPP over ATM; the circuit stands in the file
+    OwnInterface, ///< the modem brings an interface of its own
+};
+
+/// What is wrong with a peer file, as sentences that name the remedy. @p circuit is "VPI.VCI",
+/// empty when unknown.
+QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit);
 
 /// The login in the "user" line; empty when there is none.
 QString peerLogin(const QByteArray &content);

@@ -34,7 +34,7 @@ QString terseText(const QJsonValue &value)
     }
     case QJsonValue::Array: {
         QStringList items;
-        for (const QJsonValue &item : value.toArray()) {
+        for (const auto &item : value.toArray()) {
             items.append(terseText(item));
         }
         return items.join(QLatin1Char(','));

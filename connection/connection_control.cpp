@@ -7,9 +7,9 @@
 #include "connection/pid_file.h"
 #include "connection/pppd_line.h"
 #include "support/debug.h"
+#include "support/interface_address.h"
 #include "support/programs.h"
 
-#include <QNetworkInterface>
 #include <QTimer>
 #include <csignal>
 
@@ -49,12 +49,6 @@ void killProcessOf(const QString &path)
         qDebug("pid: %d ", int(*pid));
         kill(*pid, SIGKILL);
     }
-}
-
-bool hasAddress(const QNetworkInterface &interface)
-{
-    const QList<QNetworkAddressEntry> entries = interface.addressEntries();
-    return !entries.isEmpty() && !entries.constFirst().ip().toString().isEmpty();
 }
 
 } // namespace
@@ -136,8 +130,8 @@ int Norvix_Daemon::getConnectionState()
     if (m_connecting) {
         return ConnectionConnecting;
     }
-    return hasAddress(QNetworkInterface::interfaceFromName(getInterface())) ? ConnectionUp
-                                                                            : ConnectionDown;
+    const QString address = firstAddressOf(getInterface()).value_or(QString());
+    return address.isEmpty() ? ConnectionDown : ConnectionUp;
 }
 
 void Norvix_Daemon::terminateConnection()

@@ -8,6 +8,7 @@
 #include "support/lock_file.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -44,12 +45,14 @@ bool wantsDebug(const QStringList &arguments)
 
 int runDaemon(int argc, char **argv)
 {
-    // A smaller event loop: nothing here needs the desktop's one. Children do not see the choice.
+    // A smaller event loop for this thread and the bus library's: nothing here needs the desktop's
+    // one. Children do not see the choice.
     const bool isUnset = qEnvironmentVariableIsEmpty("QT_NO_GLIB");
     if (isUnset) {
         qputenv("QT_NO_GLIB", "1");
     }
     QCoreApplication application(argc, argv);
+    QDBusConnection::systemBus(); // starts the bus library's thread
     if (isUnset) {
         qunsetenv("QT_NO_GLIB");
     }

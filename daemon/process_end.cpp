@@ -57,12 +57,12 @@ void printLine(int sig)
 
 void onSignal(int sig)
 {
-    if (leaving != 0) {
-        return; // a second signal must not enter exit() again
-    }
     if (pthread_equal(pthread_self(), mainThread) == 0) {
         pthread_kill(mainThread, sig);
         return;
+    }
+    if (leaving != 0) {
+        return; // a second signal must not enter exit() again
     }
     leaving = 1;
     waitForChildStarts();

@@ -3,8 +3,73 @@
 
 #include <QProcess>
 
+namespace {
+
+/// A bare number as the trace has always shown it, with a blank after it.
+void trace(int number)
+{
+    qDebug("%d ", number);
+}
+
+} // namespace
+
+QList<Compiler::ModemDriver> modemDrivers()
+{
+    // clang-format off
+    return {
+        {QStringLiteral("ueagle-atm"), QStringLiteral("1.4"),
+            QStringLiteral("/tmp/ueagle-atm-1.4"), QStringLiteral("ueagle-atm.ko"),
+            QStringLiteral("/tmp"), QStringLiteral("/opt/norvix/drivers/ueagle-atm-1.4.tar"),
+            QStringLiteral("all"), QStringLiteral("install"),
+            QStringLiteral("PWD=/tmp/ueagle-atm-1.4, LC_ALL=C"), true},
+        {QStringLiteral("unicorn"), QStringLiteral("neo"),
+            QStringLiteral("/tmp/unicorn-neo"), QStringLiteral("unicorn_usb_eth.ko"),
+            QStringLiteral("/tmp"), QStringLiteral("/opt/norvix/drivers/unicorn-neo.tar"),
+            QStringLiteral("clean, modules"), QStringLiteral("modules_install"),
+            QStringLiteral("PWD=/tmp/unicorn-neo, LC_ALL=C"), false},
+    };
+    // clang-format on
+}
+
+std::optional<Compiler::ModemDriver> driverRecord(
+    const QList<Compiler::ModemDriver> &drivers, const QString &driverName)
+{
+    for (const Compiler::ModemDriver &driver : drivers) {
+        if (driver.moduleFile == driverName + QStringLiteral(".ko")) {
+            return driver;
+        }
+    }
+    return std::nullopt;
+}
+
+int buildDriver(Compiler &compiler, const std::function<void()> &testDriver)
+{
+    trace(24);
+    compiler.backupDriver();
+    trace(25);
+    compiler.extractDriver();
+    trace(26);
+    compiler.patchDriver();
+    trace(27);
+    qDebug("%s", "CompilerThread::run(): compiling driver...");
+    if (compiler.compileDriver() != 0) {
+        compiler.restoreDriver();
+        qDebug("%s", "CompilerThread::run(): driver compilation failed!");
+        return 1;
+    }
+    qDebug("%s", "CompilerThread::run(): installing driver...");
+    if (compiler.installDriver() != 0) {
+        qDebug("%s", "CompilerThread::run(): driver installation failed!");
+        compiler.restoreDriver();
+        return 2;
+    }
+    testDriver();
+    return 0;
+}
+
 CompilerThread::CompilerThread(Norvix_Daemon *daemon, const QString &driverName, QObject *parent)
     : QThread(parent)
+    , m_drivers(modemDrivers())
     , m_driverName(driverName)
 {
     Q_UNUSED(daemon)
@@ -23,5 +88,16 @@ void CompilerThread::run()
 {
     if (m_driverName.isEmpty()) {
         qDebug("%s", "CompilerThread::run(): m_driverName is empty!");
+        return;
     }
+    trace(20);
+    trace(21);
+    trace(22);
+    const std::optional<Compiler::ModemDriver> driver = driverRecord(m_drivers, m_driverName);
+    if (!driver) {
+        return; // the result stays what it was: after construction that reads as a success
+    }
+    trace(23);
+    const auto compiler = std::make_unique<Compiler>(*driver, nullptr);
+    m_result = buildDriver(*compiler, [this] { testDriver(); });
 }

@@ -46,7 +46,7 @@ Answer allDevices(const DeviceTable &devices, const Call &)
 
 Answer deviceExists(const DeviceTable &devices, const Call &call)
 {
-    return Value(devices.find(call.texts[0]) != nullptr);
+    return devices.find(call.texts[0]) != nullptr;
 }
 
 template <typename Condition> Answer objectsThat(const DeviceTable &devices, Condition condition)
@@ -74,7 +74,7 @@ Answer findByCapability(const DeviceTable &devices, const Call &call)
 Answer property(const HalObject &object, const Call &call)
 {
     const Value *const value = object.properties.find(call.texts[0]);
-    return value ? Answer(*value) : noSuchProperty(object, call.texts[0]);
+    return value ? Answer(value) : noSuchProperty(object, call.texts[0]);
 }
 
 template <typename Type> Answer typedProperty(const HalObject &object, const Call &call)
@@ -87,7 +87,7 @@ template <typename Type> Answer typedProperty(const HalObject &object, const Cal
         return failure("org.freedesktop.Hal.TypeMismatch",
             {"Property ", call.texts[0], " on device with id ", object.udi, " is of another type"});
     }
-    return *value;
+    return value;
 }
 
 Answer allProperties(const HalObject &object, const Call &)
@@ -97,18 +97,18 @@ Answer allProperties(const HalObject &object, const Call &)
 
 Answer propertyExists(const HalObject &object, const Call &call)
 {
-    return Value(object.properties.find(call.texts[0]) != nullptr);
+    return object.properties.find(call.texts[0]) != nullptr;
 }
 
 Answer propertyType(const HalObject &object, const Call &call)
 {
     const Value *const value = object.properties.find(call.texts[0]);
-    return value ? Answer(Value(typeCode(*value))) : noSuchProperty(object, call.texts[0]);
+    return value ? Answer(typeCode(*value)) : noSuchProperty(object, call.texts[0]);
 }
 
 Answer queryCapability(const HalObject &object, const Call &call)
 {
-    return Value(hasCapability(object.properties, call.texts[0]));
+    return hasCapability(object.properties, call.texts[0]);
 }
 
 template <typename Subject> struct Method
@@ -169,7 +169,7 @@ Answer answer(const DeviceTable &devices, const Call &call)
     }
     if (isFor(call, introspectableInterface) && call.member == "Introspect") {
         std::optional<std::string> description = describe(devices, call.path);
-        return description ? Answer(Value(std::move(*description))) : NotOurs();
+        return description ? Answer(std::move(*description)) : NotOurs();
     }
     if (call.path == managerPath && isFor(call, managerInterface)) {
         return dispatch(managerMethods, devices, call);

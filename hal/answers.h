@@ -37,9 +37,10 @@ struct NotOurs
 {
 };
 
-/// The answer: one value, a list of objects, all properties of one object, or an error. Pointers
-/// are valid until the table changes.
-using Answer = std::variant<Value, ObjectList, const Properties *, Failure, NotOurs>;
+/// The answer: a truth, number or text; the value of a property; a list of objects; all properties
+/// of one object; or an error. Pointers are valid until the table changes.
+using Answer = std::variant<bool, std::int32_t, std::string, const Value *, ObjectList,
+    const Properties *, Failure, NotOurs>;
 
 /// Answers @p call. Missing or wrongly typed arguments and everything that is not offered give an
 /// error, never silence.

@@ -124,9 +124,13 @@ struct Send
 {
     sd_bus_message *call;
 
-    int operator()(const Value &value) const
+    template <typename Plain> int operator()(const Plain &value) const
     {
-        return reply([&](sd_bus_message *message) { return std::visit(Append{message}, value); });
+        return reply([&](sd_bus_message *message) { return Append{message}(value); });
+    }
+    int operator()(const Value *value) const
+    {
+        return reply([&](sd_bus_message *message) { return std::visit(Append{message}, *value); });
     }
     int operator()(const ObjectList &objects) const
     {

@@ -57,6 +57,12 @@ class Interrupts:
     def __exit__(self, *_):
         self._safe = False
 
+    def check(self):
+        """Raises for a signal whose exception got lost: one that is raised while the interpreter
+        clears an object away is only reported."""
+        if self._came:
+            raise Interrupted
+
 
 class Teller:
     """Prints what happens, with the time since the start; coloured on a terminal."""
@@ -96,8 +102,9 @@ def parse(arguments):
 class Demo:
     """One run in a machine that is up."""
 
-    def __init__(self, options, machine, teller):
+    def __init__(self, options, machine, teller, interrupts):
         self.options, self.machine, self.tell = options, machine, teller.tell
+        self.check = interrupts.check
         self.vendor, self.product = UNICORN if options.protocol == "unicorn" else CXACRU
         self.rates = itertools.cycle(UPLOAD_RATES)
         self.position = 0  # of the next signal to be told
@@ -185,6 +192,7 @@ class Demo:
 
     def tell_next(self, timeout):
         """Tells one signal, if one comes in time, and what else has happened meanwhile."""
+        self.check()
         self.go_on_training()
         came = self.client.signal_at(self.position, max(0, timeout))
         self.tell_daemon_output()
@@ -255,7 +263,7 @@ def main(arguments):
     try:
         with PrivateMachine() as machine, interrupts:
             try:
-                Demo(options, machine, Teller()).run()
+                Demo(options, machine, Teller(), interrupts).run()
             except Failed:
                 print("The daemon's log ends:\n" + machine.daemon_log()[-2000:], file=sys.stderr)
                 raise

@@ -73,13 +73,13 @@ def arrange_files(state, folders):
     bind(state, "/mnt/lab")
     # The state folder itself lies in /tmp, so its parts are taken from the new place from here on.
     make_read_only(of_the_host + [("/mnt/host-etc", MS_RELATIME)])
+    mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC)
+    mount("sysfs", "/sys", "sysfs", MS_NOSUID | MS_NODEV | MS_NOEXEC)
     for place in folders:
         source = "/mnt/lab/root" + place
         if not os.path.islink(place):
             bind(source, place)
     mount("tmpfs", "/dev/shm", "tmpfs", data="mode=1777")
-    mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC)
-    mount("sysfs", "/sys", "sysfs", MS_NOSUID | MS_NODEV | MS_NOEXEC)
     os.chdir("/")
     return parent
 

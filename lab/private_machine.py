@@ -20,9 +20,10 @@ from pathlib import Path
 
 from .bus_client import Client
 from .daemon_process import Daemon, Process
+from .furnishing import furnish
 from .kernel_log import KernelLog, RealKernelLog
 from .scenario import Pppd
-from .standin_control import Standin, install_standins, read_calls
+from .standin_control import Standin, read_calls
 from .waiting import PATIENCE, wait_until
 
 REPOSITORY = Path(__file__).resolve().parent.parent
@@ -32,7 +33,6 @@ ADDRESS_SANITIZER = os.environ.get("NORVIX_SANITIZER") == "address"
 REAL_PATH = "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 USUAL_PATH = "/usr/local/sbin:" + REAL_PATH  # the stand-ins come first
 BUS_SOCKET = "/run/dbus/system_bus_socket"
-NORVIX_GROUP = 64999
 # Private folders. /var/run and /var/lock are links into /run on Debian; elsewhere they are bound.
 FOLDERS = ("/etc", "/opt", "/run", "/tmp", "/usr/local/sbin", "/var/log", "/var/run", "/var/lock")
 
@@ -66,7 +66,8 @@ class PrivateMachine:
     def __enter__(self):
         try:
             self._boot()
-            self._furnish()
+            furnish(self.state, self.path, self._folders, BUILD)
+            self.pppd.play()
             self.request("arrange", folders=self._folders)
         except BaseException:
             self._end()
@@ -78,53 +79,6 @@ class PrivateMachine:
         self._end()
         if reports and kind is None:
             raise AssertionError("memory errors were reported:\n" + reports)
-
-    def _furnish(self):
-        """Fills the private folders before anything runs."""
-        self.state.chmod(0o755)
-        for name in ("lib", "out"):
-            (self.state / name).mkdir()
-        for folder in self._folders:
-            self.path(folder).mkdir(parents=True, exist_ok=True)
-        for folder in ("/opt/norvix/bin", "/opt/norvix/lib", "/run/dbus", "/run/lab/standins",
-                       "/run/lab/triggers", "/run/lock"):
-            self.path(folder).mkdir(parents=True, exist_ok=True)
-        for folder in ("/tmp", "/run/lock", "/run/lab"):
-            self.path(folder).chmod(0o1777)
-        self._furnish_etc()
-        self._install_build()
-        install_standins(HERE / "standins", self.state / "lib", self.path)
-        self.pppd.play()
-
-    def _furnish_etc(self):
-        """The host's /etc, except for what the daemon or a test changes."""
-        etc = self.path("/etc")
-        for entry in os.scandir("/etc"):
-            target = os.readlink(entry.path) if entry.is_symlink() else "/mnt/host-etc/" + entry.name
-            (etc / entry.name).symlink_to(target)
-        for name in ("ppp", "dbus-1", "resolv.conf", "group", "passwd"):
-            (etc / name).unlink(missing_ok=True)
-        (etc / "ppp/peers").mkdir(parents=True)
-        (etc / "dbus-1/system.d").mkdir(parents=True)
-        (etc / "resolv.conf").write_text("nameserver 192.0.2.53\n", encoding="ascii")
-        for name in ("pap-secrets", "chap-secrets"):
-            (etc / "ppp" / name).write_text("", encoding="ascii")
-            (etc / "ppp" / name).chmod(0o600)
-        groups = Path("/etc/group").read_text(encoding="utf-8")
-        (etc / "group").write_text(groups.rstrip("\n") + "\nnorvix:x:%d:\n" % NORVIX_GROUP,
-                                   encoding="utf-8")
-        shutil.copy("/etc/passwd", etc / "passwd")
-        shutil.copy(HERE / "system-bus.conf", etc / "dbus-1/system.conf")
-
-    def _install_build(self):
-        for folder, names in (("bin", ("norvix-daemon", "norvix-hald", "norvixctl")),
-                              ("lib", ("libnorvix-support.so",))):
-            for name in names:
-                if (BUILD / folder / name).exists():
-                    shutil.copy(BUILD / folder / name, self.path("/opt/norvix") / folder)
-        preloaded = BUILD / "lab/libklogctl-standin.so"
-        if preloaded.exists():
-            shutil.copy(preloaded, self.state / "lib")
 
     def _boot(self):
         """Starts process 1. First of all, because it clears up when its maker dies."""

@@ -4,6 +4,7 @@ import json
 import socket
 from pathlib import Path
 
+from .private_machine import ADDRESS_SANITIZER, SANITIZER_OPTIONS
 from .waiting import PATIENCE, wait_until
 
 SOCKET = "/run/lab/usb"
@@ -32,6 +33,8 @@ class SimulatedUsb:
         connection.close()
         self.environment = {"LD_PRELOAD": "libumockdev-preload.so.0",
                             "UMOCKDEV_DIR": self.request("root")}
+        if ADDRESS_SANITIZER:
+            self.environment.update(SANITIZER_OPTIONS)
         self._numbers = 1
         self._devices = {}
         self.hub = self.plug("usb1", 0x1d6b, 2, parent=None, number=1, interfaces=(),

@@ -48,8 +48,9 @@ class Standin:
 
     def set(self, missing=False, not_executable=False, **behaviour):
         """What the next call does: stdout, stderr (text or bytes), sleep (seconds, before it ends),
-        exit (status), exec_real (then becomes the real program). missing and not_executable hold
-        for the real program of the host, too. Nothing at all: the usual behaviour again."""
+        exit (status), exec_real (then becomes the real program), if_installed (modprobe: succeeds
+        when the module is installed in the machine). missing and not_executable hold for the real
+        program of the host, too. Nothing at all: the usual behaviour again."""
         for stream in ("stdout", "stderr"):
             if isinstance(text := behaviour.get(stream), str):
                 behaviour[stream] = text.encode().decode("latin-1")

@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: MIT */
-/* Preloaded: a listener whom the kernel found too slow. While the file below exists, as many events as
-   its text says are dropped; then the next read fails with ENOBUFS, as it does when the kernel drops. */
+/* Preloaded: a listener whom the kernel found too slow. While the file below exists, as many events
+   as its text says are dropped; then the next read fails with ENOBUFS, as it does when the kernel
+   drops. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>

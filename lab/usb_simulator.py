@@ -9,6 +9,7 @@ import os
 import shutil
 import socket
 import sys
+import time
 
 import gi
 
@@ -69,6 +70,12 @@ class Simulator:
 
     def do_event(self, path, action):
         self.testbed.uevent(path, action)
+
+    def do_timed_event(self, path, action):
+        """The time (time.monotonic) at which the event was sent."""
+        sent = time.monotonic()
+        self.testbed.uevent(path, action)
+        return sent
 
     def do_unlist(self, path):
         """Nothing lists the device any more."""

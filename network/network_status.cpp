@@ -5,9 +5,9 @@
 #include "network/number_file.h"
 #include "network/route_table.h"
 #include "support/debug.h"
+#include "support/interface_address.h"
 
 #include <QFile>
-#include <QNetworkInterface>
 
 namespace {
 
@@ -43,14 +43,12 @@ QString Norvix_Daemon::getIP(QString interface)
     if (interface.isEmpty()) {
         interface = getInterface();
     }
-    QString ip = QStringLiteral("...");
-    const QNetworkInterface found = QNetworkInterface::interfaceFromName(interface);
-    const QList<QNetworkAddressEntry> entries = found.addressEntries();
-    if (!found.isValid()) {
+    const std::optional<QString> address = firstAddressOf(interface);
+    if (!address) {
         writeLog(QStringLiteral("Norvix_Daemon::getIP(): interface %1 is invalid!").arg(interface));
-    } else if (!entries.isEmpty()) {
-        ip = entries.constFirst().ip().toString();
     }
+    const QString none = QStringLiteral("...");
+    const QString ip = address && !address->isEmpty() ? *address : none;
     if (debug) {
         printf("Norvix_Daemon::getIP(): returning IP: %s\n", ip.toLocal8Bit().constData());
     }

@@ -5,9 +5,9 @@
     <name>Say</name>
     <message numerus="yes">
         <source>%n thing(s) stop a connection. Begin with the first.</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n thing stops a connection.</numerusform>
+            <numerusform>%n things stop a connection. Begin with the first.</numerusform>
         </translation>
     </message>
 </context>

@@ -7,7 +7,7 @@ import pytest
 
 from lab.bus_client import INTERFACE, PATH, SERVICE, BusError
 from lab.scenario import stay
-from lab.private_machine import NORVIX_GROUP
+from lab.furnishing import NORVIX_GROUP
 
 DESCRIPTION = Path(__file__).resolve().parents[2] / "dbus" / "com.norvix.Daemon.xml"
 

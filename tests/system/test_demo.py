@@ -21,6 +21,14 @@ def start(*options):
                             text=True)
 
 
+def ending(demo):
+    """The rest of what a run prints, of which some lines have been read, until it ends."""
+    rest = demo.stdout.read()
+    demo.wait(PATIENCE)
+    demo.stdout.close()
+    return rest
+
+
 def leftovers(pid):
     """State folders of that demo, and processes that still know of them."""
     pattern = "nvx-%d-" % pid
@@ -64,12 +72,12 @@ def plays():
     yield demos
     for demo in demos.values():
         demo.kill()
-        demo.communicate()
+        demo.wait()
 
 
 def outcome(demo):
     """What a run that has to succeed printed."""
-    told, _ = demo.communicate(timeout=PATIENCE)
+    told = ending(demo)
     assert demo.returncode == 0, told
     assert leftovers(demo.pid) == []
     return told
@@ -133,7 +141,7 @@ def test_an_interrupt_ends_it_cleanly_at_any_time(moment, number):
         if moment in line:
             break
     demo.send_signal(number)
-    rest, _ = demo.communicate(timeout=PATIENCE)
+    rest = ending(demo)
     assert demo.returncode == 130 or (moment == "terminateConnection" and demo.returncode == 0), rest
     assert "Traceback" not in rest
     assert leftovers(demo.pid) == []
@@ -154,7 +162,7 @@ def test_killing_it_leaves_nothing_behind():
             break
     assert leftovers(demo.pid)
     demo.kill()
-    demo.communicate()
+    ending(demo)
     wait_until(lambda: not leftovers(demo.pid), what="all is gone",
                detail=lambda: leftovers(demo.pid))
 
@@ -182,7 +190,7 @@ def test_a_daemon_that_dies_is_an_error():
             break
     [daemon] = processes_of(demo, "norvix-daemon")
     os.kill(daemon, signal.SIGKILL)
-    told, _ = demo.communicate(timeout=PATIENCE)
+    told = ending(demo)
     assert demo.returncode == 1
     assert "the daemon has ended by itself" in told
     assert leftovers(demo.pid) == []

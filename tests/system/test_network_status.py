@@ -71,6 +71,15 @@ def test_an_interface_of_another_address_family_alone_counts(bus_machine):
     assert client.call("getConnectionState") == 0
 
 
+def test_an_address_of_the_link_alone_counts_and_names_its_interface(bus_machine):
+    bus_machine.run([IP, "link", "add", "ppp0", "type", "veth", "peer", "name", "far0"])
+    bus_machine.run([IP, "addr", "add", "fe80::7/64", "dev", "ppp0", "nodad"])
+    bus_machine.start_daemon()
+    client = bus_machine.client()
+    assert client.call("getIP") == "fe80::7%ppp0"
+    assert client.call("getConnectionState") == 0
+
+
 # ---- route and interface
 
 def test_without_routes_there_is_no_default_route(bus_machine):

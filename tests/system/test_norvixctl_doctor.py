@@ -57,7 +57,7 @@ def run_all(machine, companion=True):
     if companion:
         hal = FakeHal.start(machine)
         hal.plug("usb_device_572_cafe_noserial", 0x0572, 0xCAFE, announce=False)
-    machine.start_daemon().wait_for_log("getModemState(): klogctl()")
+    machine.start_daemon().wait_for_log("debugHandler: i: 0")
     return findings(machine)
 
 
@@ -122,8 +122,6 @@ FAULTS_PLANTED = {
                    lambda m: m.path(PEER_FILE).write_text(PEER.replace("user@isp", "other"))),
     "no resolver": ("resolver", "warning", "names no server",
                     lambda m: m.path("/etc/resolv.conf").write_text("")),
-    "no policy file": ("policy", "fault", "reload",
-                       lambda m: m.path("/etc/dbus-1/system.d/norvix.conf").unlink()),
 }
 
 
@@ -135,6 +133,13 @@ def test_a_planted_fault_is_found_and_its_remedy_named(sound, fault):
     assert found[id_]["verdict"] == verdict, found[id_]
     assert words in found[id_]["text"] + " " + found[id_]["remedy"]
     assert Ctl(sound)("doctor").status == (FAULTS if verdict == "fault" else OK)
+
+
+def test_a_missing_policy_is_found(sound):
+    run_all(sound)  # which needs the policy
+    sound.path("/etc/dbus-1/system.d/norvix.conf").unlink()
+    found = findings(sound)["policy"]
+    assert (found["verdict"], "reload dbus" in found["remedy"]) == ("fault", True)
 
 
 def test_a_missing_pppd_is_found(sound):
@@ -206,7 +211,7 @@ def test_mending_puts_the_account_first_and_keeps_the_rest_and_a_copy(sound):
     assert result.status == FAULTS  # no account in the file that was missing
     assert sound.path(PAP).read_text() == SECRETS + "# comment\nguest isp word\n"
     assert sound.path(PAP + ".norvix-backup").read_text() == old
-    assert sound.path(CHAP).read_text() == '"norvix" * "norvix" *\n'
+    assert sound.path(CHAP).read_text() == '"login" * "password" *\n'
     for name in (PAP, CHAP, PAP + ".norvix-backup"):
         assert sound.path(name).stat().st_mode & 0o777 == 0o600
     again = Ctl(sound)("doctor", "--fix")

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What norvixctl prints: every reading command in every form, compared with recorded outputs."""
 import json
+import os
 
 import jsonschema
 import pytest
@@ -23,6 +24,10 @@ def set_up_fixture(new_machine):
     device.mkdir(parents=True)
     (device / "idVendor").write_text("0572\n", encoding="ascii")
     (device / "idProduct").write_text("cafe\n", encoding="ascii")
+    modules = machine.path("/usr/lib/modules") / os.uname().release
+    modules.mkdir()
+    (modules / "modules.dep").write_text("a/cxacru.ko:\na/ppp_generic.ko:\na/pppoatm.ko:\n",
+                                         encoding="ascii")
     for name in ("pap-secrets", "chap-secrets"):
         machine.path("/etc/ppp/" + name).write_text(SECRETS, encoding="ascii")
     machine.settings(modem="CXACRU modem", vendor_id=1394, product_id=51966, protocol="PPPoA",

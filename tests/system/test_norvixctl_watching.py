@@ -24,7 +24,7 @@ def ready_fixture(bus_machine):
 
 @pytest.fixture(name="running")
 def running_fixture(ready):
-    ready.start_daemon().wait_for_log("getModemState(): klogctl()")
+    ready.start_daemon().wait_for_log("debugHandler: i: 0")
     return ready
 
 
@@ -159,12 +159,13 @@ def test_on_a_terminal_rates_are_a_running_graph(running):
     assert result.status == OK
     assert result.stdout.rstrip().endswith("\x1b[?25h\x1b[?1049l")  # cursor and screen come back
     screen = pyte.Screen(60, 20)
-    pyte.Stream(screen).feed(result.stdout.split("\x1b[?1049l")[0])
+    pyte.Stream(screen).feed(result.stdout.split("\x1b[?1049l")[0].replace("\n", "\r\n"))
     shown = [line.rstrip() for line in screen.display]
     assert shown[0].startswith("connected  ppp0  10.64.0.100")
     assert shown[1].startswith("down ") and "total" in shown[1] and "peak" in shown[1]
     graph = [line for line in shown if set(line.strip()) and set(line.strip()) <= set("▁▂▃▄▅▆▇█ ")]
-    assert graph and any("█" in line for line in graph)
+    assert any("█" in line for line in graph)
+    assert any(len(line) == 60 for line in graph)  # the newest second stands at the right edge
     assert "Ctrl-C ends the view, not the connection." in shown
 
 

@@ -2,10 +2,10 @@
 // The texts of pppd's secrets and peer files: what is edited, and what stays.
 #include "network/account_files.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QRegExp>
 #include <QtTest>
+#include <ctime>
 
 namespace {
 
@@ -373,13 +373,13 @@ void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly()
 {
     QFETCH(QByteArray, line);
     const QByteArray content = "#\n" + line.repeated(10000000 / line.size());
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock(); // of the processor, which other programs share
     QVERIFY(withSecretsEntry(content, QStringLiteral("x"), QStringLiteral("y"))
                 .endsWith("\"x\" * \"y\" *\n"));
     QVERIFY(withLoginLine(content, QStringLiteral("x")).contains("user \"x\""));
     QVERIFY(!accountFromSecrets(content));
-    QVERIFY2(timer.elapsed() < 30000, qPrintable(QString::number(timer.elapsed())));
+    const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+    QVERIFY2(seconds < 30, qPrintable(QString::number(seconds)));
 }
 
 void TestAccountFiles::thousandLoginLinesAreAllReplaced()

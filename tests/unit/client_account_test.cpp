@@ -81,9 +81,9 @@ private slots:
             << QByteArray("# c\nguest isp secret\n\"a\" * \"b\" *\n")
             << QByteArray("\"a\" * \"b\" *\n# c\nguest isp secret\n");
         QTest::newRow("no entry: a placeholder")
-            << QByteArray("# c\n") << QByteArray("\"norvix\" * \"norvix\" *\n# c\n");
+            << QByteArray("# c\n") << QByteArray("\"login\" * \"password\" *\n# c\n");
         QTest::newRow("empty: a placeholder")
-            << QByteArray() << QByteArray("\"norvix\" * \"norvix\" *\n");
+            << QByteArray() << QByteArray("\"login\" * \"password\" *\n");
         QTest::newRow("bytes of another character set stay") << QByteArray(
             "# \xe4\n\"\xfc\" * \"\xff\" *\n") << QByteArray("\"\xfc\" * \"\xff\" *\n# \xe4\n");
     }
@@ -125,13 +125,21 @@ private slots:
         QFETCH(QByteArray, content);
         QFETCH(bool, isPppoe);
         QFETCH(QString, fault);
-        const QStringList faults = peerFaults(content, isPppoe, QStringLiteral("8.35"));
+        const PeerKind kind = isPppoe ? PeerKind::Bridge : PeerKind::Atm;
+        const QStringList faults = peerFaults(content, kind, QStringLiteral("8.35"));
         if (fault.isEmpty()) {
             QCOMPARE(faults, QStringList());
         } else {
             QVERIFY2(faults.join(QLatin1Char(' ')).contains(fault),
                 qPrintable(faults.join(QLatin1Char(' '))));
         }
+    }
+
+    void aModemWithItsOwnInterfaceNeedsNeitherBridgeNorCircuit()
+    {
+        const QByteArray peer = "nic-dsl0\nuser \"me\"\nnoauth\nupdetach\nnoipv6\n";
+        QCOMPARE(peerFaults(peer, PeerKind::OwnInterface, QString()), QStringList());
+        QCOMPARE(peerFaults("user me\nnoauth\n", PeerKind::OwnInterface, QString()).size(), 1);
     }
 
     void theLoginOfAPeerFileIsFound()

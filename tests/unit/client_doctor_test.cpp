@@ -211,7 +211,7 @@ private slots:
         row(
             "no account yet", "secrets",
             [](Facts &f) {
-                f.papSecrets.content = f.chapSecrets.content = "\"norvix\" * \"norvix\" *\n";
+                f.papSecrets.content = f.chapSecrets.content = "\"login\" * \"password\" *\n";
             },
             "fault", "account set");
         row(

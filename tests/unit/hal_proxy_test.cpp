@@ -6,10 +6,10 @@
 #include <QDBusServer>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QSemaphore>
 #include <QTest>
 #include <QThread>
 #include <array>
+#include <future>
 #include <memory>
 
 namespace {
@@ -69,7 +69,7 @@ private:
 class HalThread : public QThread
 {
 public:
-    void awaitListening() { m_listening.acquire(); }
+    void awaitListening() { m_listening.get_future().wait(); }
     QString address() const { return m_address; }
 
 protected:
@@ -82,12 +82,12 @@ protected:
                 connection.registerVirtualObject(devicePath, &hal);
             });
         m_address = server.address();
-        m_listening.release();
+        m_listening.set_value();
         exec();
     }
 
 private:
-    QSemaphore m_listening;
+    std::promise<void> m_listening;
     QString m_address;
 };
 

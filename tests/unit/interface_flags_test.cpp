@@ -3,7 +3,6 @@
 #include "connection/interface_flags.h"
 #include "private_root.h"
 
-#include <QNetworkInterface>
 #include <QProcess>
 #include <QTest>
 
@@ -50,11 +49,8 @@ void InterfaceFlagsTest::anInterfaceWithoutCarrierIsUpWhenItIsSetUp()
     QVERIFY(ip("tuntap add nas0 mode tap"));
     QVERIFY(!isInterfaceUp("nas0").value_or(true));
     QVERIFY(ip("link set nas0 up"));
+    // Nobody holds its other end: the operational state, which is not asked for, stays down.
     QVERIFY(isInterfaceUp("nas0").value_or(false));
-    // Why the flag is asked for directly: the library goes by the carrier.
-    const QNetworkInterface nas0 = QNetworkInterface::interfaceFromName(QStringLiteral("nas0"));
-    QVERIFY(nas0.isValid());
-    QVERIFY(!nas0.flags().testFlag(QNetworkInterface::IsUp));
 }
 
 int main(int argc, char **argv)

@@ -13,9 +13,9 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
-#include <QThread>
 #include <functional>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -70,13 +70,12 @@ int doDeed(const QByteArray &deed)
 
 void runInThreads(int count, const std::function<void(int)> &work)
 {
-    std::vector<std::unique_ptr<QThread>> threads;
+    std::vector<std::thread> threads;
     for (int i = 0; i < count; ++i) {
-        threads.emplace_back(QThread::create(work, i));
-        threads.back()->start();
+        threads.emplace_back(work, i);
     }
-    for (const auto &thread : threads) {
-        thread->wait();
+    for (std::thread &thread : threads) {
+        thread.join();
     }
 }
 

@@ -2,11 +2,10 @@
 // The line-reading process with children of every kind.
 #include "script_folder.h"
 #include "support/my_process.h"
+#include "worker.h"
 
 #include <QCoreApplication>
-#include <QSignalSpy>
 #include <QTest>
-#include <QThread>
 #include <memory>
 
 namespace {
@@ -232,56 +231,53 @@ void MyProcessTest::aProgramThatIsNotOnThatPathIsNotStarted()
 
 void MyProcessTest::linesOfAWorkersChildReachTheMainThreadInOrder()
 {
-    auto *process = new MyProcess(nullptr);
+    const auto process = std::make_unique<MyProcess>(nullptr);
     QByteArrayList lines;
     QThread *receivedIn = nullptr;
     QObject receiver;
-    connect(process, &MyProcess::lineAvailable, &receiver, [&](const QByteArray &line) {
+    connect(process.get(), &MyProcess::lineAvailable, &receiver, [&](const QByteArray &line) {
         lines.append(line);
         receivedIn = QThread::currentThread();
     });
-    bool finishedBeforeLines = false;
-    const std::unique_ptr<QThread> worker(QThread::create([&] {
+    int linesAtTheEnd = -1;
+    Worker worker([&] {
         process->start(QStringLiteral("/usr/bin/seq"), {QStringLiteral("5000")});
         process->waitForFinished(enough);
-        delete process;
-    }));
-    connect(worker.get(), &QThread::finished, &receiver,
-        [&] { finishedBeforeLines = lines.size() < 5000; });
-    process->moveToThread(worker.get());
-    QSignalSpy finished(worker.get(), &QThread::finished);
-    worker->start();
-    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, enough);
+    });
+    connect(worker.thread(), &QThread::finished, &receiver, [&] { linesAtTheEnd = lines.size(); });
+    process->moveToThread(worker.thread());
+    worker.start();
+    QTRY_VERIFY_WITH_TIMEOUT(linesAtTheEnd >= 0, enough);
+    QVERIFY(worker.wait(enough));
+    QCOMPARE(linesAtTheEnd, 5000);
     QCOMPARE(lines.size(), 5000);
     QCOMPARE(lines.first(), QByteArray("1"));
     QCOMPARE(lines.last(), QByteArray("5000"));
     QCOMPARE(receivedIn, QThread::currentThread());
-    QVERIFY(!finishedBeforeLines);
 }
 
 void MyProcessTest::theMainThreadKillsAWorkersChild()
 {
-    auto *process = new MyProcess(nullptr);
+    const auto process = std::make_unique<MyProcess>(nullptr);
     const QString program = m_scripts.add(QStringLiteral("child"), "echo ready; exec sleep 600");
-    const std::unique_ptr<QThread> worker(QThread::create([&] {
+    Worker worker([&] {
         process->start(program, {});
         process->waitForFinished(-1);
-        delete process;
-    }));
-    process->moveToThread(worker.get());
+    });
+    process->moveToThread(worker.thread());
     bool isReady = false;
     QObject receiver;
-    connect(process, &MyProcess::lineAvailable, &receiver, [&] { isReady = true; });
-    worker->start();
+    connect(process.get(), &MyProcess::lineAvailable, &receiver, [&] { isReady = true; });
+    worker.start();
     QTRY_VERIFY_WITH_TIMEOUT(isReady, enough);
     process->kill();
-    QVERIFY(worker->wait(enough));
+    QVERIFY(worker.wait(enough));
 }
 
 void MyProcessTest::theLinesGoOnAfterTheWorkerHasEnded()
 {
     Reader reader;
-    const std::unique_ptr<QThread> worker(QThread::create([&] {
+    Worker worker([&] {
         reader.process.start(m_scripts.add(QStringLiteral("child"),
                                  "echo one; printf tw; read x; echo o; seq 100000"),
             {});
@@ -289,10 +285,10 @@ void MyProcessTest::theLinesGoOnAfterTheWorkerHasEnded()
             reader.process.waitForReadyRead(enough);
         }
         reader.process.moveToThread(QCoreApplication::instance()->thread());
-    }));
-    reader.process.moveToThread(worker.get());
-    worker->start();
-    QVERIFY(worker->wait(enough));
+    });
+    reader.process.moveToThread(worker.thread());
+    worker.start();
+    QVERIFY(worker.wait(enough));
     reader.process.write("\n");
     QTRY_COMPARE_WITH_TIMEOUT(reader.process.state(), QProcess::NotRunning, enough);
     QCOMPARE(reader.lines.size(), 100002);

@@ -8,10 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QTest>
-#include <QThread>
 #include <atomic>
-#include <memory>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -341,17 +340,15 @@ void SettingsTest::workersReadWhileTheMainThreadWrites()
             last = now;
         }
     };
-    const std::unique_ptr<QThread> first(QThread::create(read));
-    const std::unique_ptr<QThread> second(QThread::create(read));
-    first->start();
-    second->start();
+    std::thread first(read);
+    std::thread second(read);
     for (int i = 1; i <= 300; ++i) {
         writeSetting(settings(), "idleness", i);
         QCoreApplication::processEvents();
     }
     stop = true;
-    first->wait();
-    second->wait();
+    first.join();
+    second.join();
     syncSettings(settings());
     QCOMPARE(wrong.load(), 0);
     QCOMPARE(fileText(), QByteArray("[General]\nidleness=300\n"));

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The commands of a driver build.
+#include "driver/compiler_thread.h"
+#include "support/build_plan.h"
+
+#include <QTest>
+
+namespace {
+
+QStringList targetsOf(const BuildPlan &plan)
+{
+    QStringList targets;
+    for (const MakeCommand &command : plan.build) {
+        targets.append(command.arguments.join(QLatin1Char('|')));
+    }
+    return targets;
+}
+
+} // namespace
+
+class BuildPlanTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void eachBuildTargetIsOneRunOfMakeInOrder()
+    {
+        const QList<Compiler::ModemDriver> drivers = modemDrivers();
+        QCOMPARE(
+            targetsOf(buildPlan(drivers.at(0), {}, QString())), QStringList{QStringLiteral("all")});
+        const QStringList unicorn{QStringLiteral("clean"), QStringLiteral("modules")};
+        QCOMPARE(targetsOf(buildPlan(drivers.at(1), {}, QString())), unicorn);
+    }
+
+    void theAssignmentsAreAddedToTheDaemonsEnvironment()
+    {
+        const QStringList base{QStringLiteral("PATH=/bin"), QStringLiteral("LC_ALL=de_DE.UTF-8"),
+            QStringLiteral("PWD=/"), QStringLiteral("OLDPWD=/x")};
+        const BuildPlan plan = buildPlan(modemDrivers().at(1), base, QStringLiteral("/staging"));
+        const QStringList expected{QStringLiteral("PATH=/bin"), QStringLiteral("OLDPWD=/x"),
+            QStringLiteral("PWD=/tmp/unicorn-neo"), QStringLiteral("LC_ALL=C")};
+        QCOMPARE(plan.build.at(0).environment, expected);
+        QCOMPARE(plan.build.at(1).environment, expected);
+        QCOMPARE(plan.install.arguments, QStringList{QStringLiteral("modules_install")});
+        QCOMPARE(plan.install.environment,
+            expected + QStringList{QStringLiteral("INSTALL_MOD_PATH=/staging")});
+    }
+
+    void thePatchFileLiesBesideTheTarball()
+    {
+        const QList<Compiler::ModemDriver> drivers = modemDrivers();
+        QCOMPARE(buildPlan(drivers.at(0), {}, QString()).patchFile,
+            QStringLiteral("/opt/norvix/drivers/ueagle-atm-1.4.patch"));
+        QCOMPARE(buildPlan(drivers.at(1), {}, QString()).patchFile,
+            QStringLiteral("/opt/norvix/drivers/unicorn-neo.patch"));
+    }
+
+    void theModuleIsNamedWithoutItsSuffix()
+    {
+        const BuildPlan plan = buildPlan(modemDrivers().at(1), {}, QString());
+        QCOMPARE(plan.moduleName, QStringLiteral("unicorn_usb_eth"));
+        QCOMPARE(plan.topFolder, QStringLiteral("unicorn-neo"));
+    }
+
+    void listsAreSplitAtCommas_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("entries");
+        QTest::newRow("none") << QString() << QStringList();
+        QTest::newRow("one") << "all" << QStringList("all");
+        QTest::newRow("two") << "clean, modules" << QStringList({"clean", "modules"});
+        QTest::newRow("no blank") << "clean,modules" << QStringList({"clean", "modules"});
+        QTest::newRow("blank inside") << "A=b c, D=e" << QStringList({"A=b c", "D=e"});
+        QTest::newRow("empty entries") << ", all, ," << QStringList("all");
+    }
+
+    void listsAreSplitAtCommas()
+    {
+        QFETCH(QString, text);
+        QTEST(splitList(text), "entries");
+    }
+
+    void theHeadersPackageIsNamedAfterTheKernel_data()
+    {
+        QTest::addColumn<QString>("release");
+        QTest::addColumn<QString>("packages");
+        QTest::newRow("amd64") << "6.1.0-56-amd64"
+                               << "linux-headers-6.1.0-56-amd64 (or linux-headers-amd64)";
+        QTest::newRow("32 bit") << "6.1.0-56-686-pae"
+                                << "linux-headers-6.1.0-56-686-pae (or linux-headers-686-pae)";
+        QTest::newRow("rt") << "6.1.0-9-rt-amd64"
+                            << "linux-headers-6.1.0-9-rt-amd64 (or linux-headers-rt-amd64)";
+        QTest::newRow("own kernel") << "6.18.44"
+                                    << "linux-headers-6.18.44 (or linux-headers-amd64)";
+    }
+
+    void theHeadersPackageIsNamedAfterTheKernel()
+    {
+        QFETCH(QString, release);
+        QTEST(headersPackages(release), "packages");
+    }
+
+    void theModulesToLoadAreReadInOrder_data()
+    {
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QStringList>("files");
+        QTest::newRow("none") << QString() << QStringList();
+        QTest::newRow("built in") << "builtin loop\n" << QStringList();
+        QTest::newRow("one") << "insmod /lib/modules/6.1/extra/a.ko \n"
+                             << QStringList("/lib/modules/6.1/extra/a.ko");
+        QTest::newRow("with needs and options")
+            << "insmod /lib/modules/6.1/b.ko.xz \ninsmod /lib/modules/6.1/a.ko x=1 y=2\n"
+            << QStringList({"/lib/modules/6.1/b.ko.xz", "/lib/modules/6.1/a.ko"});
+        QTest::newRow("cut off") << "insmod " << QStringList(QString());
+        QTest::newRow("noise") << "xinsmod /a\n insmod /b\n" << QStringList();
+    }
+
+    void theModulesToLoadAreReadInOrder()
+    {
+        QFETCH(QString, output);
+        QTEST(modulesToLoad(output), "files");
+    }
+};
+
+QTEST_APPLESS_MAIN(BuildPlanTest)
+#include "build_plan_test.moc"

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: MIT
+// Keeping, replacing and putting back installed modules, also cut off at every step.
+#include "cut_off.h"
+#include "support/file_replacement.h"
+#include "support/module_backup.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+#include <sys/stat.h>
+
+namespace {
+
+void write(const QString &path, const QByteArray &bytes, mode_t mode = 0644)
+{
+    QVERIFY(makeFolders(QFileInfo(path).path()));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    chmod(QFile::encodeName(path).constData(), mode);
+}
+
+/// All that modprobe could find below a folder: paths with mode and bytes.
+QMap<QString, QByteArray> contents(const QString &folder)
+{
+    QMap<QString, QByteArray> all;
+    for (const QString &file : filesBelow(folder)) {
+        QFile opened(folder + QLatin1Char('/') + file);
+        [&] { QVERIFY(opened.open(QIODevice::ReadOnly)); }();
+        struct stat facts = {};
+        fstat(opened.handle(), &facts);
+        all.insert(file, QByteArray::number(facts.st_mode, 8) + ' ' + opened.readAll());
+    }
+    return all;
+}
+
+} // namespace
+
+class ModuleBackupTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_root;
+
+    ModuleBackup backup() const
+    {
+        return ModuleBackup(m_folder->filePath(QStringLiteral("backup/ueagle-atm.ko")),
+            ModuleTree(m_root), QStringLiteral("ueagle-atm.ko"));
+    }
+
+    QString inTree(const QString &file) const { return m_root + QLatin1Char('/') + file; }
+
+private slots:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_root = m_folder->filePath(QStringLiteral("modules"));
+        write(inTree(QStringLiteral("kernel/net/other.ko")), "other");
+        write(inTree(QStringLiteral("modules.dep")), "index");
+    }
+
+    void copiesAreFoundWhateverTheirCompressionAndDashes()
+    {
+        write(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")), "1");
+        write(inTree(QStringLiteral("extra/ueagle_atm.ko")), "2");
+        write(inTree(QStringLiteral("updates/ueagle-atm.ko.zst")), "3");
+        write(inTree(QStringLiteral("weak/ueagle-atm.ko.gz")), "4");
+        write(inTree(QStringLiteral("extra/ueagle-atm.ko.bak")), "no");
+        write(inTree(QStringLiteral("extra/my-ueagle-atm.ko")), "no");
+        write(m_folder->filePath(QStringLiteral("headers/ueagle-atm.ko")), "no");
+        QVERIFY(QFile::link(
+            m_folder->filePath(QStringLiteral("headers")), inTree(QStringLiteral("build"))));
+        const QStringList found = ModuleTree(m_root).copiesOf(QStringLiteral("ueagle-atm.ko"));
+        const QStringList expected{QStringLiteral("extra/ueagle_atm.ko"),
+            QStringLiteral("kernel/ueagle-atm.ko.xz"), QStringLiteral("updates/ueagle-atm.ko.zst"),
+            QStringLiteral("weak/ueagle-atm.ko.gz")};
+        QCOMPARE(found, expected);
+    }
+
+    void aReplacedModuleComesBackByteForByteWithItsMode()
+    {
+        const QString file = inTree(QStringLiteral("kernel/ueagle-atm.ko.xz"));
+        write(file, QByteArray("\0old\xff", 5), 0640);
+        const auto before = contents(m_root);
+        const std::optional<FileFacts> facts = factsOf(file);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({}));
+        write(file, "new", 0600);
+        QVERIFY(backup().putBack());
+        QCOMPARE(contents(m_root), before);
+        QCOMPARE(factsOf(file)->changed.tv_sec, facts->changed.tv_sec);
+    }
+
+    void ownerAndGroupComeBack()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give files away");
+        }
+        const QString file = inTree(QStringLiteral("kernel/ueagle-atm.ko"));
+        write(file, "old");
+        QCOMPARE(chown(QFile::encodeName(file).constData(), 3, 4), 0);
+        QVERIFY(backup().take());
+        QVERIFY(QFile::remove(file));
+        QVERIFY(backup().putBack());
+        QCOMPARE(factsOf(file)->owner, uid_t(3));
+        QCOMPARE(factsOf(file)->group, gid_t(4));
+    }
+
+    void aLinkedModuleComesBackAsTheLinkItWas()
+    {
+        write(inTree(QStringLiteral("extra/real.bin")), "real");
+        const QString link = inTree(QStringLiteral("weak-updates/ueagle-atm.ko"));
+        QVERIFY(makeFolders(QFileInfo(link).path()));
+        QCOMPARE(symlink("../extra/real.bin", QFile::encodeName(link).constData()), 0);
+        QVERIFY(backup().take());
+        QVERIFY(QFile::remove(link));
+        QVERIFY(backup().putBack());
+        QCOMPARE(QFile::symLinkTarget(link), inTree(QStringLiteral("extra/real.bin")));
+    }
+
+    void aModuleWhereThereWasNoneIsRemovedWithWhatCameWithIt()
+    {
+        const auto before = contents(m_root);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({QStringLiteral("extra/helper.ko")}));
+        write(inTree(QStringLiteral("extra/ueagle-atm.ko")), "half");
+        write(inTree(QStringLiteral("extra/helper.ko")), "helper");
+        QVERIFY(backup().putBack());
+        QCOMPARE(contents(m_root), before);
+        QVERIFY(!QFile::exists(inTree(QStringLiteral("extra"))));
+    }
+
+    void aFurtherFileThatTheInstallReplacesIsKeptToo()
+    {
+        write(inTree(QStringLiteral("extra/helper.ko")), "old helper");
+        const auto before = contents(m_root);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({QStringLiteral("extra/helper.ko")}));
+        write(inTree(QStringLiteral("extra/helper.ko")), "new helper");
+        QVERIFY(backup().putBack());
+        QCOMPARE(contents(m_root), before);
+    }
+
+    void anInstallUnderWayIsKnownAfterwardsUntilItIsConcluded()
+    {
+        QVERIFY(backup().take());
+        QVERIFY(!backup().wasInterrupted());
+        QVERIFY(backup().beginInstall({}));
+        QVERIFY(backup().wasInterrupted());
+        backup().conclude();
+        QVERIFY(!backup().wasInterrupted());
+    }
+
+    void onlyTheOwnerCanEnterTheBackup()
+    {
+        write(inTree(QStringLiteral("kernel/ueagle-atm.ko")), "old", 0666);
+        QVERIFY(backup().take());
+        for (const char *folder : {"backup", "backup/ueagle-atm.ko", "backup/ueagle-atm.ko/kept"}) {
+            const mode_t mode = factsOf(m_folder->filePath(QString::fromLatin1(folder)))->mode;
+            QCOMPARE(mode & 0777, mode_t(0700));
+        }
+    }
+
+    void cutOffAnywhereAReplacedFileIsTheOldOneOrTheNewOne()
+    {
+        const QString file = inTree(QStringLiteral("kernel/ueagle-atm.ko"));
+        const QString fresh = m_folder->filePath(QStringLiteral("fresh.ko"));
+        const QByteArray oldBytes(100000, 'o');
+        const QByteArray newBytes(300000, 'n');
+        write(fresh, newBytes);
+        write(file, oldBytes);
+        int calls = 1;
+        int olds = 0;
+        while (cutOffAt(calls++, [&] { replaceFile(fresh, file, *factsOf(fresh)); })) {
+            QFile opened(file);
+            QVERIFY(opened.open(QIODevice::ReadOnly));
+            const QByteArray bytes = opened.readAll();
+            QVERIFY2(bytes == oldBytes || bytes == newBytes, qPrintable(QString::number(calls)));
+            olds += int(bytes == oldBytes);
+            write(file, oldBytes);
+        }
+        QVERIFY(calls > 15);
+        QVERIFY(olds > 10 && olds < calls - 1);
+    }
+
+    void cutOffAnywhereTheModuleFolderCanStillBePutBack()
+    {
+        write(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")), "old", 0640);
+        write(inTree(QStringLiteral("extra/helper.ko")), "old helper");
+        const auto before = contents(m_root);
+        const QStringList added{
+            QStringLiteral("extra/ueagle-atm.ko"), QStringLiteral("extra/helper.ko")};
+        const QString fresh = m_folder->filePath(QStringLiteral("fresh.ko"));
+        write(fresh, "fresh");
+        int calls = 1;
+        const auto build = [&] {
+            ModuleBackup own = backup();
+            if (own.take() && own.beginInstall(added)) {
+                for (const QString &file : added) {
+                    replaceFile(fresh, inTree(file), *factsOf(fresh));
+                }
+                removeFile(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")));
+            }
+        };
+        int interrupted = 0;
+        while (cutOffAt(calls++, build)) {
+            if (backup().wasInterrupted()) {
+                ++interrupted;
+                QVERIFY(backup().putBack());
+                backup().conclude();
+            }
+            QVERIFY2(contents(m_root) == before, qPrintable(QString::number(calls)));
+        }
+        QVERIFY(calls > 60);
+        QVERIFY(interrupted > 30);
+    }
+
+    void puttingBackThatIsCutOffAnywhereCanBeDoneAgain()
+    {
+        const QString old = inTree(QStringLiteral("kernel/ueagle-atm.ko.xz"));
+        write(old, "old", 0640);
+        const auto before = contents(m_root);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({QStringLiteral("extra/helper.ko")}));
+        bool more = true;
+        for (int call = 1; more; ++call) {
+            QFile::remove(old);
+            write(inTree(QStringLiteral("extra/ueagle-atm.ko")), "new");
+            write(inTree(QStringLiteral("extra/helper.ko")), "new");
+            more = cutOffAt(call, [&] { backup().putBack(); });
+            // In between there is always a module that can be loaded.
+            QVERIFY(!ModuleTree(m_root).copiesOf(QStringLiteral("ueagle-atm.ko")).isEmpty());
+            QVERIFY(backup().wasInterrupted());
+            QVERIFY(backup().putBack());
+            QVERIFY2(contents(m_root) == before, qPrintable(QString::number(call)));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(ModuleBackupTest)
+#include "module_backup_test.moc"

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// What root may act upon, and folders that root makes where others can write.
+#include "support/file_replacement.h"
+#include "support/trusted_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+#include <sys/stat.h>
+
+class TrustedFileTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+    QString path(const char *name) const { return m_folder->filePath(QString::fromLatin1(name)); }
+
+    QByteArray encoded(const char *name) const { return QFile::encodeName(path(name)); }
+
+    QString refusalOf(const char *name) const
+    {
+        return openTrustedFile(path(name), geteuid(), m_folder->path()).refusal;
+    }
+
+    void write(const char *name, const QByteArray &bytes = "text") const
+    {
+        QVERIFY(makeFolders(QFileInfo(path(name)).path()));
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+private slots:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void aFileInFoldersThatOnlyItsOwnerWritesIsOpened()
+    {
+        write("a/b/file");
+        const TrustedFile trusted = openTrustedFile(path("a/b/file"), geteuid(), m_folder->path());
+        QCOMPARE(trusted.refusal, QString());
+        char bytes[10] = {};
+        QCOMPARE(read(trusted.file.get(), bytes, sizeof bytes), ssize_t(4));
+        QCOMPARE(QByteArray(bytes), QByteArray("text"));
+    }
+
+    void whatOthersCouldChangeIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("changed");
+        QTest::addColumn<int>("mode");
+        QTest::newRow("file by all") << QByteArray("a/b/file") << 0646;
+        QTest::newRow("file by the group") << QByteArray("a/b/file") << 0664;
+        QTest::newRow("folder by all") << QByteArray("a/b") << 0757;
+        QTest::newRow("folder by the group") << QByteArray("a/b") << 0775;
+        QTest::newRow("sticky folder") << QByteArray("a/b") << 01777;
+        QTest::newRow("folder above") << QByteArray("a") << 0777;
+        QTest::newRow("the top") << QByteArray(".") << 0777;
+    }
+
+    void whatOthersCouldChangeIsRefused()
+    {
+        QFETCH(QByteArray, changed);
+        QFETCH(int, mode);
+        write("a/b/file");
+        QCOMPARE(refusalOf("a/b/file"), QString());
+        QCOMPARE(chmod(encoded(changed.constData()).constData(), mode_t(mode)), 0);
+        QVERIFY(refusalOf("a/b/file").endsWith(QStringLiteral("can be written by others")));
+    }
+
+    void whatBelongsToSomebodyElseIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("changed");
+        QTest::newRow("file") << QByteArray("a/b/file");
+        QTest::newRow("folder") << QByteArray("a/b");
+        QTest::newRow("folder above") << QByteArray("a");
+    }
+
+    void whatBelongsToSomebodyElseIsRefused()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give files away");
+        }
+        QFETCH(QByteArray, changed);
+        write("a/b/file");
+        QCOMPARE(chown(encoded(changed.constData()).constData(), 65534, 0), 0);
+        QVERIFY(refusalOf("a/b/file").endsWith(QStringLiteral("is not root's")));
+    }
+
+    void linksAreNotFollowed()
+    {
+        write("a/b/file");
+        QVERIFY(QFile::link(path("a/b/file"), path("a/b/link")));
+        QVERIFY(QFile::link(path("a/b"), path("a/c")));
+        QVERIFY(!refusalOf("a/b/link").isEmpty());
+        QVERIFY(!refusalOf("a/c/file").isEmpty());
+    }
+
+    void whatIsNoFileIsRefusedWithoutWaiting()
+    {
+        write("file");
+        QCOMPARE(mkfifo(encoded("pipe").constData(), 0600), 0);
+        QVERIFY(refusalOf("pipe").endsWith(QStringLiteral("is not a regular file")));
+        QVERIFY(!refusalOf("none").isEmpty());
+        QVERIFY(!refusalOf("file/below").isEmpty());
+        QVERIFY(!refusalOf(".").isEmpty());
+        QVERIFY(!openTrustedFile(QStringLiteral("relative"), geteuid(), m_folder->path())
+                     .refusal.isEmpty());
+    }
+
+    void whateverStandsInTheWayOfAPrivateFolderIsRemoved_data()
+    {
+        QTest::addColumn<QString>("planted");
+        for (const char *what : {"nothing", "file", "folder", "link", "link to nothing", "pipe"}) {
+            QTest::newRow(what) << QString::fromLatin1(what);
+        }
+    }
+
+    void whateverStandsInTheWayOfAPrivateFolderIsRemoved()
+    {
+        QFETCH(QString, planted);
+        write("victim/precious");
+        if (planted == QLatin1String("file")) {
+            write("build");
+        } else if (planted == QLatin1String("folder")) {
+            write("build/deep/er/Makefile");
+            QVERIFY(QFile::link(path("victim"), path("build/deep/link")));
+        } else if (planted == QLatin1String("link")) {
+            QVERIFY(QFile::link(path("victim"), path("build")));
+        } else if (planted == QLatin1String("link to nothing")) {
+            QVERIFY(QFile::link(path("none"), path("build")));
+        } else if (planted == QLatin1String("pipe")) {
+            QCOMPARE(mkfifo(encoded("build").constData(), 0600), 0);
+        }
+        QCOMPARE(makePrivateFolder(path("build")), QString());
+        const std::optional<FileFacts> facts = factsOf(path("build"));
+        QCOMPARE(facts->mode, mode_t(S_IFDIR | 0700));
+        QVERIFY(filesBelow(path("build")).isEmpty());
+        QVERIFY(QFile::exists(path("victim/precious")));
+        QVERIFY(!QFile::exists(path("none")));
+    }
+
+    void aParentWhereOthersCouldReplaceTheFolderIsRefused()
+    {
+        QVERIFY(QDir().mkdir(path("parent")));
+        QCOMPARE(chmod(encoded("parent").constData(), 0777), 0);
+        QVERIFY(!makePrivateFolder(path("parent/build")).isEmpty());
+        QVERIFY(!QFile::exists(path("parent/build")));
+        QCOMPARE(chmod(encoded("parent").constData(), 01777), 0);
+        QCOMPARE(makePrivateFolder(path("parent/build")), QString());
+        QVERIFY(QFile::link(path("parent"), path("linked")));
+        QVERIFY(!makePrivateFolder(path("linked/build2")).isEmpty());
+        QVERIFY(!makePrivateFolder(path("none/build")).isEmpty());
+    }
+};
+
+QTEST_APPLESS_MAIN(TrustedFileTest)
+#include "trusted_file_test.moc"
