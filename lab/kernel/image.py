@@ -99,27 +99,29 @@ class Image:
 
 
 def prepare():
-    """Returns the image, made anew only when the package list or the boot script has changed."""
+    """Returns the image: the one that there is, unless it is a week old or its recipe has changed.
+    Asking the package lists what is newest takes long on a busy machine."""
     install_host_packages()
-    packages = guest_packages()
-    sources = [(HERE / "boot.sh").read_text(), pathlib.Path(__file__).read_text()]
-    recipe = "\n".join(packages + sources)
-    key = hashlib.sha256(recipe.encode()).hexdigest()[:16]
+    recipe = [PACKAGE_LIST, HERE / "boot.sh", pathlib.Path(__file__)]
+    key = hashlib.sha256(b"".join(path.read_bytes() for path in recipe)).hexdigest()[:16]
     image = Image(cache_folder() / f"guest-{key}")
-    if image.initramfs.exists():
-        return image
-    shutil.rmtree(image.folder, ignore_errors=True)
     remove_old_images()
-    image.root.mkdir(parents=True)
-    for archive in download(packages):
-        unpack(archive, image)
-    run("depmod", "-b", str(image.root / "usr"), image.kernel_release)
-    write_initramfs(image)
+    if not image.initramfs.exists():
+        make(image)
     return image
 
 
+def make(image):
+    shutil.rmtree(image.folder, ignore_errors=True)
+    image.root.mkdir(parents=True)
+    for archive in download(guest_packages()):
+        unpack(archive, image)
+    run("depmod", "-b", str(image.root / "usr"), image.kernel_release)
+    write_initramfs(image)
+
+
 def remove_old_images():
-    """Images of recipes that nobody has made for a week."""
+    """Removes images that were made more than a week ago."""
     for folder in cache_folder().glob("guest-*"):
         if time.time() - folder.stat().st_mtime > KEPT_SECONDS:
             shutil.rmtree(folder, ignore_errors=True)
