@@ -5,6 +5,7 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QVector>
 #include <csignal>
 #include <fcntl.h>
@@ -105,12 +106,12 @@ QByteArray contentsOf(int memory, int limit)
 
 QString findTool(const QString &program, const QStringList &environment)
 {
-    const QString system = QStringLiteral(
-        "PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
-    for (const QStringList &path : {environment, QStringList(system)}) {
-        const QString found = findProgram(program, path);
-        if (QFile::exists(found)) {
-            return found;
+    const QStringList system(
+        QStringLiteral("PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"));
+    for (const QStringList &entries : {environment, system}) {
+        const QFileInfo found(findProgram(program, entries));
+        if (found.isAbsolute() && found.isFile() && found.isExecutable()) {
+            return found.filePath();
         }
     }
     return QString();

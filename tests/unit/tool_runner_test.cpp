@@ -88,6 +88,18 @@ private slots:
             QStringLiteral("/usr/bin/sh"));
     }
 
+    void whatIsNoProgramIsNotFound()
+    {
+        const QString path = m_folder->filePath(QStringLiteral("norvix-no-program"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QStringList environment{QStringLiteral("PATH=") + m_folder->path()};
+        QCOMPARE(findTool(QStringLiteral("norvix-no-program"), environment), QString());
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        QCOMPARE(findTool(QStringLiteral("norvix-no-program"), environment), path);
+        QCOMPARE(findTool(QStringLiteral("../bin/sh"), {}), QString());
+    }
+
     void outputAndErrorsAreLoggedInTheOrderInWhichTheyCame()
     {
         m_log->line(QStringLiteral("first"));
