@@ -1,22 +1,76 @@
 // SPDX-License-Identifier: MIT
-// The address of an interface, asked of an interface that every machine has.
+// The address of an interface, for real interfaces in a network of the test's own.
+#include "private_root.h"
 #include "support/interface_address.h"
 
+#include <QCoreApplication>
+#include <QProcess>
 #include <QTest>
+
+namespace {
+
+bool ip(const char *arguments)
+{
+    return QProcess::execute(
+               QStringLiteral("ip"), QString::fromLatin1(arguments).split(QLatin1Char(' ')))
+        == 0;
+}
+
+QString addressOf(const char *name)
+{
+    return firstAddressOf(QString::fromLatin1(name)).value_or(QStringLiteral("no interface"));
+}
+
+} // namespace
 
 class InterfaceAddressTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void theLoopbackInterfaceHasItsUsualAddress();
+    void anInterfaceWithoutAddressHasAnEmptyOne();
+    void aPointToPointLinkHasItsOwnAddress();
+    void theFirstOfSeveralCountsAndVersion4BeforeVersion6();
     void whatIsNoInterfaceHasNoAnswer_data();
     void whatIsNoInterfaceHasNoAnswer();
 };
 
+void InterfaceAddressTest::initTestCase()
+{
+    QVERIFY(ip("link set lo up"));
+    for (const char *name : {"ppp0", "ppp1"}) {
+        QVERIFY(ip(QByteArray(QByteArray("tuntap add ") + name + " mode tun").constData()));
+    }
+}
+
 void InterfaceAddressTest::theLoopbackInterfaceHasItsUsualAddress()
 {
-    QCOMPARE(firstAddressOf(QStringLiteral("lo")).value(), QStringLiteral("127.0.0.1"));
+    QCOMPARE(addressOf("lo"), QStringLiteral("127.0.0.1"));
+}
+
+void InterfaceAddressTest::anInterfaceWithoutAddressHasAnEmptyOne()
+{
+    QCOMPARE(addressOf("ppp0"), QString());
+}
+
+void InterfaceAddressTest::aPointToPointLinkHasItsOwnAddress()
+{
+    QVERIFY(ip("addr add 10.64.0.100 peer 10.64.64.64 dev ppp0"));
+    QCOMPARE(addressOf("ppp0"), QStringLiteral("10.64.0.100")); // set, though not up
+    QVERIFY(ip("addr del 10.64.0.100 peer 10.64.64.64 dev ppp0"));
+    QCOMPARE(addressOf("ppp0"), QString());
+}
+
+void InterfaceAddressTest::theFirstOfSeveralCountsAndVersion4BeforeVersion6()
+{
+    QVERIFY(ip("addr add 2001:db8::1/64 dev ppp1 nodad"));
+    QCOMPARE(addressOf("ppp1"), QStringLiteral("2001:db8::1"));
+    QVERIFY(ip("addr add 10.0.0.2/24 dev ppp1"));
+    QVERIFY(ip("addr add 10.0.0.1/24 dev ppp1"));
+    QCOMPARE(addressOf("ppp1"), QStringLiteral("10.0.0.2"));
+    QCOMPARE(addressOf("ppp0"), QString()); // the neighbour's are not taken for its own
 }
 
 void InterfaceAddressTest::whatIsNoInterfaceHasNoAnswer_data()
@@ -37,5 +91,12 @@ void InterfaceAddressTest::whatIsNoInterfaceHasNoAnswer()
     QVERIFY(!firstAddressOf(name).has_value());
 }
 
-QTEST_GUILESS_MAIN(InterfaceAddressTest)
+int main(int argc, char **argv)
+{
+    enterPrivateRoot(argv);
+    QCoreApplication application(argc, argv);
+    InterfaceAddressTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "interface_address_test.moc"
