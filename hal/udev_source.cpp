@@ -18,6 +18,8 @@ constexpr int receiveBufferSize = 16 * 1024 * 1024;
 /// So that a flood does not keep the bus waiting.
 constexpr size_t maxBatch = 1000;
 
+constexpr int maxScans = 5;
+
 /// The number of the kernel's latest event; 0 when it is not told.
 std::uint64_t latestSequence()
 {
@@ -132,13 +134,28 @@ std::optional<UsbTexts> UdevSource::textsFrom(udev_device *device, bool withAttr
 
 std::optional<UdevSource::Present> UdevSource::enumerate()
 {
-    Present present;
-    present.upToSequence = latestSequence(); // first: later events may be in the list or not
+    for (int attempt = 1;; ++attempt) {
+        const std::uint64_t before = latestSequence();
+        std::optional<std::vector<UsbRecord>> records = scan();
+        if (!records) {
+            return std::nullopt;
+        }
+        // What changes under the eyes of the reader may be seen in parts. In a storm the best that
+        // can be had is good enough: its events follow.
+        if (latestSequence() == before || attempt == maxScans) {
+            return Present{std::move(*records), before};
+        }
+    }
+}
+
+std::optional<std::vector<UsbRecord>> UdevSource::scan() const
+{
     const std::unique_ptr<udev_enumerate, Unref> list(udev_enumerate_new(m_udev.get()));
     if (!list || udev_enumerate_add_match_subsystem(list.get(), "usb") < 0
         || udev_enumerate_scan_devices(list.get()) < 0) {
         return std::nullopt;
     }
+    std::vector<UsbRecord> records;
     udev_list_entry *entry = nullptr;
     udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(list.get()))
     {
@@ -146,10 +163,10 @@ std::optional<UdevSource::Present> UdevSource::enumerate()
             udev_device_new_from_syspath(m_udev.get(), udev_list_entry_get_name(entry)));
         const std::optional<UsbTexts> texts = device ? textsFrom(device.get(), true) : std::nullopt;
         if (std::optional<UsbRecord> record = texts ? usbRecordFrom(*texts) : std::nullopt) {
-            present.records.push_back(std::move(*record));
+            records.push_back(std::move(*record));
         }
     }
-    return present;
+    return records;
 }
 
 } // namespace hal

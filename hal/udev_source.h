@@ -57,6 +57,7 @@ private:
     using DevicePointer = std::unique_ptr<udev_device, Unref>;
 
     UdevSource() = default;
+    std::optional<std::vector<UsbRecord>> scan() const;
     static UdevEvent eventFrom(udev_device *device);
     static std::optional<UsbTexts> textsFrom(udev_device *device, bool withAttributes);
 

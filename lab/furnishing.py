@@ -23,7 +23,6 @@ def furnish(state, path, folders, build):
     state.chmod(0o755)
     for name in ("lib", "out"):
         (state / name).mkdir()
-    (state / "out").chmod(0o1777)  # memory checkers of any user report there
     for folder in tuple(folders) + EMPTY_FOLDERS:
         path(folder).mkdir(parents=True, exist_ok=True)
     for folder in FOR_EVERYONE:

@@ -4,7 +4,6 @@ import os
 from pathlib import Path
 
 from .bus_client import BusError
-from .private_machine import ADDRESS_SANITIZER, SANITIZER_OPTIONS
 from .waiting import PATIENCE, wait_until
 
 REPOSITORY = Path(__file__).resolve().parent.parent
@@ -33,8 +32,6 @@ class HalCompanion:
 
     def __init__(self, machine, usb=None, *arguments, env=None, uid=None, wait=True):
         environment = dict(usb.environment if usb else {}, **(env or {}))
-        if ADDRESS_SANITIZER:
-            environment.update(SANITIZER_OPTIONS)
         if uid is None:
             uid = USER_ID if machine.rooted else 0
         self._machine = machine

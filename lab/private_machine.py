@@ -288,12 +288,16 @@ class PrivateMachine:
         return path.read_text(encoding="utf-8", errors="replace") if path.exists() else ""
 
     def sanitizer_reports(self):
-        """What the daemon's memory checker has reported, as text; empty when all is well."""
+        """What the memory checkers of daemon and companion have reported, as text; empty when all is
+        well."""
         folder = self.state / "out"
+        on_stderr = [file for file in folder.glob("*.stderr")
+                     if any(word in file.read_bytes() for word in REPORT_WORDS)]
         return "\n".join(file.read_text(encoding="utf-8", errors="replace")
-                         for file in sorted(folder.glob("asan.*")))
+                         for file in sorted([*folder.glob("asan.*"), *on_stderr]))
 
 
+REPORT_WORDS = (b"ERROR: AddressSanitizer", b": runtime error: ")
 SANITIZER_OPTIONS = {
     "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:abort_on_error=0"
                     ":log_path=/mnt/lab/out/asan",

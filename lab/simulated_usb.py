@@ -4,7 +4,7 @@ import json
 import socket
 from pathlib import Path
 
-from .private_machine import ADDRESS_SANITIZER, SANITIZER_OPTIONS
+from .private_machine import ADDRESS_SANITIZER
 from .waiting import PATIENCE, wait_until
 
 SOCKET = "/run/lab/usb"
@@ -33,8 +33,8 @@ class SimulatedUsb:
         connection.close()
         self.environment = {"LD_PRELOAD": "libumockdev-preload.so.0",
                             "UMOCKDEV_DIR": self.request("root")}
-        if ADDRESS_SANITIZER:
-            self.environment.update(SANITIZER_OPTIONS)
+        if ADDRESS_SANITIZER:  # a report into a file of its own would crash in what is preloaded
+            self.environment["ASAN_OPTIONS"] = "verify_asan_link_order=0:detect_leaks=0"
         self._numbers = 1
         self._devices = {}
         self.hub = self.plug("usb1", 0x1d6b, 2, parent=None, number=1, interfaces=(),

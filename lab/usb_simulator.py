@@ -27,6 +27,16 @@ class Simulator:
         os.chmod(self.root, 0o1777)  # listeners of any user put their sockets here
         os.makedirs(self.root + "/sys/bus/usb/devices", exist_ok=True)
         os.makedirs(self.root + "/sys/kernel", exist_ok=True)
+        self.events = 0
+
+    def tell(self, path, action):
+        """Sends an event. As the kernel does, it is counted once sysfs shows what it tells."""
+        self.testbed.uevent(path, action)
+        self.count_event()
+
+    def count_event(self):
+        self.events += 1
+        self.do_write("/sys/kernel/uevent_seqnum", "%d\n" % self.events)
 
     def do_root(self):
         return self.root
@@ -37,6 +47,7 @@ class Simulator:
         told = {**properties, "DRIVER": driver} if driver else properties
         facts = [text for pair in told.items() for text in pair]
         path = self.testbed.add_device(subsystem, name, parent, flat, facts)
+        self.count_event()
         if driver:
             self.link_driver(path, driver)
         return path
@@ -69,12 +80,12 @@ class Simulator:
             self.testbed.set_attribute(path, name, value)
 
     def do_event(self, path, action):
-        self.testbed.uevent(path, action)
+        self.tell(path, action)
 
     def do_timed_event(self, path, action):
         """The time (time.monotonic) at which the event was sent."""
         sent = time.monotonic()
-        self.testbed.uevent(path, action)
+        self.tell(path, action)
         return sent
 
     def do_unlist(self, path):
@@ -97,7 +108,7 @@ class Simulator:
     def do_remove(self, path):
         """Takes a device away: its "remove" event is sent, then nothing is left."""
         self.do_hide(path)
-        self.testbed.uevent(path, "remove")
+        self.tell(path, "remove")
         self.do_vanish(path)
 
     def do_vanish(self, path):
@@ -108,8 +119,10 @@ class Simulator:
         shutil.rmtree(self.root + path, ignore_errors=True)
 
     def do_write(self, path, content):
-        with open(self.root + path, "w", encoding="ascii") as file:
+        """Replaces a file as a whole, so that no reader sees it half written."""
+        with open(self.root + path + ".new", "w", encoding="ascii") as file:
             file.write(content)
+        os.rename(self.root + path + ".new", self.root + path)
 
     def do_many(self, requests):
         """Several requests without anything in between."""
