@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* The least that a HAL over udev does: names read once, two calls, one signal; no table, no checks. */
+/* The least that a HAL over udev does: names read once, two calls, one signal; no table, no checks.
+ */
 #include <dbus/dbus.h>
 #include <libudev.h>
 #include <poll.h>
@@ -11,7 +12,8 @@
 #define PREFIX "/org/freedesktop/Hal/devices/"
 #define MANAGER "/org/freedesktop/Hal/Manager"
 
-struct device {
+struct device
+{
     char *udi;
     dbus_int32_t vendor;
 };
@@ -55,7 +57,7 @@ static void read_devices(struct udev *udev)
 
     udev_enumerate_add_match_subsystem(list, "usb");
     udev_enumerate_scan_devices(list);
-    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(list)) ++room;
+    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(list))++ room;
     devices = calloc(room + 1, sizeof *devices);
     hcreate(2 * room + 10);
     udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(list))
@@ -66,7 +68,7 @@ static void read_devices(struct udev *udev)
 
         slot->udi = udi_of(device);
         slot->vendor = (dbus_int32_t)hexadecimal(device, "idVendor");
-        hsearch((ENTRY) { slot->udi, slot }, ENTER);
+        hsearch((ENTRY){slot->udi, slot}, ENTER);
         udev_device_unref(device);
     }
     udev_enumerate_unref(list);
@@ -94,7 +96,7 @@ static DBusHandlerResult answer(DBusConnection *bus, DBusMessage *call, void *un
     if (strcmp(dbus_message_get_member(call), "GetAllDevices") == 0) {
         append_devices(reply);
     } else {
-        ENTRY *found = hsearch((ENTRY) { (char *)dbus_message_get_path(call), NULL }, FIND);
+        ENTRY *found = hsearch((ENTRY){(char *)dbus_message_get_path(call), NULL}, FIND);
         dbus_int32_t vendor = found ? ((struct device *)found->data)->vendor : 0;
 
         dbus_message_append_args(reply, DBUS_TYPE_INT32, &vendor, DBUS_TYPE_INVALID);
@@ -124,7 +126,7 @@ int main(void)
     struct udev *udev = udev_new();
     struct udev_monitor *monitor = udev_monitor_new_from_netlink(udev, "kernel");
     DBusConnection *bus = dbus_bus_get_private(DBUS_BUS_SYSTEM, NULL);
-    struct pollfd waiting[2] = { { .events = POLLIN }, { .events = POLLIN } };
+    struct pollfd waiting[2] = {{.events = POLLIN}, {.events = POLLIN}};
 
     if (!monitor || !bus)
         fail("no events or no bus");

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* The client's side of the HAL measurements: PATH INTERFACE METHOD ARGUMENT COUNT. Prints the best and
-   the median time of a call in microseconds. */
+/* The client's side of the HAL measurements: PATH INTERFACE METHOD ARGUMENT COUNT. Prints the best
+   and the median time of a call in microseconds. */
 #include <dbus/dbus.h>
 #include <stdio.h>
 #include <stdlib.h>
