@@ -299,7 +299,7 @@ class PrivateMachine:
 
 REPORT_WORDS = (b"ERROR: AddressSanitizer", b": runtime error: ")
 SANITIZER_OPTIONS = {
-    "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:abort_on_error=0"
+    "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:abort_on_error=0:quarantine_size_mb=8"
                     ":log_path=/mnt/lab/out/asan",
     "UBSAN_OPTIONS": "print_stacktrace=1:log_path=/mnt/lab/out/asan",
 }

@@ -172,7 +172,11 @@ def test_each_side_of_midnight_has_its_own_file(bus_machine):
     client.call("terminateConnection")
     bus_machine.pppd.script(link_up() + [stay()])
     client.call("establishConnection")
-    wait_until(lambda: len(daily_logs(bus_machine)) == 2, what="the second day's log")
-    texts = [file.read_text(encoding="ascii") for file in daily_logs(bus_machine)]
-    assert any("Registered IP: " in text and "bytes" not in text for text in texts)
-    assert any("RX bytes: " in text and "TX bytes: " in text for text in texts)
+
+    def texts():
+        return [file.read_text(encoding="ascii") for file in daily_logs(bus_machine)]
+
+    wait_until(lambda: any("RX bytes: " in text and "TX bytes: " in text for text in texts()),
+               what="the totals in the second day's log", detail=texts)
+    assert len(texts()) == 2
+    assert any("Registered IP: " in text and "bytes" not in text for text in texts())
