@@ -56,7 +56,7 @@ std::optional<QString> askHidden(const QString &question)
     hidden.c_lflag &= ~tcflag_t(ECHO);
     hidden.c_lflag |= ECHONL;
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
-    const std::optional<QString> answer = ask(question);
+    std::optional<QString> answer = ask(question);
     tcsetattr(STDIN_FILENO, TCSANOW, &shownMode);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         signal(number, SIG_DFL);

@@ -98,7 +98,7 @@ void syncSettings(QSettings *store)
 {
     if (auto *own = dynamic_cast<SettingsStore *>(store)) {
         own->syncNow();
-    } else {
+    } else if (store != nullptr) {
         store->sync();
     }
 }

@@ -48,7 +48,7 @@ QString Norvix_Daemon::getIP(QString interface)
         writeLog(QStringLiteral("Norvix_Daemon::getIP(): interface %1 is invalid!").arg(interface));
     }
     const QString none = QStringLiteral("...");
-    const QString ip = address && !address->isEmpty() ? *address : none;
+    QString ip = address && !address->isEmpty() ? *address : none;
     if (debug) {
         printf("Norvix_Daemon::getIP(): returning IP: %s\n", ip.toLocal8Bit().constData());
     }

@@ -35,7 +35,7 @@ QByteArray readBeginning(QProcess &process, int maxOutput, const QDeadlineTimer 
             break;
         }
     }
-    const QByteArray beginning = process.read(maxOutput);
+    QByteArray beginning = process.read(maxOutput);
     process.closeReadChannel(QProcess::StandardOutput);
     return beginning;
 }

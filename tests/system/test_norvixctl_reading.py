@@ -8,6 +8,7 @@ import pytest
 from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, SCHEMA, USAGE, Ctl,
                        golden, without_times)
 
+from lab.waiting import wait_for_line
 from lab.scenario import link_up, stay
 
 FORMS = {"human": [], "terse": ["--terse"], "json": ["--json"]}
@@ -142,6 +143,8 @@ def test_anybody_may_look_at_the_status(set_up):
 
 def test_the_log_is_printed_from_its_end(set_up):
     ctl = Ctl(set_up)
+    # The line state is the last thing that the daemon logs at its start.
+    wait_for_line(set_up.path("/opt/norvix/daemon.log"), r"debugHandler: i: \d|klogctl\(\) <= 0")
     everything = ctl("log").stdout.splitlines()
     assert "ctor invoked" in everything[0]
     assert ctl("log", "-n", "2").stdout.splitlines() == everything[-2:]
