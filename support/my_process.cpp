@@ -3,6 +3,8 @@
 
 #include "support/programs.h"
 
+#include <sys/stat.h>
+
 QAtomicInt childStarts;
 
 MyProcess::MyProcess(QObject *parent)
@@ -24,6 +26,11 @@ void MyProcess::start(const QString &program, const QStringList &arguments)
     childStarts.ref();
     QProcess::start(path, arguments);
     childStarts.deref();
+}
+
+void MyProcess::setupChildProcess()
+{
+    umask(022);
 }
 
 void MyProcess::readLines()

@@ -29,6 +29,11 @@ signals:
     /// without a line feed. A line over LineCutter::maxLineLength is shortened to that.
     void lineAvailable(QByteArray line);
 
+protected:
+    /// In the child, before the program: its files, such as pppd's pid file, get the usual mode
+    /// whatever the daemon's own umask is.
+    void setupChildProcess() override;
+
 private:
     void readLines();
     void finishLines();

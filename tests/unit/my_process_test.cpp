@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QTest>
 #include <memory>
+#include <sys/stat.h>
 
 namespace {
 
@@ -54,6 +55,7 @@ private slots:
     void aLineOfAMegabyteComesOnceShortened();
     void aKilledChildsUnfinishedLineIsNotCarriedOver();
     void theArgumentsArriveAsTheyAre();
+    void aChildsFilesHaveTheUsualModeWhateverTheDaemonsMask();
     void aChildThatCannotBeStartedGivesNoLines_data();
     void aChildThatCannotBeStartedGivesNoLines();
     void aStartWhileAChildRunsIsRefused();
@@ -163,6 +165,15 @@ void MyProcessTest::theArgumentsArriveAsTheyAre()
     const QString program = m_scripts.add(QStringLiteral("child"), "printf '<%s>\\n' \"$@\"");
     QCOMPARE(reader.run(program, {QStringLiteral("two words"), QString(), QStringLiteral("$HOME")}),
         (QByteArrayList{"<two words>", "<>", "<$HOME>"}));
+}
+
+void MyProcessTest::aChildsFilesHaveTheUsualModeWhateverTheDaemonsMask()
+{
+    const mode_t before = umask(0077);
+    Reader reader;
+    const QByteArrayList lines = reader.run(m_scripts.add(QStringLiteral("child"), "umask"));
+    umask(before);
+    QCOMPARE(lines, QByteArrayList({"0022"}));
 }
 
 void MyProcessTest::aChildThatCannotBeStartedGivesNoLines_data()
