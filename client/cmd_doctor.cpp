@@ -4,9 +4,9 @@
 #include "client/commands.h"
 #include "client/daemon_bus.h"
 #include "client/doctor_checks.h"
+#include "client/ppp_mend.h"
 #include "client/report.h"
 #include "client/say.h"
-#include "client/secrets_mend.h"
 #include "client/text_format.h"
 
 #include <algorithm>
@@ -102,7 +102,7 @@ int runDoctor(const Invocation &invocation, const Terminal &terminal)
             return terminal.fail(
                 NotPermitted, Say::tr("Only root may mend: “sudo norvixctl doctor --fix”."));
         }
-        const MendResult result = mendSecretsFiles();
+        const MendResult result = mendPppFiles(gatherFacts(DaemonBus()));
         for (const QString &text : result.done) {
             terminal.note(text);
         }

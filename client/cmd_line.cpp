@@ -122,7 +122,7 @@ int runLineSet(const Invocation &invocation, const Terminal &terminal)
     if (protocol != QLatin1String("PPPoE")) {
         terminal.paragraph(Say::tr("With PPPoA the circuit that counts stands in "
                                    "/etc/ppp/peers/norvix: the line “%1.%2” behind “plugin "
-                                   "pppoatm.so”.")
+                                   "pppoatm.so”. “sudo norvixctl doctor --fix” puts it there.")
                                .arg(settingText("vpi", QStringLiteral("0")),
                                    settingText("vci", QStringLiteral("0"))));
     }

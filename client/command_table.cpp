@@ -90,7 +90,7 @@ const std::vector<Command> &commandTable()
             QT_TRANSLATE_NOOP("Say", "Check all that can stop a connection and name the remedy"),
             true,
             {{"fix", 0, nullptr, nullptr,
-                QT_TRANSLATE_NOOP("Say", "mend order and modes of the account files (as root)")}},
+                QT_TRANSLATE_NOOP("Say", "mend pppd's account and peer files (as root)")}},
             runDoctor},
         {"help", "[COMMAND]", 2, QT_TRANSLATE_NOOP("Say", "Explain a command"), true, {}, runHelp},
         {"completion", "bash|zsh", 1,

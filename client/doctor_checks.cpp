@@ -150,14 +150,24 @@ Finding checkDriver(const Facts &facts)
                       "/opt/norvix/drivers and restart the daemon."));
 }
 
+QString firmwareRemedy(const Facts &facts)
+{
+    if (!facts.firmwarePackage.isEmpty()) {
+        return Say::tr("Install the firmware: “sudo apt install %1” (of the component "
+                       "non-free-firmware), then unplug the modem and plug it in again.")
+            .arg(facts.firmwarePackage);
+    }
+    return Say::tr("Put the modem's firmware files into /lib/firmware (%1), then unplug the modem "
+                   "and plug it in again.")
+        .arg(facts.firmware);
+}
+
 Finding checkFirmware(const Facts &facts)
 {
     if (facts.driver.isEmpty()) {
         return notChecked(Say::tr("not known without a modem"));
     }
-    const QString remedy = Say::tr("Put the modem's firmware files into /lib/firmware (%1), then "
-                                   "unplug the modem and plug it in again.")
-                               .arg(facts.firmware);
+    const QString remedy = firmwareRemedy(facts);
     for (const UsbModem &modem : facts.modems) {
         if (isBeforeFirmware(modem.id)) {
             return fault(Say::tr("The modem still shows the id %1: it has not got its firmware.")
@@ -267,22 +277,18 @@ Finding checkPeer(const Facts &facts)
 {
     if (!facts.peer.exists) {
         return fault(Say::tr("%1 is missing.").arg(facts.peer.path),
-            Say::tr("Create the peer file (norvix-daemon(8) shows one that works)."));
+            Say::tr("Let the shipped one be put there: “sudo norvixctl doctor --fix”."));
     }
     if (!facts.peer.content) {
         return notChecked(
             Say::tr("%1 is not readable for this user").arg(facts.peer.path), asRoot());
     }
-    const QString circuit = facts.vpi.isEmpty() || facts.vci.isEmpty()
-        ? QString()
-        : facts.vpi + QLatin1Char('.') + facts.vci;
-    const PeerKind kind = facts.isUnicorn() ? PeerKind::OwnInterface
-        : facts.isPppoe()                   ? PeerKind::Bridge
-                                            : PeerKind::Atm;
-    const QStringList faults = peerFaults(*facts.peer.content, kind, circuit);
+    const QStringList faults = peerFaults(*facts.peer.content, facts.peerKind(), facts.circuit());
     if (!faults.isEmpty()) {
         return fault(Say::tr("%1: %2").arg(facts.peer.path, faults.join(QLatin1Char(' '))),
-            Say::tr("Correct the peer file (norvix-daemon(8) shows one that works)."));
+            Say::tr(
+                "“sudo norvixctl doctor --fix” puts the shipped one in place of one that nobody "
+                "has edited; otherwise correct it (norvix-daemon(8) shows one that works)."));
     }
     return good(Say::tr("%1 is fine").arg(facts.peer.path));
 }

@@ -135,6 +135,7 @@ void lookAtDriver(Facts &facts)
             && sources.exists(QStringLiteral("ueagle-atm-1.4.tar")));
     if (family != nullptr && family->firmware != nullptr) {
         facts.firmware = QString::fromLatin1(family->firmware);
+        facts.firmwarePackage = QString::fromLatin1(family->firmwarePackage);
         const QString installed = QStringLiteral("/lib/firmware/") + facts.firmware;
         facts.hasFirmware
             = QFile::exists(installed) || QFile::exists(installed + QLatin1String(".xz"));
@@ -179,6 +180,19 @@ Module moduleState(
             || installed->contains('/' + underlined + ".ko")
         ? Module::Available
         : Module::Missing;
+}
+
+PeerKind Facts::peerKind() const
+{
+    if (isUnicorn()) {
+        return PeerKind::OwnInterface;
+    }
+    return isPppoe() ? PeerKind::Bridge : PeerKind::Atm;
+}
+
+QString Facts::circuit() const
+{
+    return vpi.isEmpty() || vci.isEmpty() ? QString() : vpi + QLatin1Char('.') + vci;
 }
 
 Facts gatherDriverFacts()

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "client/link_facts.h"
+#include "client/ppp_files.h"
 
 #include <QByteArray>
 #include <QString>
@@ -61,6 +62,7 @@ struct Facts
     bool isCompiling = false;
     QString firmware; ///< the file that the modem needs; empty for none
     bool hasFirmware = false;
+    QString firmwarePackage; ///< the distribution's package that has it; empty for none
     std::optional<LineStatus> line;
     std::optional<bool> carrier;
 
@@ -84,6 +86,11 @@ struct Facts
 
     bool isUnicorn() const { return configured.vendor == 0x0483; }
     bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }
+
+    /// Which peer file the configured modem and protocol ask for.
+    PeerKind peerKind() const;
+    /// "VPI.VCI"; empty when not set.
+    QString circuit() const;
 };
 
 /// Looks at everything; takes up to the time-outs of the bus calls.

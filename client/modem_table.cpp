@@ -4,12 +4,12 @@
 const std::vector<ModemFamily> &modemFamilies()
 {
     static const std::vector<ModemFamily> table = {
-        {"Sagem F@st 800 E4", "ueagle-atm", "ueagle-atm/eagleIV.fw", "ueagle-atm",
+        {"Sagem F@st 800 E4", "ueagle-atm", "ueagle-atm/eagleIV.fw", "firmware-misc-nonfree",
             {{0x1110, 0x9041}, {0x1110, 0x9042}}},
-        {"Sagem F@st 800", "ueagle-atm", "ueagle-atm/eagleIII.fw", "ueagle-atm",
+        {"Sagem F@st 800", "ueagle-atm", "ueagle-atm/eagleIII.fw", nullptr,
             {{0x1110, 0x9010}, {0x1110, 0x900F}, {0x1110, 0x9021}, {0x1110, 0x9022},
                 {0x1110, 0x9023}, {0x1110, 0x9024}, {0x1110, 0x9031}, {0x1110, 0x9032}}},
-        {"Thomson Speedtouch 330", "speedtch", "speedtch-2.bin", "speedtch", {{0x06B9, 0x4061}}},
+        {"Thomson Speedtouch 330", "speedtch", "speedtch-2.bin", nullptr, {{0x06B9, 0x4061}}},
         {"ZTE ZXDSL 852", "unicorn_usb_eth", nullptr, nullptr, {{0x0483, 0x0138}}},
         {"CXACRU modem", "cxacru", nullptr, nullptr,
             {{0x0572, 0xCAFE}, {0x0572, 0xCB00}, {0x0572, 0xCB01}, {0x0572, 0xCB02},

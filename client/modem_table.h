@@ -17,7 +17,7 @@ struct ModemFamily
     const char *name;
     const char *driver;
     const char *firmware; ///< a file that must be there below the firmware folder; nullptr for none
-    const char *firmwareHint; ///< where the firmware comes from
+    const char *firmwarePackage; ///< the distribution's package that has it; nullptr for none
     std::vector<UsbId> ids;
 };
 

@@ -4,6 +4,7 @@
 #include "client/say.h"
 
 #include <QRegularExpression>
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -119,6 +120,15 @@ bool hasEntryAtStart(const QByteArray &content)
     return entryOf(content.split('\n').constFirst()).has_value();
 }
 
+QByteArray guardLines()
+{
+    return "# The line above is the account that norvix-daemon changes: it must stay the first of "
+           "this "
+           "file.\n"
+           "# Set it with \"norvixctl account set\". These two lines belong to it and shield what "
+           "follows.";
+}
+
 QByteArray placeholderLogin()
 {
     return "login"; // as in the peer files that are shipped
@@ -129,8 +139,9 @@ QByteArray mendedSecrets(const QByteArray &content)
     const QList<SecretsEntry> entries = secretsEntries(content);
     const SecretsEntry newest
         = entries.isEmpty() ? SecretsEntry{placeholderLogin(), "password"} : entries.constLast();
-    QList<QByteArray> lines = {entryLine(newest)};
-    for (const QByteArray &line : content.split('\n')) {
+    QList<QByteArray> lines = {entryLine(newest), guardLines()};
+    for (const QByteArray &line :
+        QByteArray(content).replace(guardLines() + '\n', "").split('\n')) {
         const auto entry = entryOf(line);
         if (!entry || (entry->login != newest.login && entry->login != placeholderLogin())) {
             lines.append(line);
@@ -171,4 +182,28 @@ QString peerLogin(const QByteArray &content)
         QStringLiteral("^[ \\t]*(?:user|name)[ \\t]+\"?([^\"\\s]+)\"?"),
         QRegularExpression::MultilineOption);
     return pattern.match(QString::fromLatin1(content)).captured(1);
+}
+
+QByteArray peerFromTemplate(
+    const QByteArray &shipped, const QByteArray &login, const QString &circuit)
+{
+    QByteArray made = shipped;
+    if (!login.isEmpty()) {
+        made.replace("\nuser \"" + placeholderLogin() + "\"\n", "\nuser \"" + login + "\"\n");
+    }
+    if (!circuit.isEmpty()) {
+        made.replace("\n8.35\n", '\n' + circuit.toLatin1() + '\n');
+    }
+    return made;
+}
+
+bool isShippedPeer(const QByteArray &content, const QList<QByteArray> &allShipped)
+{
+    static const QRegularExpression circuit(
+        QStringLiteral("^[0-9]+\\.[0-9]+$"), QRegularExpression::MultilineOption);
+    const QByteArray login = peerLogin(content).toLatin1();
+    const QString found = circuit.match(QString::fromLatin1(content)).captured(0);
+    return std::any_of(allShipped.begin(), allShipped.end(), [&](const QByteArray &shipped) {
+        return content == peerFromTemplate(shipped, login, found);
+    });
 }

@@ -23,6 +23,10 @@ bool hasEntryAtStart(const QByteArray &content);
 /// The login of the entry that stands for "no account yet".
 QByteArray placeholderLogin();
 
+/// The comment that stands behind the account at the beginning: the daemon's pattern reaches over
+/// line ends and would take a short entry that follows at once with it.
+QByteArray guardLines();
+
 /// @p content with its newest entry moved to the very beginning and older entries of the same login
 /// left out. Without an entry a placeholder is put there. All other lines are kept.
 QByteArray mendedSecrets(const QByteArray &content);
@@ -41,3 +45,11 @@ QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &
 
 /// The login in the "user" line; empty when there is none.
 QString peerLogin(const QByteArray &content);
+
+/// A peer file as it is shipped, made fit for a login and a circuit ("VPI.VCI"); what is empty
+/// stays as it was shipped.
+QByteArray peerFromTemplate(
+    const QByteArray &shipped, const QByteArray &login, const QString &circuit);
+
+/// Whether a peer file is a shipped one in which nothing but login and circuit has been changed.
+bool isShippedPeer(const QByteArray &content, const QList<QByteArray> &allShipped);

@@ -372,10 +372,6 @@
         <translation>Gespeichert. Die nächste Verbindung benutzt es.</translation>
     </message>
     <message>
-        <source>With PPPoA the circuit that counts stands in /etc/ppp/peers/norvix: the line “%1.%2” behind “plugin pppoatm.so”.</source>
-        <translation>Bei PPPoA gilt, was in /etc/ppp/peers/norvix steht: die Zeile „%1.%2“ hinter „plugin pppoatm.so“.</translation>
-    </message>
-    <message>
         <source>Country</source>
         <translation>Land</translation>
     </message>
@@ -880,10 +876,6 @@
         <translation>%1: %2</translation>
     </message>
     <message>
-        <source>Correct the peer file (norvix-daemon(8) shows one that works).</source>
-        <translation>Berichtigen Sie die Gegenstellendatei (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
-    </message>
-    <message>
         <source>%1 is fine</source>
         <translation>%1 ist in Ordnung</translation>
     </message>
@@ -1248,8 +1240,8 @@
         <translation>Alles prüfen, was eine Verbindung verhindern kann, und die Abhilfe nennen</translation>
     </message>
     <message>
-        <source>mend order and modes of the account files (as root)</source>
-        <translation>Reihenfolge und Rechte der Kontodateien richten (als root)</translation>
+        <source>mend pppd's account and peer files (as root)</source>
+        <translation>die Konto- und Peer-Dateien von pppd richten (als root)</translation>
     </message>
     <message>
         <source>Explain a command</source>
@@ -1522,6 +1514,26 @@
     <message>
         <source>%1 is plugged in, but the daemon does not see it: “norvixctl doctor”</source>
         <translation>%1 ist eingesteckt, aber der Dienst sieht es nicht: „norvixctl doctor“</translation>
+    </message>
+    <message>
+        <source>With PPPoA the circuit that counts stands in /etc/ppp/peers/norvix: the line “%1.%2” behind “plugin pppoatm.so”. “sudo norvixctl doctor --fix” puts it there.</source>
+        <translation>Bei PPPoA zählt der Kanal in /etc/ppp/peers/norvix: die Zeile „%1.%2“ hinter „plugin pppoatm.so“. „sudo norvixctl doctor --fix“ trägt ihn dort ein.</translation>
+    </message>
+    <message>
+        <source>Install the firmware: “sudo apt install %1” (of the component non-free-firmware), then unplug the modem and plug it in again.</source>
+        <translation>Die Firmware installieren: „sudo apt install %1“ (aus der Komponente non-free-firmware), dann das Modem ab- und wieder anstecken.</translation>
+    </message>
+    <message>
+        <source>Let the shipped one be put there: “sudo norvixctl doctor --fix”.</source>
+        <translation>Die mitgelieferte dorthin legen lassen: „sudo norvixctl doctor --fix“.</translation>
+    </message>
+    <message>
+        <source>“sudo norvixctl doctor --fix” puts the shipped one in place of one that nobody has edited; otherwise correct it (norvix-daemon(8) shows one that works).</source>
+        <translation>„sudo norvixctl doctor --fix“ setzt die mitgelieferte an die Stelle einer, die niemand verändert hat; sonst selbst berichtigen (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
+    </message>
+    <message>
+        <source>%1 is now the one for this modem and protocol.</source>
+        <translation>%1 ist jetzt die für dieses Modem und Protokoll.</translation>
     </message>
 </context>
 </TS>

@@ -1,17 +1,23 @@
 # SPDX-License-Identifier: MIT
 """norvixctl doctor with each fault planted in a machine that is otherwise sound."""
 import os
+import re
+import shutil
 
 import pytest
 from norvixctl import FAILED, FAULTS, NOT_PERMITTED, OK, Ctl
 
 from lab.fake_hal import POLICY, FakeHal
+from lab.private_machine import REPOSITORY
 from lab.scenario import end, out, wait_for
 from lab.waiting import wait_until
 
 PEER = ("plugin pppoe.so\nnic-nas0\nuser \"user@isp\"\nnoauth\nnoipdefault\ndefaultroute\n"
         "usepeerdns\nhide-password\nupdetach\nnoipv6\n")
 SECRETS = '"user@isp" * "secret" *\n'
+# As the package writes it, so that its removal knows it again.
+GUARD = re.search("^guard='(.*?)'", (REPOSITORY / "debian/norvix-daemon.postinst").read_text(),
+                  re.MULTILINE | re.DOTALL)[1] + "\n"
 MODULES = ["kernel/drivers/usb/atm/cxacru.ko:", "kernel/drivers/net/ppp/ppp_generic.ko:",
            "kernel/drivers/net/ppp/pppoe.ko:", "kernel/net/atm/pppoatm.ko:",
            "kernel/net/atm/br2684.ko:"]
@@ -89,7 +95,10 @@ FAULTS_PLANTED = {
     "another modem in use": ("modem", "fault", "modem adopt",
                              lambda m: configure(m, vendor_id=0x06B9, product_id=0x4061)),
     "no driver": ("driver", "fault", "no driver cxacru", lambda m: planted_modules(m, "cxacru")),
-    "no firmware": ("firmware", "fault", "1110:9042", lambda m: plug(m, 0x1110, 0x9042)),
+    "firmware that the distribution has": (
+        "firmware", "fault", "apt install firmware-misc-nonfree",
+        lambda m: plug(m, 0x1110, 0x9042)),
+    "no firmware": ("firmware", "fault", "1110:9010", lambda m: plug(m, 0x1110, 0x9010)),
     "firmware refused": ("firmware", "fault", "/lib/firmware", lambda m: m.kernel_log.append(
         "speedtch 1-1:1.0: speedtch_heavy_init: firmware upload failed (-32)!")),
     "line down": ("line", "fault", "telephone cable",
@@ -209,13 +218,57 @@ def test_mending_puts_the_account_first_and_keeps_the_rest_and_a_copy(sound):
     run_all(sound)
     result = Ctl(sound)("doctor", "--fix")
     assert result.status == FAULTS  # no account in the file that was missing
-    assert sound.path(PAP).read_text() == SECRETS + "# comment\nguest isp word\n"
+    assert sound.path(PAP).read_text() == SECRETS + GUARD + "# comment\nguest isp word\n"
     assert sound.path(PAP + ".norvix-backup").read_text() == old
-    assert sound.path(CHAP).read_text() == '"login" * "password" *\n'
+    assert sound.path(CHAP).read_text() == '"login" * "password" *\n' + GUARD
     for name in (PAP, CHAP, PAP + ".norvix-backup"):
         assert sound.path(name).stat().st_mode & 0o777 == 0o600
     again = Ctl(sound)("doctor", "--fix")
     assert again.stderr == ""
+
+
+@pytest.fixture(name="shipped")
+def shipped_fixture(sound):
+    """The shipped peer files where packages put them."""
+    shutil.copytree(REPOSITORY / "packaging/peers", sound.path("/opt/norvix/share") / "peers")
+    return sound
+
+
+def shipped_peer(name):
+    return (REPOSITORY / "packaging/peers" / name).read_text()
+
+
+def test_mending_puts_a_missing_peer_file_there(shipped):
+    shipped.path(PEER_FILE).unlink()
+    Ctl(shipped)("doctor", "--fix")
+    assert shipped.path(PEER_FILE).read_text() == shipped_peer("norvix").replace(
+        'user "login"', 'user "user@isp"')
+    assert shipped.path(PEER_FILE).stat().st_mode & 0o777 == 0o640
+
+
+def test_mending_turns_the_shipped_peer_file_into_that_of_the_protocol(shipped):
+    before = shipped_peer("norvix").replace('user "login"', 'user "user@isp"')
+    shipped.path(PEER_FILE).write_text(before)
+    configure(shipped, protocol="PPPoA", vpi=0, vci=38)
+    Ctl(shipped)("doctor", "--fix")
+    assert shipped.path(PEER_FILE).read_text() == shipped_peer("norvix-pppoa").replace(
+        'user "login"', 'user "user@isp"').replace("\n8.35\n", "\n0.38\n")
+    assert shipped.path(PEER_FILE + ".norvix-backup").read_text() == before
+    assert findings(shipped)["peer"]["verdict"] == "ok"
+    # And back, with a copy of its own.
+    configure(shipped)
+    Ctl(shipped)("doctor", "--fix")
+    assert shipped.path(PEER_FILE).read_text() == before
+    assert "0.38" in shipped.path(PEER_FILE + ".norvix-backup.1").read_text()
+
+
+def test_mending_leaves_a_peer_file_that_somebody_has_edited(shipped):
+    mine = shipped_peer("norvix") + "mtu 1400\n"
+    shipped.path(PEER_FILE).write_text(mine)
+    configure(shipped, protocol="PPPoA")
+    Ctl(shipped)("doctor", "--fix")
+    assert shipped.path(PEER_FILE).read_text() == mine
+    assert findings(shipped)["peer"]["verdict"] == "fault"
 
 
 def test_only_root_may_mend(sound):

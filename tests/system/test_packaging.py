@@ -155,7 +155,7 @@ class Installation:
 
     def run(self, script, *arguments):
         text = (REPOSITORY / "debian" / ("norvix-daemon." + script)).read_text()
-        text = text.replace("/usr/share/norvix/peers", str(PACKAGING / "peers"))
+        text = text.replace("/opt/norvix/share/peers", str(PACKAGING / "peers"))
         self.machine.path("/tmp/" + script).write_text(text)
         result = self.machine.run(["/bin/sh", "/tmp/" + script, *arguments],
                                   env={"PATH": USUAL_PATH})

@@ -5,6 +5,7 @@
 #include "client/pppd_explain.h"
 #include "test_data.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 namespace {
@@ -91,8 +92,39 @@ private slots:
     {
         QFETCH(QByteArray, before);
         QFETCH(QByteArray, after);
+        after.insert(after.indexOf('\n') + 1, guardLines() + '\n');
         QCOMPARE(mendedSecrets(before), after);
         QVERIFY(hasEntryAtStart(after));
+        // Lines that somebody has put above: there is still only one guard.
+        QCOMPARE(mendedSecrets("# above\n" + after).count(guardLines()), 1);
+    }
+
+    void theGuardKeepsShortEntriesApart()
+    {
+        // The pattern with which the daemon finds the account to replace.
+        const QRegularExpression account(
+            QStringLiteral("^\"(.{1,50})\"\\s+\\*\\s+\"(.{1,50})\"\\s+\\*"),
+            QRegularExpression::DotMatchesEverythingOption);
+        const QByteArray mended = mendedSecrets("\"d\" * \"e\" *\n\"a\" * \"b\" *\n");
+        QCOMPARE(account.match(QString::fromLatin1(mended)).captured(0),
+            QStringLiteral("\"a\" * \"b\" *"));
+    }
+
+    void aShippedPeerFileIsFittedAndKnownAgain()
+    {
+        const QByteArray pppoa = "# c\nplugin pppoatm.so\n8.35\nuser \"login\"\nnoauth\n";
+        const QByteArray pppoe = "# c\nplugin pppoe.so\nnic-nas0\nuser \"login\"\nnoauth\n";
+        const QList<QByteArray> shipped = {pppoe, pppoa};
+        const QByteArray fitted = peerFromTemplate(pppoa, "me@isp", QStringLiteral("0.38"));
+        QCOMPARE(fitted, QByteArray("# c\nplugin pppoatm.so\n0.38\nuser \"me@isp\"\nnoauth\n"));
+        QCOMPARE(peerFromTemplate(pppoa, "", QString()), pppoa);
+        for (const QByteArray &ours : {fitted, pppoa, pppoe, peerFromTemplate(pppoe, "x", {})}) {
+            QVERIFY(isShippedPeer(ours, shipped));
+        }
+        for (const QByteArray &others :
+            {fitted + "mtu 1400\n", QByteArray("plugin pppoatm.so\n"), QByteArray()}) {
+            QVERIFY(!isShippedPeer(others, shipped));
+        }
     }
 
     void peerFilesAreJudged_data()
