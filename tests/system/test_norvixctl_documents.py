@@ -181,3 +181,48 @@ def test_everything_is_translated_to_german(tmp_path):
 def test_the_program_in_the_machine_is_the_one_that_was_checked(machine):
     assert machine.path(PROGRAM).read_bytes() == CTL.read_bytes()
     assert Ctl(machine)("--version").stdout.startswith("norvixctl ")
+
+
+# ---- pages for the user
+
+GUIDES = ["README.md", "docs/first-connection.md", "docs/pppoe-and-pppoa.md", "docs/driver-build.md",
+          "docs/troubleshooting.md"]
+
+
+def calls_in(text):
+    """The calls of norvixctl that a page shows, each as a list of words."""
+    shown = re.findall(r"`((?:sudo )?norvixctl [^`]*)`", text)
+    for block in re.findall(r"^```sh\n(.*?)^```", text, re.MULTILINE | re.DOTALL):
+        shown += [line.split("#")[0] for line in block.splitlines()]
+    calls = [call.replace("sudo ", "").split() for call in shown]
+    return [call[1:] for call in calls if call[:1] == ["norvixctl"]]
+
+
+@pytest.mark.parametrize("name", GUIDES)
+def test_the_pages_show_only_commands_and_options_that_exist(name):
+    table = {tuple(command["command"].split()): command for command in commands()}
+    calls = calls_in((REPOSITORY / name).read_text(encoding="utf-8"))
+    assert calls or name == "docs/troubleshooting.md"
+    for call in calls:
+        known = next((table[tuple(call[:length])] for length in (2, 1)
+                      if tuple(call[:length]) in table), None)
+        assert known, call
+        options = {"--" + option["name"] for option in known["options"]} | {"--json", "--terse"}
+        assert {word for word in call if word.startswith("--")} <= options, call
+
+
+@pytest.mark.parametrize("name", GUIDES)
+def test_the_pages_link_to_what_is_there(name):
+    page_of = REPOSITORY / name
+    targets = re.findall(r"\]\(([^)#:]+)\)", page_of.read_text(encoding="utf-8"))
+    assert [target for target in targets if not (page_of.parent / target).exists()] == []
+
+
+@pytest.mark.parametrize("front", ["install", "demo", "check"])
+def test_the_fronts_have_the_options_that_the_pages_show(front):
+    told = subprocess.run([REPOSITORY / front, "--help"], check=True, capture_output=True,
+                          text=True).stdout
+    for name in GUIDES + ["CONTRIBUTING.md"]:
+        text = (REPOSITORY / name).read_text(encoding="utf-8")
+        for shown in re.findall(r"\./%s((?: --[a-z-]+)*)" % front, text):
+            assert all(option in told for option in shown.split()), shown
