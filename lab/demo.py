@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The demonstration: one connection in a private machine, told as it happens."""
+"""The demonstration: a new modem's first connection in a private machine, told as it happens."""
 import argparse
 import itertools
 import os
@@ -8,22 +8,24 @@ import sys
 import time
 from pathlib import Path
 
+from . import hal_companion
 from .bus_client import INTERFACE
+from .hal_companion import HalCompanion
+from .modem_families import FAMILIES, TRAINED_AFTER, identity, up_line
 from .private_machine import PrivateMachine
 from .signal_text import size, state, text_of
+from .simulated_usb import SimulatedUsb
 
 HELP = Path(__file__).with_name("demo-help.txt")
-UNICORN, CXACRU = (1155, 312), (1394, 51968)  # vendor and product ids of modems
 UPLOAD_RATES = (20_000, 45_000, 33_000, 60_000)  # bytes per second, in turn
 DOWNLOAD_PER_UPLOAD = 8
 # Deadlines in seconds. The daemon itself gives up after 35 s without a line; pppd follows.
 UNTIL_RESULT, UNTIL_ENDED = 60, 15
 TICK_DEADLINE = 5  # the daemon reports once a second
 SUCCESS, FAILED, INTERRUPTED = 0, 1, 130
-# What the driver says while the line trains, with the seconds since it began.
-TRAINING = ((0, "initializing"), (1, "attempting to activate"), (3, "training"),
-            (5, "channel analysis"), (6, "exchange"))
-TRAINED_AFTER = 7
+UNTIL_NOTICED = 30  # a modem is announced five seconds after its last sign of life
+FIRMWARE_SECONDS = 1
+PORT = "1-1"
 
 
 class Failed(Exception):
@@ -84,7 +86,8 @@ class Teller:
 
 def parse(arguments):
     parser = argparse.ArgumentParser(prog="demo", add_help=False, allow_abbrev=False)
-    parser.add_argument("--protocol", choices=("pppoe", "pppoa", "unicorn"), default="pppoe")
+    parser.add_argument("--modem", choices=tuple(FAMILIES), default="cxacru")
+    parser.add_argument("--protocol", choices=("pppoe", "pppoa"), default="pppoe")
     parser.add_argument("--line", choices=("up", "trains", "never"), default="up")
     provider = parser.add_mutually_exclusive_group()
     provider.add_argument("--wrong-password", action="store_true")
@@ -96,6 +99,8 @@ def parse(arguments):
     options = parser.parse_args(arguments)
     if options.seconds < 1:
         parser.error("--seconds: at least 1")
+    if options.modem == "unicorn" and options.protocol == "pppoa":
+        parser.error("the unicorn modem has an Ethernet interface of its own: no --protocol pppoa")
     return options
 
 
@@ -105,7 +110,8 @@ class Demo:
     def __init__(self, options, machine, teller, interrupts):
         self.options, self.machine, self.tell = options, machine, teller.tell
         self.check = interrupts.check
-        self.vendor, self.product = UNICORN if options.protocol == "unicorn" else CXACRU
+        self.modem = FAMILIES[options.modem]
+        self.is_unicorn = options.modem == "unicorn"
         self.rates = itertools.cycle(UPLOAD_RATES)
         self.position = 0  # of the next signal to be told
         self.output_told = 0
@@ -116,30 +122,27 @@ class Demo:
     def run(self):
         self.prepare()
         self.start()
+        self.plug_modem()
         expected = self.expected_result()
+        self.begin_training()
         self.call("establishConnection")
         self.tell_until(expected, UNTIL_RESULT)
         if expected == "connectionEstablished":
             self.stay_connected()
-            self.disconnect()
-            self.tell("result", "connected and disconnected",
+            self.unplug_modem()
+            self.tell("result", "connected and unplugged",
                       "%s received, %s sent" % tuple(map(size, self.totals)))
         else:
             self.tell_until("connectionState", UNTIL_ENDED)
             self.tell("result", "not connected", "as it was asked for")
 
     def prepare(self):
-        """Plugs the simulated modem in and puts the provider behind it."""
+        """What an administrator has set, and the provider behind the line. No modem is known."""
         protocol = "PPPoE" if self.options.protocol == "pppoe" else "PPPoA"
-        self.machine.settings(protocol=protocol, vpi=8, vci=35, vendor_id=self.vendor,
-                              product_id=self.product)
+        self.machine.settings(protocol=protocol, vpi=8, vci=35)
         self.machine.pppd.play(**self.provider())
-        if self.options.protocol == "unicorn":
-            self.machine.run(["ip", "link", "add", "dsl0", "type", "veth", "peer", "dsl0-far"])
-        if self.options.line == "up":
-            self.machine.kernel_log.line_up(self.vendor)
-        else:
-            self.machine.kernel_log.append("usb 1-1: new full-speed USB device")
+        self.machine.kernel_log.append("usb usb1: Product: EHCI Host Controller")
+        hal_companion.prepare(self.machine)
         self.tell("lab", "private machine", "own processes, network, files, system bus")
 
     def provider(self):
@@ -152,7 +155,7 @@ class Demo:
         else:
             play = {"recording": "i1-pppoa-success" if atm else "h1-pppoe-over-real-nas0",
                     "mode": "updetach", "answers": DOWNLOAD_PER_UPLOAD}
-        device = "dsl0" if self.options.protocol == "unicorn" else None
+        device = "dsl0" if self.is_unicorn else None
         return {"speed": 1.5, "device": device, **play}
 
     def expected_result(self):
@@ -166,16 +169,50 @@ class Demo:
         return "connectionEstablished"
 
     def start(self):
-        self.machine.start_bus()
+        self.machine.start_bus(policies=[hal_companion.POLICY])
+        self.usb = SimulatedUsb(self.machine)
+        self.companion = HalCompanion(self.machine, self.usb).process
+        self.tell("lab", "norvix-hald", "tells what is plugged in")
         self.daemon = self.machine.start_daemon(*(["--debug"] if self.options.verbose else []))
+        # The last line of its start: from now on it hears of modems.
+        self.daemon.wait_for_log("debugHandler: i: ")
         self.tell("lab", "norvix-daemon", "answers on the system bus")
         self.client = self.machine.client()
         self.position = len(self.client.signals)
+
+    def plug_modem(self):
+        """Plugs the modem in, lets its driver give it its firmware, and takes it into use."""
+        modem = self.modem
+        first = modem.product_before or modem.product
+        self.tell("lab", "modem", "plugged in: " + identity(modem.vendor, first))
+        self.path = self.usb.plug(PORT, modem.vendor, first, serial=modem.serial,
+                                  interfaces=modem.interfaces)
+        if modem.product_before:
+            self.tell_for(FIRMWARE_SECONDS)
+            self.re_enumerate()
+        if self.is_unicorn:
+            self.machine.run(["ip", "link", "add", "dsl0", "type", "veth", "peer", "dsl0-far"])
+        if self.options.line == "up":
+            self.machine.kernel_log.append(up_line(modem))
+            self.tell("line", up_line(modem))
+        self.tell_until("newModemPlugged", UNTIL_NOTICED)
+        self.call("useNewModem")
+        self.tell_until("modemPlugged", UNTIL_RESULT)
+
+    def re_enumerate(self):
+        """With its firmware the modem leaves the bus and comes back under another number."""
+        modem = self.modem
+        goes = self.usb.remove_requests(self.path)
+        self.usb.many(goes, self.usb.add_requests(PORT, modem.vendor, modem.product,
+                                                  serial=modem.serial, interfaces=modem.interfaces))
+        self.tell("lab", "modem",
+                  "has its firmware and is back as " + identity(modem.vendor, modem.product))
+
+    def begin_training(self):
         if self.options.line == "trains":
             now = time.monotonic()
-            self.training = [(now + after, "ATM dev 0: ADSL line: " + text)
-                             for after, text in TRAINING]
-            self.training.append((now + TRAINED_AFTER, None))
+            self.training = [(now + after, line) for after, line in self.modem.training]
+            self.training.append((now + TRAINED_AFTER, up_line(self.modem)))
 
     def call(self, method):
         self.tell("call", method)
@@ -199,6 +236,8 @@ class Demo:
         if not came:
             if not self.daemon.running():
                 raise Failed("the daemon has ended by itself")
+            if self.companion.ended():
+                raise Failed("norvix-hald has ended by itself")
             return None
         self.position += 1
         if came.interface != INTERFACE:
@@ -217,12 +256,14 @@ class Demo:
         """Lets the driver say what the line does, when its time has come."""
         while self.training and self.training[0][0] <= time.monotonic():
             _, line = self.training.pop(0)
-            if line and self.vendor == CXACRU[0]:
-                self.machine.kernel_log.append(line)
-                self.tell("line", line)
-            elif not line:
-                self.machine.kernel_log.line_up(self.vendor)
-                self.tell("line", "the line is up")
+            self.machine.kernel_log.append(line)
+            self.tell("line", line)
+
+    def tell_for(self, seconds):
+        """Tells everything that happens in that time."""
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            self.tell_next(min(0.1, end - time.monotonic()))
 
     def tell_daemon_output(self):
         if not self.options.verbose:
@@ -244,9 +285,16 @@ class Demo:
         if not self.moved and self.options.seconds > TICK_DEADLINE:
             raise Failed("the daemon has reported no traffic")
 
-    def disconnect(self):
-        self.call("terminateConnection")
-        self.tell_until("connectionTerminated", UNTIL_ENDED)
+    def unplug_modem(self):
+        self.tell("lab", "modem", "unplugged")
+        self.usb.unplug(self.path)
+        expected = {"connectionTerminated", "modemUnplugged"}
+        deadline = time.monotonic() + UNTIL_ENDED
+        while expected and time.monotonic() < deadline:
+            came = self.tell_next(0.1)
+            expected.discard(came.name if came else None)
+        if expected:
+            raise Failed("expected and did not come: " + ", ".join(sorted(expected)))
         number = self.call("getConnectionState")
         self.tell("lab", "answer", state(number))
         if number != 2:

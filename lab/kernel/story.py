@@ -8,19 +8,19 @@ import time
 
 from ..bus_client import INTERFACE
 from ..demo import Failed, Teller
+from ..modem_families import FAMILIES_OF_THE_KERNEL
 from ..signal_text import state, text_of
 from . import chain as world
 from . import system
 from .modems.line import TRAINING
 
-MODEMS = ("cxacru", "speedtch", "eagle-e4", "eagle")
 UNTIL_RESULT, UNTIL_ENDED = 150, 30
 
 
 def parser():
     """The options, which the outside understands too."""
     options = argparse.ArgumentParser(prog="demo --real-kernel")
-    options.add_argument("--modem", choices=MODEMS, default="cxacru")
+    options.add_argument("--modem", choices=FAMILIES_OF_THE_KERNEL, default="cxacru")
     options.add_argument("--protocol", choices=("pppoe", "pppoa"), default="pppoe")
     options.add_argument("--seconds", type=int, default=8)
     options.add_argument("--no-install", action="store_true")  # the front has seen to it

@@ -4,6 +4,7 @@ import os
 import re
 import signal
 import subprocess
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import pytest
@@ -54,12 +55,15 @@ def order_of(told, *texts):
 SCENARIOS = {
     "plain": ["--seconds", "3"],
     "pppoa": ["--seconds", "1", "--protocol", "pppoa", "--verbose"],
-    "unicorn": ["--seconds", "1", "--protocol", "unicorn", "--verbose"],
-    "trains": ["--seconds", "1", "--line", "trains", "--protocol", "pppoa"],
+    "eagle-e4": ["--seconds", "1", "--modem", "eagle-e4"],
+    "eagle": ["--seconds", "1", "--modem", "eagle", "--protocol", "pppoa"],
+    "speedtch": ["--seconds", "1", "--modem", "speedtch", "--line", "trains"],
+    "unicorn": ["--seconds", "1", "--modem", "unicorn", "--verbose"],
+    "cxacru": ["--seconds", "1", "--modem", "cxacru", "--line", "trains", "--protocol", "pppoa"],
     "never": ["--line", "never"],
     "wrong password pppoe": ["--wrong-password", "--protocol", "pppoe"],
     "wrong password pppoa": ["--wrong-password", "--protocol", "pppoa"],
-    "wrong password unicorn": ["--wrong-password", "--protocol", "unicorn"],
+    "wrong password unicorn": ["--wrong-password", "--modem", "unicorn"],
     "no concentrator pppoe": ["--no-concentrator"],
     "no concentrator pppoa": ["--no-concentrator", "--protocol", "pppoa"],
 }
@@ -76,21 +80,45 @@ def plays():
 
 
 def outcome(demo):
-    """What a run that has to succeed printed."""
-    told = ending(demo)
+    """What a run that has to succeed printed; several tests may look at it."""
+    if not hasattr(demo, "told"):
+        demo.told = ending(demo)
+    told = demo.told
     assert demo.returncode == 0, told
     assert leftovers(demo.pid) == []
     return told
 
 
-def test_a_connection_is_told_from_its_beginning_to_its_end(plays):
-    order_of(outcome(plays["plain"]), "call +establishConnection", "establishingConnection",
-             "connectionEstablished", r"IP +the address is 10\.64\.0\.100",
+def test_a_first_connection_is_told_from_plugging_to_unplugging(plays):
+    order_of(outcome(plays["plain"]), "norvix-hald", r"modem +plugged in: 0572:cb00",
+             "newModemPlugged +a new modem: CXACRU modem", "call +useNewModem",
+             "modemPlugged +modem: CXACRU modem", "call +establishConnection",
+             "establishingConnection", "connectionEstablished",
+             r"IP +the address is 10\.64\.0\.100",
              "default route leads through ppp0", r"transmissionBytes +[\d.]+ kB received",
              "connected for 00:00:0",
              r"transmissionSpeed +[1-9][\d.]* kB/s down, [1-9][\d.]* kB/s up",
-             "call +terminateConnection", "connectionTerminated", "not connected",
-             r"connected and disconnected +[1-9]")
+             "modem +unplugged", "connectionTerminated", "modemUnplugged", "not connected",
+             r"connected and unplugged +[1-9]")
+
+
+NAMES = {"eagle-e4": "Sagem F@st 800 E4", "eagle": "Sagem F@st 800", "unicorn": "ZTE ZXDSL 852",
+         "speedtch": "Thomson Speedtouch 330", "cxacru": "CXACRU modem"}
+
+
+@pytest.mark.parametrize("family", NAMES)
+def test_each_family_is_recognised_connected_and_unplugged(plays, family):
+    told = outcome(plays[family])
+    order_of(told, "newModemPlugged +a new modem: %s\n" % NAMES[family], "connectionEstablished",
+             "modemUnplugged", "connected and unplugged")
+    assert told.count("newModemPlugged") == 1
+
+
+@pytest.mark.parametrize("family, before, after",
+                         [("eagle-e4", 0x9042, 0x9041), ("eagle", 0x9010, 0x900F)])
+def test_a_modem_that_wants_firmware_comes_back_under_another_number(plays, family, before, after):
+    order_of(outcome(plays[family]), "plugged in: 1110:%04x" % before,
+             "is back as 1110:%04x" % after, "newModemPlugged")
 
 
 def test_ppp_over_atm_uses_no_bridge(plays):
@@ -105,8 +133,10 @@ def test_the_unicorn_modem_brings_its_own_interface_up(plays):
 
 
 def test_a_line_that_trains_first_is_waited_for(plays):
-    order_of(outcome(plays["trains"]), "synchronizing", "line +ATM dev 0: ADSL line: training",
-             "the line is up", "connectionEstablished")
+    order_of(outcome(plays["cxacru"]), "synchronizing", "line +ATM dev 0: ADSL line: training",
+             "ADSL line: up", "connectionEstablished")
+    order_of(outcome(plays["speedtch"]), "synchronizing", "ADSL line is synchronising",
+             "ADSL line is up", "connectionEstablished")
 
 
 @pytest.mark.parametrize("protocol", ["pppoe", "pppoa", "unicorn"])
@@ -127,22 +157,38 @@ def test_a_silent_far_end_of_ppp_over_atm_ends_without_a_connection(plays):
 
 
 # Where in its course the demo is interrupted: at its very start, and behind these lines.
-MOMENTS = [None, "private machine", "establishingConnection", "connectionEstablished",
-           "transmissionSpeed", "terminateConnection"]
+MOMENTS = [None, "private machine", "plugged in", "establishingConnection",
+           "connectionEstablished", "transmissionSpeed", "modem                   unplugged"]
 
 
-@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
-@pytest.mark.parametrize("moment", MOMENTS)
-def test_an_interrupt_ends_it_cleanly_at_any_time(moment, number):
-    demo = start("--seconds", "2", "--protocol", "pppoa")
+INTERRUPTS = [(moment, number) for moment in MOMENTS for number in (signal.SIGINT, signal.SIGTERM)]
+
+
+def interrupt(demo, moment, number):
+    """Sends a signal at a moment; returns what the demo then still prints."""
     if moment is None:
         wait_until(lambda: leftovers(demo.pid), what="the machine is being made")
     for line in demo.stdout if moment else ():
         if moment in line:
             break
     demo.send_signal(number)
-    rest = ending(demo)
-    assert demo.returncode == 130 or (moment == "terminateConnection" and demo.returncode == 0), rest
+    return ending(demo)
+
+
+@pytest.fixture(scope="module")
+def interrupted():
+    """All of them at once: each mostly waits for its moment."""
+    with ThreadPoolExecutor(len(INTERRUPTS)) as pool:
+        demos = [start("--seconds", "2", "--protocol", "pppoa") for _ in INTERRUPTS]
+        rests = [pool.submit(interrupt, demo, *when) for demo, when in zip(demos, INTERRUPTS)]
+        yield {when: (demo, rest.result(PATIENCE))
+               for when, demo, rest in zip(INTERRUPTS, demos, rests)}
+
+
+@pytest.mark.parametrize("moment, number", INTERRUPTS)
+def test_an_interrupt_ends_it_cleanly_at_any_time(interrupted, moment, number):
+    demo, rest = interrupted[moment, number]
+    assert demo.returncode == 130 or (moment == MOMENTS[-1] and demo.returncode == 0), rest
     assert "Traceback" not in rest
     assert leftovers(demo.pid) == []
 
@@ -201,16 +247,38 @@ def test_a_daemon_that_is_not_built_is_an_error():
     failed = subprocess.run(["/usr/bin/python3", "-B", "-m", "lab.demo"], cwd=REPOSITORY,
                             env=environment, capture_output=True, text=True, timeout=PATIENCE)
     assert failed.returncode == 1
-    assert "norvix-daemon" in failed.stderr
+    assert "/opt/norvix/bin/norvix-" in failed.stderr
+
+
+def test_a_companion_that_dies_is_an_error():
+    demo = start("--seconds", "30")
+    for line in demo.stdout:
+        if "norvix-hald" in line:
+            break
+    [companion] = processes_of(demo, "norvix-hald")
+    os.kill(companion, signal.SIGKILL)
+    told = ending(demo)
+    assert demo.returncode == 1
+    assert "norvix-hald has ended by itself" in told
+    assert leftovers(demo.pid) == []
 
 
 def test_help_names_every_option():
     told = subprocess.run([REPOSITORY / "demo", "--help"], capture_output=True, text=True, check=True)
+    for family in NAMES:
+        assert family in told.stdout
     source = (REPOSITORY / "lab" / "demo.py").read_text(encoding="utf-8")
     options = re.findall(r'add_argument\([^)]*?"(--[a-z-]+)"', source)
     assert len(options) > 6
     for option in options:
         assert option in told.stdout
+
+
+def test_a_modem_without_atm_can_not_do_ppp_over_atm():
+    demo = start("--modem", "unicorn", "--protocol", "pppoa")
+    told, _ = demo.communicate(timeout=PATIENCE)
+    assert demo.returncode == 2
+    assert "Ethernet interface of its own" in told
 
 
 def test_an_unknown_option_is_refused():
