@@ -124,7 +124,7 @@ static void tell(DBusConnection *bus, struct udev_device *device)
 int main(void)
 {
     struct udev *udev = udev_new();
-    struct udev_monitor *monitor = udev_monitor_new_from_netlink(udev, "kernel");
+    struct udev_monitor *monitor = udev_monitor_new_from_netlink(udev, "udev");
     DBusConnection *bus = dbus_bus_get_private(DBUS_BUS_SYSTEM, NULL);
     struct pollfd waiting[2] = {{.events = POLLIN}, {.events = POLLIN}};
 
