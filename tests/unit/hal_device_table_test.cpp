@@ -97,6 +97,14 @@ private slots:
         QCOMPARE(plug(&table, device("1-1")), QStringList("+" + modem));
     }
 
+    void an_interface_that_left_unheard_while_waiting_does_not_come()
+    {
+        hal::DeviceTable table;
+        plug(&table, interface("1-1", 0));
+        QCOMPARE(told(table.reconcile({})), QStringList());
+        QCOMPARE(plug(&table, device("1-1")), QStringList("+" + modem));
+    }
+
     void an_interface_knows_its_device_and_its_ids()
     {
         hal::DeviceTable table;
