@@ -1,0 +1,201 @@
+# SPDX-License-Identifier: MIT
+"""Installing on a clean Debian, both ways; what is there then, and what removal leaves."""
+import re
+import subprocess
+
+import pytest
+from conftest import USER
+
+OURS = ("norvix-daemon", "norvix-hald", "norvixctl", "libnorvix-support")
+PLACES = ("/opt", "/etc/ppp", "/etc/dbus-1", "/etc/logrotate.d", "/var/log/norvix",
+          "/usr/share/dbus-1", "/usr/share/norvix", "/usr/lib/sysusers.d", "/usr/lib/tmpfiles.d",
+          "/usr/lib/modules-load.d", "/etc/systemd/system", "/usr/bin/norvixctl")
+# What package tools keep for themselves.
+BOOKS = ("/var/lib/dpkg", "/var/lib/apt", "/var/cache", "/var/log/apt", "/var/log/dpkg.log",
+         "/var/log/alternatives.log", "/etc/ld.so.cache", "/proc", "/sys", "/dev", "/run", "/tmp",
+         "/root", "/home", "/var/lib/systemd", "/etc/.pwd.lock", "/var/log/journal",
+         "/var/log/faillog", "/var/log/lastlog")
+PAP, CHAP = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"
+SETTINGS, POLICY = "/opt/norvix/.daemon_ng.ini", "/etc/dbus-1/system.d/norvix.conf"
+
+
+def apt(system, *words, **options):
+    return system.run("apt-get", "-q", "-y", "-o", "Dpkg::Options::=--force-confdef", "-o",
+                      "Dpkg::Options::=--force-confold", *words, **options).output
+
+
+def install(system, give, folder=None):
+    apt(system, "update")
+    names = give(system, folder) if folder else give(system)
+    return apt(system, "install", *names, cwd="/root")
+
+
+def ids(system):
+    """Names of groups by their ids, which differ from one installation to the next."""
+    lines = system.path("/etc/group").read_text(encoding="ascii").splitlines()
+    return {line.split(":")[2]: line.split(":")[0] for line in lines}
+
+
+def result(system):
+    """All that an installation has made, with owners by name."""
+    names = ids(system)
+    return {path: (mode, owner, names[group], *rest)
+            for path, (mode, owner, group, *rest) in system.files(*PLACES).items()}
+
+
+def test_what_is_installed_has_the_owners_and_modes_it_needs(from_clone):
+    found = result(from_clone)
+    facts = {path: found[path][:3] for path in (
+        "/opt/norvix", "/opt/norvix/drivers", "/opt/norvix/bin/norvix-daemon", SETTINGS,
+        "/var/log/norvix", PAP, CHAP, "/etc/ppp/peers/norvix", "/etc/ppp/peers/norvix_unicorn")}
+    assert facts == {
+        "/opt/norvix": ("drwxr-sr-x", "0", "norvix"),
+        "/opt/norvix/drivers": ("drwxr-xr-x", "0", "root"),
+        "/opt/norvix/bin/norvix-daemon": ("-rwxr-xr-x", "0", "root"),
+        SETTINGS: ("-rw-rw----", "0", "norvix"),
+        "/var/log/norvix": ("drwxr-s---", "0", "norvix"),
+        PAP: ("-rw-------", "0", "root"), CHAP: ("-rw-------", "0", "root"),
+        "/etc/ppp/peers/norvix": ("-rw-r-----", "0", "dip"),
+        "/etc/ppp/peers/norvix_unicorn": ("-rw-r-----", "0", "dip")}
+    for name in ("br2684ctl_amd64", "br2684ctl_i386"):
+        assert found["/opt/norvix/bin/" + name][-1] == "/usr/sbin/br2684ctl"
+    for name in (PAP, CHAP):
+        text = from_clone.path(name).read_text(encoding="ascii")
+        backup = from_clone.path(name + ".norvix-backup").read_text(encoding="ascii")
+        assert text.startswith('"login" * "password" *\n') and text.endswith(backup)
+    assert from_clone.run("norvixctl", "--version", user=USER).output.startswith("norvixctl ")
+    assert "norvix" in from_clone.run("id", "-nG", USER).output.split()
+
+
+def test_units_start_at_boot_and_are_sound(from_clone):
+    for name in ("norvix-daemon", "norvix-hald"):
+        assert from_clone.run("systemctl", "is-enabled", name + ".service").output == "enabled\n"
+        said = from_clone.run("systemd-analyze", "verify", name + ".service").output
+        assert name not in said, said
+    for name, most in (("norvix-daemon", 6.5), ("norvix-hald", 1.5)):
+        said = from_clone.run("systemd-analyze", "security", "--offline=true", "--no-pager",
+                              name + ".service").output
+        assert float(re.search(r"exposure level.*: ([0-9.]+)", said)[1]) <= most
+
+
+def test_manual_pages_and_completion_are_found(from_clone):
+    for page in ("norvixctl", "norvix-daemon", "norvix-hald", "norvix-daemon.ini",
+                 "com.norvix.Daemon"):
+        assert "NAME" in from_clone.run("man", page).output
+    assert from_clone.path("/usr/share/bash-completion/completions/norvixctl").exists()
+
+
+def test_a_second_installation_is_harmless(from_clone):
+    before = result(from_clone)
+    clone = "/home/%s/norvix" % USER
+    told = from_clone.run("sudo", "./install", "--yes", user=USER, cwd=clone, timeout=1800).output
+    assert "Installed." in told
+    assert result(from_clone) == before
+
+
+def test_wrong_options_and_users_are_refused_before_anything_is_done(from_clone):
+    clone = "/home/%s/norvix" % USER
+    assert from_clone.run("./install", "--frobnicate", cwd=clone, check=False).status == 2
+    refused = from_clone.run("./install", "--user", "nobody-there", cwd=clone, check=False)
+    assert refused.status == 1 and "there is no user nobody-there" in refused.output
+    refused = from_clone.run("./install", user=USER, cwd=clone, check=False)
+    assert refused.status == 1 and "sudo ./install" in refused.output
+
+
+def test_the_packages_are_sound(packages):
+    files = sorted(packages.glob("*.deb"))
+    assert len(files) == len(OURS)
+    said = subprocess.run(["lintian", "--allow-root", *files], stdout=subprocess.PIPE, check=False,
+                          stderr=subprocess.STDOUT, text=True, timeout=300).stdout
+    assert said == "" or said == "running with root privileges is not recommended!\n"
+
+
+def test_apt_gives_the_same_as_the_clone(from_clone, system, give):
+    install(system, give)
+    assert result(system) == result(from_clone)
+    assert system.run("dpkg", "-V", *OURS).output == ""
+
+
+def test_a_purge_takes_everything_back(system, give):
+    before = system.files("/", without=BOOKS)
+    install(system, give)
+    told = apt(system, "purge", *OURS)
+    assert "left" not in told
+    names = {line.split(":")[0] for name in ("/etc/group", "/etc/passwd")
+             for line in system.path(name).read_text(encoding="ascii").splitlines()}
+    assert not names & {"norvix", "norvix-hal"}
+    apt(system, "autoremove", "--purge")
+    after = system.files("/", without=BOOKS)
+    assert {path for path in after if path not in before and "norvix" in path} == set()
+    # What package tools and dependencies leave; nothing of ours.
+    left = {path for path in after if path not in before}
+    assert {path for path in left if not path.startswith(("/var/", "/etc/ppp"))} == set()
+
+
+def test_removal_by_the_clone_says_what_it_leaves(system, give):
+    install(system, give)
+    for name in (PAP, CHAP):
+        text = system.path(name).read_text(encoding="ascii")
+        system.write(name, text.replace('"login" * "password"', '"me@isp" * "mine"'), 0o600)
+    system.path("/opt/norvix/drivers/unicorn-neo.tar").write_bytes(b"mine")
+    told = system.run("sudo", "/run/repository/install", "--remove", user=USER).output
+    for name in (PAP, CHAP, PAP + ".norvix-backup", "/opt/norvix/drivers"):
+        assert name in told, told
+    assert system.path(PAP).read_text(encoding="ascii").startswith('"me@isp" * "mine" *\n')
+    assert system.path("/opt/norvix/drivers/unicorn-neo.tar").exists()
+    assert not system.path("/opt/norvix/bin").exists() and not system.path(SETTINGS).exists()
+    again = system.run("sudo", "/run/repository/install", "--remove", user=USER).output
+    assert "Nothing of norvix is installed" in again
+
+
+def test_removal_without_purge_keeps_the_configuration(system, give):
+    install(system, give)
+    system.path(SETTINGS).write_text("[General]\nvpi=8\n", encoding="ascii")
+    apt(system, "remove", *OURS)
+    assert system.path(SETTINGS).read_text(encoding="ascii") == "[General]\nvpi=8\n"
+    assert system.path(PAP).read_text(encoding="ascii").startswith('"login"')
+    install(system, give)
+    assert system.path(SETTINGS).read_text(encoding="ascii") == "[General]\nvpi=8\n"
+    assert system.path(PAP).read_text(encoding="ascii").count('"login"') == 1
+
+
+@pytest.fixture
+def earlier(packages, tmp_path):
+    """The same packages as an earlier version, with another bus policy."""
+    folder = tmp_path / "earlier"
+    folder.mkdir()
+    for file in packages.glob("*.deb"):
+        tree = tmp_path / file.stem
+        subprocess.run(["dpkg-deb", "-R", file, tree], check=True)
+        control = tree / "DEBIAN/control"
+        text = control.read_text(encoding="utf-8")
+        control.write_text(text.replace("Version: 0.1.0", "Version: 0.0.9").replace(
+            "(= 0.1.0)", "(= 0.0.9)"), encoding="utf-8")
+        policy = tree / POLICY[1:]
+        if policy.exists():
+            policy.write_text(policy.read_text(encoding="utf-8") + "<!-- earlier -->\n",
+                              encoding="utf-8")
+        subprocess.run(["dpkg-deb", "-b", tree, folder], check=True, stdout=subprocess.DEVNULL)
+    return folder
+
+
+@pytest.mark.parametrize("is_edited", (False, True))
+def test_an_upgrade_keeps_account_settings_and_edited_policy(system, give, earlier, is_edited):
+    install(system, give, earlier)
+    assert "earlier" in system.path(POLICY).read_text(encoding="utf-8")
+    for name in (PAP, CHAP):
+        text = system.path(name).read_text(encoding="ascii")
+        system.write(name, text.replace('"login" * "password"', '"me@isp" * "mine"'), 0o600)
+    system.path(SETTINGS).write_text("[General]\nvpi=8\nvci=35\n", encoding="ascii")
+    peer = system.path("/etc/ppp/peers/norvix")
+    peer.write_text(peer.read_text(encoding="ascii") + "mtu 1400\n", encoding="ascii")
+    if is_edited:
+        policy = system.path(POLICY)
+        policy.write_text(policy.read_text(encoding="utf-8") + "<!-- mine -->\n", encoding="utf-8")
+    kept = {name: system.path(name).read_bytes() for name in (PAP, CHAP, SETTINGS,
+                                                              "/etc/ppp/peers/norvix")}
+    install(system, give)
+    assert "0.1.0" in system.run("dpkg-query", "-W", "norvix-daemon").output
+    assert {name: system.path(name).read_bytes() for name in kept} == kept
+    text = system.path(POLICY).read_text(encoding="utf-8")
+    assert ("mine" in text) == is_edited and ("earlier" in text) == is_edited
