@@ -25,7 +25,8 @@ def ctl(system, *words, user=USER, **options):
 
 
 def test_a_call_starts_the_daemon_and_its_companion(running):
-    assert ctl(running, "connect").status == 0 or True
+    running.run("dbus-send", "--system", "--print-reply", "--dest=com.norvix.Daemon",
+                "/com/norvix/Daemon", "com.norvix.Daemon.reply", user=STRANGER)
     assert json.loads(ctl(running, "status", "--json").output)["daemon"]["running"] is True
     told = running.run("ps", "-eo", "user:20,args").output
     assert "/opt/norvix/bin/norvix-daemon" in told
@@ -56,7 +57,7 @@ def test_the_check_up_finds_nothing_wrong_with_the_installation(running):
 def test_a_stranger_may_look_but_not_change(running):
     assert ctl(running, "status", user=STRANGER).status == 0
     for words in (("connect",), ("disconnect",), ("account", "show"), ("autoconnect", "on"),
-                  ("line", "set", "--vpi", "1"), ("log",)):
+                  ("line", "set", "--vpi", "1")):
         refused = ctl(running, *words, user=STRANGER)
         assert refused.status != 0 and refused.output, words
     findings = {check["id"]: check for check in
