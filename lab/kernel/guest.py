@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Boots the guest, lets it run one command, and hands back its exit status and its files."""
 
+import contextlib
 import fcntl
 import os
 import pathlib
@@ -14,31 +15,53 @@ from . import image as images
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 MEMORY_MIB = 1024
 
+# Between two looks for a free place.
+LOOK_SECONDS = 0.5
+
 
 class GuestFailed(Exception):
     """The guest ended without telling a status: it did not boot, hung or died."""
 
 
-def run(command, results, seconds=600, environment=None):
+def run(command, results, seconds=600, environment=None, places=1):
     """Runs `command` (an argument vector) in a fresh guest; returns its exit status.
 
     `results` becomes /results in the guest; beside what the command writes there it holds
-    "output", "kernel.log", "console.log" and "times" afterwards. Only one guest runs at a time,
-    because emulation takes a whole core.
+    "output", "kernel.log", "console.log" and "times" afterwards. Waits until fewer than `places`
+    guests run on this machine, because each keeps most of a core busy.
     """
     results = pathlib.Path(results)
     results.mkdir(parents=True, exist_ok=True)
     for name in ("status", "output", "times", "kernel.log", "console.log"):
         (results / name).unlink(missing_ok=True)
     write_command(results / "command", command, environment or {})
-    images.cache_folder().mkdir(parents=True, exist_ok=True)
-    with open(images.cache_folder() / "one-guest-at-a-time", "w") as lock:
-        fcntl.flock(lock, fcntl.LOCK_EX)
-        boot(images.prepare(), results, seconds)
+    image = images.prepare()
+    with place(places):
+        boot(image, results, seconds)
     status = results / "status"
     if not status.exists():
         raise GuestFailed(tail(results / "console.log"))
     return int(status.read_text())
+
+
+@contextlib.contextmanager
+def place(places):
+    """Takes one of so many places for guests, and gives it back."""
+    with contextlib.ExitStack() as opened:
+        locks = [opened.enter_context(open(images.cache_folder() / f"place-{number}", "w"))
+                 for number in range(places)]
+        while not any(taken(lock) for lock in locks):
+            time.sleep(LOOK_SECONDS)
+        yield
+
+
+def taken(lock):
+    """Whether this lock could be had; closing its file gives it back."""
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        return False
+    return True
 
 
 def write_command(path, command, environment):

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The guest's own files: Debian packages unpacked into a cache, and an initramfs made from them."""
 
+import fcntl
 import gzip
 import hashlib
 import os
@@ -100,14 +101,18 @@ class Image:
 
 def prepare():
     """Returns the image: the one that there is, unless it is a week old or its recipe has changed.
-    Asking the package lists what is newest takes long on a busy machine."""
-    install_host_packages()
+    Asking the package lists what is newest takes long on a busy machine. Whoever comes while it is
+    being made waits for it."""
     recipe = [PACKAGE_LIST, HERE / "boot.sh", pathlib.Path(__file__)]
     key = hashlib.sha256(b"".join(path.read_bytes() for path in recipe)).hexdigest()[:16]
     image = Image(cache_folder() / f"guest-{key}")
-    remove_old_images()
-    if not image.initramfs.exists():
-        make(image)
+    cache_folder().mkdir(parents=True, exist_ok=True)
+    with open(cache_folder() / "being-made", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        install_host_packages()
+        remove_old_images()
+        if not image.initramfs.exists():
+            make(image)
     return image
 
 

@@ -15,6 +15,10 @@ from lab.kernel.chain import Chain  # noqa: E402
 RESULTS = pathlib.Path("/results")
 
 
+def pytest_configure(config):
+    config.addinivalue_line("markers", "quick: one of those few that continuous integration runs")
+
+
 @pytest.fixture(scope="session")
 def guest():
     """udev, bus, HAL companion: once for all scenarios of a guest."""

@@ -64,6 +64,7 @@ def shipped():
     system.run("depmod", "-a")
 
 
+@pytest.mark.quick
 def test_a_missing_driver_is_built_installed_and_loaded(chain, shipped):
     SHIPPED.unlink()
     system.run("depmod", "-a")

@@ -17,7 +17,9 @@ def interface_bytes():
     return tuple(int((COUNTERS / name).read_text()) for name in ("rx_bytes", "tx_bytes"))
 
 
-@pytest.mark.parametrize("kind", ["cxacru", "speedtch", "eagle-e4", "eagle"])
+@pytest.mark.parametrize("kind", [
+    *(pytest.param(kind, marks=pytest.mark.quick) for kind in ("cxacru", "speedtch", "eagle-e4")),
+    "eagle"])
 @pytest.mark.parametrize("protocol", ["PPPoE", "PPPoA"])
 def test_a_new_modem_is_adopted_connects_disconnects_and_connects_again(chain, kind, protocol):
     chain.configure_line(protocol)

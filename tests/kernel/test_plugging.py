@@ -9,7 +9,8 @@ from lab.kernel import chain as world
 from lab.kernel import system
 
 
-@pytest.mark.parametrize("kind", ["cxacru", "speedtch", "eagle-e4"])
+@pytest.mark.parametrize("kind", [
+    pytest.param("cxacru", marks=pytest.mark.quick), "speedtch", "eagle-e4"])
 def test_an_unplugged_modem_ends_the_connection_and_plugged_again_connects_by_itself(chain, kind):
     chain.configure(kind, autoconnect=True)
     chain.write_account()

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """The resolver configuration after a real pppd has brought the link up."""
 
+import pytest
+
 from lab.kernel import system
 from lab.kernel.provider import NAMESERVERS
 from lab.waiting import wait_until
@@ -25,6 +27,7 @@ def test_a_usable_configuration_is_left_alone(chain):
     assert system.RESOLVER.read_text() == system.GOOD_RESOLVER
 
 
+@pytest.mark.quick
 def test_a_configuration_without_servers_is_reported_and_repaired(chain):
     system.RESOLVER.write_text("search lab\n")
     client = ready(chain, replace=[(PEER_DNS, "")])

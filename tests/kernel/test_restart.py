@@ -26,7 +26,8 @@ def connected(chain, kind="cxacru"):
     return client
 
 
-@pytest.mark.parametrize("kind", ["cxacru", "speedtch", "eagle-e4"])
+@pytest.mark.parametrize("kind", [
+    "cxacru", pytest.param("speedtch", marks=pytest.mark.quick), "eagle-e4"])
 def test_restarting_the_modem_ends_the_connection_and_reloads_the_driver(chain, kind):
     client = connected(chain, kind)
     driver = world.DRIVERS[kind]
