@@ -16,8 +16,10 @@ fail() {
 for module in /modules/*; do
     insmod "$module" || fail "cannot load $module"
 done
+clean=no
 for word in $(cat /proc/cmdline); do
     case "$word" in
+        lab.clean) clean=yes ;;
         lab.repository=*) repository=${word#lab.repository=} ;;
     esac
 done
@@ -43,4 +45,25 @@ case "$repository" in
 esac
 mkdir -p /root/results
 mount -t 9p -o "$share" results /root/results || fail "no results folder"
-exec switch_root /root /bin/sh "$repository/lab/kernel/start.sh"
+[ "$clean" = yes ] || exec switch_root /root /bin/sh "$repository/lab/kernel/start.sh"
+
+# Another system is booted, by its own systemd; the host's files become its folder /lab, in which the
+# command runs beside it.
+mkdir /clean-files /clean /memory/clean /memory/clean-work
+mount -t 9p -o "$share,ro,cache=loose" clean /clean-files || fail "no clean system"
+mount -t overlay -o "lowerdir=/clean-files,upperdir=/memory/clean,workdir=/memory/clean-work" \
+    overlay /clean || fail "no clean root file system"
+mkdir /clean/lab
+mount --move /root /clean/lab
+mkdir -p /clean/usr/lib/modules
+mount --bind /clean/lab/usr/lib/modules /clean/usr/lib/modules || fail "no modules"
+cat >/clean/etc/systemd/system/lab.service <<UNIT
+[Unit]
+Description=The laboratory's command
+[Service]
+ExecStart=/usr/sbin/chroot /lab /bin/sh $repository/lab/kernel/start.sh
+StandardOutput=journal+console
+UNIT
+mkdir -p /clean/etc/systemd/system/multi-user.target.wants
+ln -sf ../lab.service /clean/etc/systemd/system/multi-user.target.wants/lab.service
+exec switch_root /clean /sbin/init

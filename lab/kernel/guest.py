@@ -23,12 +23,15 @@ class GuestFailed(Exception):
     """The guest ended without telling a status: it did not boot, hung or died."""
 
 
-def run(command, results, seconds=600, environment=None, places=1):
+def run(command, results, seconds=600, environment=None, places=1, clean=None):
     """Runs `command` (an argument vector) in a fresh guest; returns its exit status.
 
     `results` becomes /results in the guest; beside what the command writes there it holds
     "output", "kernel.log", "console.log" and "times" afterwards. Waits until fewer than `places`
     guests run on this machine, because each keeps most of a core busy.
+
+    `clean` is the folder of another whole system. It is then booted with its own systemd, and the
+    command runs beside it, in the host's files as always: it reaches the system by /proc/1/root.
     """
     results = pathlib.Path(results)
     results.mkdir(parents=True, exist_ok=True)
@@ -37,7 +40,7 @@ def run(command, results, seconds=600, environment=None, places=1):
     write_command(results / "command", command, environment or {})
     image = images.prepare()
     with place(places):
-        boot(image, results, seconds)
+        boot(image, results, seconds, clean)
     status = results / "status"
     if not status.exists():
         raise GuestFailed(tail(results / "console.log"))
@@ -69,9 +72,9 @@ def write_command(path, command, environment):
     path.write_text("\n".join(lines + ["exec " + shlex.join(command)]) + "\n")
 
 
-def boot(image, results, seconds):
+def boot(image, results, seconds, clean=None):
     """Starts the emulator and waits until the guest has powered off."""
-    process = subprocess.Popen(arguments(image, results), stdin=subprocess.DEVNULL,
+    process = subprocess.Popen(arguments(image, results, clean), stdin=subprocess.DEVNULL,
                                stdout=open(results / "emulator.log", "wb"),
                                stderr=subprocess.STDOUT)
     try:
@@ -84,10 +87,14 @@ def boot(image, results, seconds):
             process.wait()
 
 
-def arguments(image, results):
+def arguments(image, results, clean=None):
     # On a busy machine an emulated timer is too late for the kernel's check that it works.
     words = ["console=ttyS0", "no_timer_check", "quiet", "panic=-1", "net.ifnames=0",
              "log_buf_len=1M", f"lab.repository={REPOSITORY}"]
+    further = []
+    if clean:
+        words.append("lab.clean")
+        further = ["-virtfs", f"local,path={clean},mount_tag=clean,security_model=none,readonly=on"]
     return [
         # Emulation on purpose: hardware virtualisation is often offered and seldom works in the
         # places where tests run.
@@ -100,7 +107,7 @@ def arguments(image, results):
         "-virtfs",
         "local,path=/,mount_tag=host,security_model=none,readonly=on,multidevs=remap",
         "-virtfs", f"local,path={image.root},mount_tag=packages,security_model=none,readonly=on",
-        "-virtfs", f"local,path={results},mount_tag=results,security_model=none",
+        "-virtfs", f"local,path={results},mount_tag=results,security_model=none", *further,
     ]
 
 

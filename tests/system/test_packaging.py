@@ -63,6 +63,13 @@ def test_the_unit_lets_a_connection_live_on_and_counts_255_as_an_end():
     assert "LD_LIBRARY_PATH" in service["UnsetEnvironment"]
 
 
+def test_the_unit_finds_the_daemons_process_in_its_lock(bus_machine):
+    daemon = bus_machine.start_daemon()
+    pid_file = bus_machine.path(settings(UNIT)["Service"]["PIDFile"])
+    assert pid_file.read_text(encoding="ascii") == "%d\n" % daemon.pid
+    assert pid_file.stat().st_uid == os.geteuid()
+
+
 def test_unit_and_activation_agree():
     service, activation = settings(UNIT)["Service"], settings(ACTIVATION)["D-BUS Service"]
     assert service["ExecStart"] == activation["Exec"] == "/opt/norvix/bin/norvix-daemon"
