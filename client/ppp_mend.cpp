@@ -93,7 +93,7 @@ QByteArray shippedPeer(const char *name)
 /// The login that the connection uses: of the peer file, else of the account.
 QByteArray knownLogin(const QByteArray &peer)
 {
-    const QByteArray inPeer = peerLogin(peer).toLatin1();
+    QByteArray inPeer = peerLogin(peer).toLatin1();
     if (!inPeer.isEmpty() && inPeer != placeholderLogin()) {
         return inPeer;
     }
@@ -109,7 +109,7 @@ MendResult mendPeer(const Facts &facts)
         = {shippedPeer("norvix"), shippedPeer("norvix-pppoa"), shippedPeer("norvix_unicorn")};
     const QString path = facts.peer.path;
     const std::optional<QByteArray> content = fileContent(path);
-    const QByteArray fitting = shipped.at(int(facts.peerKind()));
+    const QByteArray &fitting = shipped.at(int(facts.peerKind()));
     const bool isOurs = content ? isShippedPeer(*content, shipped) : !QFile::exists(path);
     if (fitting.isEmpty() || !isOurs
         || (content && peerFaults(*content, facts.peerKind(), facts.circuit()).isEmpty())) {
