@@ -26,10 +26,10 @@ def wait_until(condition, timeout=PATIENCE, what="condition", detail=None):
 
 
 def read_text(path):
-    """A file's text, empty when it is not there (yet)."""
+    """A file's text, empty when it is not there (yet), or when it is a process's that has just gone."""
     try:
         return path.read_text(encoding="utf-8", errors="replace")
-    except FileNotFoundError:
+    except (FileNotFoundError, ProcessLookupError):
         return ""
 
 

@@ -139,7 +139,7 @@ def download(packages):
     archives = []
     for package in packages:
         if not list(store.glob(f"{package}_*.deb")):
-            run("apt-get", "download", "-q", package, cwd=store)
+            run("apt-get", "download", "-q", "-o", "APT::Sandbox::User=root", package, cwd=store)
         archives.append(max(store.glob(f"{package}_*.deb"), key=lambda path: path.stat().st_mtime))
     return archives
 

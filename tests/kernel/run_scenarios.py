@@ -124,8 +124,8 @@ def summary(rows, seconds):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--results", type=pathlib.Path)
-    parser.add_argument("--jobs", type=int, default=os.cpu_count(),
-                        help="guests at once; as many as there are processors otherwise")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count() + 1,
+                        help="guests at once; one more than there are processors otherwise")
     parser.add_argument("names", nargs="*")
     options = parser.parse_args()
     folder = options.results or pathlib.Path(tempfile.mkdtemp(prefix="norvix-kernel-"))
