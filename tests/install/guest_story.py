@@ -72,7 +72,8 @@ def plugs_in_and_connects():
     line = Line(world.QUICK)
     far_end = world.FarEnd()
     far_end.join(line)
-    provider.PppoeProvider("/var/lib/provider").start()
+    isp = provider.PppoeProvider("/var/lib/provider")
+    isp.start()
     socket = vhci.Socket()
     socket.plug(cxacru.Cxacru(line), system.MODEM_PORT)
     wait_until(lambda: inside("norvixctl", "modem", "adopt", user=MEMBER).returncode == 0, PATIENCE,
@@ -84,7 +85,7 @@ def plugs_in_and_connects():
     assert now["connection"]["address"] == provider.CLIENT_ADDRESS, now
     assert world.exchange_traffic(20_000) == 20_000
     wait_until(lambda: facts()["connection"]["receivedBytes"] > 20_000, PATIENCE, "traffic is counted")
-    return socket
+    return socket, isp
 
 
 def outlives_its_daemon():
@@ -121,6 +122,18 @@ def disconnects_and_restarts_the_modem():
     assert connected()
 
 
+def changes_to_pppoa(isp):
+    ctl("disconnect")
+    wait_until(lambda: not connected(), PATIENCE, "the connection is down")
+    isp.stop()
+    provider.PppoaProvider("/var/lib/provider").start()
+    ctl("line", "set", "--protocol", "PPPoA")
+    ctl("doctor", "--fix", user="root", status=None)
+    assert "pppoatm.so" in inside("cat", "/etc/ppp/peers/norvix").stdout
+    ctl("connect", "--wait")
+    assert connected()
+
+
 def unplugs(socket):
     socket.unplug()
     wait_until(lambda: not connected(), PATIENCE, "unplugging has ended the connection")
@@ -142,10 +155,11 @@ def main():
     boots()
     system.run("modprobe", "-a", *system.MODULES)
     sets_up()
-    socket = plugs_in_and_connects()
+    socket, isp = plugs_in_and_connects()
     outlives_its_daemon()
     reads_logs()
     disconnects_and_restarts_the_modem()
+    changes_to_pppoa(isp)
     unplugs(socket)
     was_not_hindered()
     print("story: everything went as it should")

@@ -46,6 +46,8 @@ def exposure():
 def test_the_unit_exposes_less_than_its_like():
     [level] = re.findall(r"Overall exposure level for norvix-daemon.service: ([0-9.]+)", exposure())
     assert float(level) <= 6.5
+    assert "gives %s " % level in (PACKAGING / "norvix-daemon.service.md").read_text(
+        encoding="utf-8")
 
 
 def test_each_protection_that_is_off_has_its_reason():
