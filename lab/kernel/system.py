@@ -202,6 +202,9 @@ class Daemon:
             wait_until(lambda: observer.owner_of(SERVICE), what="the daemon owns its name",
                        detail=self.output)
             self.pid = observer.pid_of(SERVICE)
+            # It has its name before it hears HAL. It answers when its start is done, or at least
+            # while it waits for a driver to be built.
+            observer.call("reply", timeout=60)
 
     def output(self):
         return read_text(self._output)

@@ -72,5 +72,6 @@ def test_a_second_daemon_gives_up_and_the_first_one_stays(chain):
     first = chain.daemon.pid
     second = system.run(system.BUILD / "bin/norvix-daemon")
     assert second.returncode == 0  # the parent's; the child finds the lock taken
+    assert "It seems that the daemon is already running." in second.stderr
     wait_until(lambda: system.processes("norvix-daemon") == [first], what="one daemon is left")
     assert client.call("reply") is True
