@@ -17,7 +17,7 @@ from pathlib import Path
 REPOSITORY = Path(__file__).resolve().parent.parent
 PACKAGE_LIST = REPOSITORY / "debian-packages-install"
 RELEASE, MIRROR = "bookworm", "http://deb.debian.org/debian"
-MAKING_SECONDS, KEPT_SECONDS = 1800, 7 * 24 * 3600
+MAKING_SECONDS, KEPT_SECONDS, LEFTOVER_SECONDS = 1800, 7 * 24 * 3600, 24 * 3600
 PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 
 Completed = namedtuple("Completed", "status output")
@@ -69,6 +69,9 @@ def prepare():
         subprocess.run(["apt-get", "install", "-q", "-y", "--no-install-recommends", *missing],
                        check=True, env=dict(os.environ, DEBIAN_FRONTEND="noninteractive"),
                        stdin=subprocess.DEVNULL)
+    for leftover in cache_folder().glob("clean-*"):  # of a use that was killed
+        if time.time() - leftover.stat().st_mtime > LEFTOVER_SECONDS:
+            shutil.rmtree(leftover, ignore_errors=True)
     key = hashlib.sha256(PACKAGE_LIST.read_bytes()).hexdigest()[:16]
     folder = cache_folder() / ("debian-" + key)
     if folder.exists() and time.time() - folder.stat().st_mtime > KEPT_SECONDS:
