@@ -10,12 +10,19 @@ SPEEDTOUCH = (0x06B9, 0x4061)
 NAME = "Thomson Speedtouch 330"
 
 
+def start_daemon(place):
+    """Starts it and waits for the last line of its start: from then on it hears of modems."""
+    daemon = place.start_daemon()
+    daemon.wait_for_log("debugHandler: i: ")
+    return daemon
+
+
 def test_a_modem_is_announced_adopted_connected_and_unplugged(place, usb):
     HalCompanion(place, usb)
     place.kernel_log.line_up(SPEEDTOUCH[0])
     place.pppd.script(link_up() + [stay()])
     client = place.client()
-    place.start_daemon()
+    start_daemon(place)
     assert client.call("getIsModemPlugged") is False
 
     path = usb.plug("1-1", *SPEEDTOUCH, serial="0090D0123456", interfaces=(0, 1, 2))
@@ -43,7 +50,8 @@ def test_a_modem_is_announced_adopted_connected_and_unplugged(place, usb):
 def test_firmware_re_enumeration_is_one_announcement_of_the_right_modem(place, usb):
     HalCompanion(place, usb)
     client = place.client()
-    daemon = place.start_daemon()
+    place.kernel_log.append("usb usb1: new device")
+    daemon = start_daemon(place)
     before = usb.plug("1-1", 0x1110, 0x9042)
     daemon.wait_for_log("device added: ")
     usb.many(usb.remove_requests(before), usb.add_requests("1-1", 0x1110, 0x9041))
