@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """USB devices that do not exist, plugged into a private machine and pulled out again."""
 import json
+import shutil
 import socket
 from pathlib import Path
 
@@ -20,9 +21,11 @@ class SimulatedUsb:
     def __init__(self, machine):
         # The simulator ends when a listener has more events waiting than this.
         machine.write("/proc/sys/net/unix/max_dgram_qlen", b"20000\n")
+        # A clone below /tmp is not seen inside; the machine's own folder is.
+        shutil.copy(Path(__file__).with_name("usb_simulator.py"), machine.state / "lib")
         self._process = machine.spawn(
             ["/usr/bin/umockdev-wrapper", "/usr/bin/python3", "-B",
-             str(Path(__file__).with_name("usb_simulator.py")), SOCKET],
+             "/mnt/lab/lib/usb_simulator.py", SOCKET],
             env={"TMPDIR": "/mnt"}, label="usb")  # in memory: its devices are many small files
         wait_until(lambda: machine.path(SOCKET).exists() or self._process.ended(),
                    what="the USB simulator listens", detail=self._process.errors)
