@@ -157,15 +157,15 @@ class Installation:
 
     def __init__(self, machine):
         self.machine = machine
+        shutil.copytree(PACKAGING / "peers", machine.path("/opt/norvix/share/peers"))
         for tool in ("systemd-sysusers", "groupdel"):
             stub = machine.path("/usr/local/sbin") / tool
             stub.write_text("#!/bin/sh\n")
             stub.chmod(0o755)
 
     def run(self, script, *arguments):
-        text = (REPOSITORY / "debian" / ("norvix-daemon." + script)).read_text()
-        text = text.replace("/opt/norvix/share/peers", str(PACKAGING / "peers"))
-        self.machine.path("/tmp/" + script).write_text(text)
+        shutil.copy(REPOSITORY / "debian" / ("norvix-daemon." + script),
+                    self.machine.path("/tmp/" + script))
         result = self.machine.run(["/bin/sh", "/tmp/" + script, *arguments],
                                   env={"PATH": USUAL_PATH})
         assert result.status == 0, result.stderr
