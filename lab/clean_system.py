@@ -16,7 +16,7 @@ from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parent.parent
 PACKAGE_LIST = REPOSITORY / "debian-packages-install"
-RELEASE, MIRROR = "bookworm", "http://deb.debian.org/debian"
+RELEASE = "bookworm"
 MAKING_SECONDS, KEPT_SECONDS, LEFTOVER_SECONDS = 1800, 7 * 24 * 3600, 24 * 3600
 PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 
@@ -50,7 +50,8 @@ def package_names(kind):
 
 
 def mirror():
-    """Where the host takes its packages from, so that a local mirror serves here too."""
+    """Where the host takes its packages from, in a list, so that a local mirror serves here too;
+    an empty list leaves the choice to debootstrap."""
     for file in [Path("/etc/apt/sources.list"), *Path("/etc/apt/sources.list.d").glob("*")]:
         for line in file.read_text(encoding="utf-8").splitlines() if file.is_file() else ():
             words = line.split()
@@ -58,8 +59,8 @@ def mirror():
                 address = words[1] if words[0] == "URIs:" else next(
                     word for word in words[1:] if "://" in word)
                 if address.rstrip("/").endswith("/debian"):
-                    return address
-    return MIRROR
+                    return [address]
+    return []
 
 
 def prepare():
@@ -82,7 +83,7 @@ def prepare():
         fresh.mkdir(parents=True)
         subprocess.run(["debootstrap", "--variant=minbase",
                         "--include=" + ",".join(package_names("clean")), RELEASE, str(fresh),
-                        mirror()], check=True, timeout=MAKING_SECONDS, stdin=subprocess.DEVNULL,
+                        *mirror()], check=True, timeout=MAKING_SECONDS, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL)
         fresh.rename(folder)
     return folder
