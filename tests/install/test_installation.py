@@ -38,11 +38,11 @@ def ids(system):
 
 def result(system):
     """All that an installation has made, with owners by name. What is needed for building only
-    brings units of its own."""
+    brings files of its own to systemd."""
     names = ids(system)
     return {path: (mode, owner, names[group], *rest)
             for path, (mode, owner, group, *rest) in system.files(*PLACES).items()
-            if not path.startswith("/etc/systemd") or "norvix" in path}
+            if not path.startswith(("/etc/systemd/", "/usr/lib/")) or "norvix" in path}
 
 
 def test_what_is_installed_has_the_owners_and_modes_it_needs(from_clone):
