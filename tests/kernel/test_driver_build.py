@@ -27,6 +27,12 @@ install:
 \t$(MAKE) -C $(KDIR) M=$(PWD) modules_install
 """
 
+# Writes over the installed module, as some drivers' own makefiles do, and comes to nothing.
+RECKLESS_MAKEFILE = f"""all:
+\techo half a module >{SHIPPED}
+\tfalse
+"""
+
 SOURCE = """#include <linux/module.h>
 static int __init begin(void)
 {
@@ -42,9 +48,9 @@ MODULE_LICENSE("GPL");
 """
 
 
-def write_tarball(source):
+def write_tarball(source, makefile=MAKEFILE):
     with tarfile.open(TARBALL, "w", format=tarfile.USTAR_FORMAT) as archive:
-        for name, text in (("Makefile", MAKEFILE), ("ueagle-atm.c", source)):
+        for name, text in (("Makefile", makefile), ("ueagle-atm.c", source)):
             entry = tarfile.TarInfo(f"{TOP}/{name}")
             entry.size, entry.mode = len(text.encode()), 0o644
             archive.addfile(entry, io.BytesIO(text.encode()))
@@ -80,10 +86,13 @@ def test_a_missing_driver_is_built_installed_and_loaded(chain, shipped):
     assert system.run("modinfo", "-n", "ueagle-atm").stdout.strip() != str(SHIPPED)
 
 
-def test_a_broken_build_leaves_the_driver_that_was_there(chain, shipped):
+@pytest.mark.parametrize("source, makefile", [
+    pytest.param(SOURCE.replace("return 0;", "return nothing;"), MAKEFILE, id="compile-error"),
+    pytest.param(SOURCE, RECKLESS_MAKEFILE, id="overwritten")])
+def test_a_broken_build_leaves_the_driver_that_was_there(chain, shipped, source, makefile):
     old = b"a module that does not load"
     SHIPPED.write_bytes(old)
-    write_tarball(SOURCE.replace("return 0;", "return nothing;"))
+    write_tarball(source, makefile)
     chain.configure("eagle-e4")
     client = chain.start_daemon()
     assert client.wait_signal("compilationFinished", timeout=BUILD_SECONDS).args == (False,)
