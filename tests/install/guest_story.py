@@ -10,8 +10,8 @@ REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(REPOSITORY))
 
 from lab.kernel import chain as world  # noqa: E402
-from lab.kernel import provider, system  # noqa: E402
-from lab.kernel.modems import cxacru, vhci  # noqa: E402
+from lab.kernel import driver_tarball, provider, system  # noqa: E402
+from lab.kernel.modems import cxacru, eagle, vhci  # noqa: E402
 from lab.kernel.modems.line import Line  # noqa: E402
 from lab.waiting import wait_until  # noqa: E402
 
@@ -68,6 +68,12 @@ def sets_up():
     ctl("account", "set", provider.LOGIN, stdin=provider.PASSWORD + "\n")
 
 
+def adopts_what_is_plugged():
+    wait_until(lambda: inside("norvixctl", "modem", "adopt", user=MEMBER).returncode == 0, PATIENCE,
+               "the modem has been announced and adopted")
+    ctl("modem", "show")
+
+
 def plugs_in_and_connects():
     line = Line(world.QUICK)
     far_end = world.FarEnd()
@@ -76,9 +82,7 @@ def plugs_in_and_connects():
     isp.start()
     socket = vhci.Socket()
     socket.plug(cxacru.Cxacru(line), system.MODEM_PORT)
-    wait_until(lambda: inside("norvixctl", "modem", "adopt", user=MEMBER).returncode == 0, PATIENCE,
-               "the modem has been announced and adopted")
-    ctl("modem", "show")
+    adopts_what_is_plugged()
     ctl("connect", "--wait")
     now = facts()
     assert now["connection"]["state"] == "connected"
@@ -140,10 +144,38 @@ def unplugs(socket):
     wait_until(lambda: not system.processes("pppd"), PATIENCE, "pppd is gone")
 
 
+def has_built():
+    done = inside("norvixctl", "driver", "show", "--json", user=MEMBER)
+    return done.returncode == 0 and json.loads(done.stdout)["compiling"] is False
+
+
+def builds_a_missing_driver():
+    """For a modem whose driver the kernel does not bring, with the distribution's headers."""
+    installed = pathlib.Path("/proc/1/root")
+    [shipped] = pathlib.Path("/lib/modules").glob("*/kernel/drivers/usb/atm/ueagle-atm.ko")
+    shipped.unlink()
+    system.run("depmod", "-a")
+    [tools] = pathlib.Path("/usr/lib").glob("linux-kbuild-*")
+    for folder in ("/usr/src", str(tools)):
+        inside("mkdir", "-p", folder)
+        inside("mount", "--bind", "/lab" + folder, folder)
+    driver_tarball.write_tarball(installed / "opt/norvix/drivers/ueagle-atm-1.4.tar")
+    socket = vhci.Socket()
+    eagle.plug(socket, eagle.Newer, Line(world.QUICK), port=system.MODEM_PORT)
+    adopts_what_is_plugged()
+    inside("systemctl", "restart", "norvix-daemon")
+    wait_until(lambda: driver_tarball.LOADED in system.kernel_log(), PATIENCE * 4,
+               "the driver is built and loaded",
+               lambda: inside("tail", "-n", "40", "/opt/norvix/driver_build.log").stdout)
+    wait_until(has_built, PATIENCE, "the daemon has finished")
+    ctl("driver", "show")
+    socket.unplug()
+
+
 def was_not_hindered():
     """Nothing that the sandbox forbids was tried."""
     said = inside("journalctl", "--no-pager", "-b", "-u", "norvix-daemon", "-u", "norvix-hald").stdout
-    log = ctl("log")
+    log = ctl("log") + inside("cat", "/opt/norvix/driver_build.log").stdout
     print(said)
     for text in ("Operation not permitted", "Permission denied", "Read-only file system",
                  "SIGSYS"):
@@ -161,6 +193,7 @@ def main():
     disconnects_and_restarts_the_modem()
     changes_to_pppoa(isp)
     unplugs(socket)
+    builds_a_missing_driver()
     was_not_hindered()
     print("story: everything went as it should")
 

@@ -11,6 +11,8 @@ GUEST_SECONDS = 900
 def test_under_its_shipped_units_a_member_goes_from_a_new_modem_to_the_line(system, give, tmp_path):
     system.run("apt-get", "-q", "update")
     system.run("apt-get", "-q", "-y", "install", *give(system), cwd="/root")
+    # As the page on building a driver says; the kernel's headers come with the laboratory's kernel.
+    system.run("apt-get", "-q", "-y", "install", "--no-install-recommends", "make", "patch", "gcc-12")
     system.run("usermod", "-a", "-G", "norvix", USER)
     system.run("useradd", "--create-home", "otto")
     story = guest.REPOSITORY / "tests/install/guest_story.py"

@@ -1,60 +1,27 @@
 # SPDX-License-Identifier: MIT
 """A driver built from its tarball against the distribution's kernel headers, loaded by modprobe."""
 
-import io
 import os
 import pathlib
-import tarfile
 
 import pytest
 
 from lab.kernel import system
+from lab.kernel.driver_tarball import LOADED, MAKEFILE, SOURCE, write_tarball
 
 RELEASE = os.uname().release
 TREE = pathlib.Path("/lib/modules") / RELEASE
 SHIPPED = TREE / "kernel/drivers/usb/atm/ueagle-atm.ko"
 TARBALL = pathlib.Path("/opt/norvix/drivers/ueagle-atm-1.4.tar")
-TOP = "ueagle-atm-1.4"
 
 # An emulated processor compiles slowly.
 BUILD_SECONDS = 420
-
-MAKEFILE = """obj-m := ueagle-atm.o
-KDIR = /lib/modules/$(shell uname -r)/build
-all:
-\t$(MAKE) -C $(KDIR) M=$(PWD) modules
-install:
-\t$(MAKE) -C $(KDIR) M=$(PWD) modules_install
-"""
 
 # Writes over the installed module, as some drivers' own makefiles do, and comes to nothing.
 RECKLESS_MAKEFILE = f"""all:
 \techo half a module >{SHIPPED}
 \tfalse
 """
-
-SOURCE = """#include <linux/module.h>
-static int __init begin(void)
-{
-\tpr_info("the driver from the tarball\\n");
-\treturn 0;
-}
-static void __exit end(void)
-{
-}
-module_init(begin);
-module_exit(end);
-MODULE_LICENSE("GPL");
-"""
-
-
-def write_tarball(source, makefile=MAKEFILE):
-    with tarfile.open(TARBALL, "w", format=tarfile.USTAR_FORMAT) as archive:
-        for name, text in (("Makefile", makefile), ("ueagle-atm.c", source)):
-            entry = tarfile.TarInfo(f"{TOP}/{name}")
-            entry.size, entry.mode = len(text.encode()), 0o644
-            archive.addfile(entry, io.BytesIO(text.encode()))
-    TARBALL.chmod(0o644)
 
 
 @pytest.fixture
@@ -74,14 +41,14 @@ def shipped():
 def test_a_missing_driver_is_built_installed_and_loaded(chain, shipped):
     SHIPPED.unlink()
     system.run("depmod", "-a")
-    write_tarball(SOURCE)
+    write_tarball(TARBALL)
     chain.configure("eagle-e4")
     client = chain.start_daemon()
     client.wait_signal("compilingDriver")
     assert client.call("getIsCompiling") is True
     assert client.wait_signal("compilationFinished", timeout=BUILD_SECONDS).args == (True,)
     assert client.call("getIsCompiling") is False
-    chain.wait_kernel_log("the driver from the tarball")
+    chain.wait_kernel_log(LOADED)
     assert pathlib.Path("/sys/module/ueagle_atm").exists()
     assert system.run("modinfo", "-n", "ueagle-atm").stdout.strip() != str(SHIPPED)
 
@@ -92,7 +59,7 @@ def test_a_missing_driver_is_built_installed_and_loaded(chain, shipped):
 def test_a_broken_build_leaves_the_driver_that_was_there(chain, shipped, source, makefile):
     old = b"a module that does not load"
     SHIPPED.write_bytes(old)
-    write_tarball(source, makefile)
+    write_tarball(TARBALL, source, makefile)
     chain.configure("eagle-e4")
     client = chain.start_daemon()
     assert client.wait_signal("compilationFinished", timeout=BUILD_SECONDS).args == (False,)
