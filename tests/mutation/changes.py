@@ -236,8 +236,8 @@ def places(text, blocks, change):
             for hit in pattern.finditer(text, start, end)]
 
 
-def all_changes(file, text):
-    """Every change of every kind to this text."""
+def edits(file, text):
+    """Every change of every kind to this text: (change, start, end, replacement)."""
     code = masked(text)
     blocks = functions(code)
     seen = set()
@@ -261,7 +261,12 @@ def all_changes(file, text):
             change = replace(change, nth=next((i for i, span in enumerate(spans) if span[0] == first), -1))
             if change.nth >= 0 and change not in seen:
                 seen.add(change)
-                yield change
+                yield change, start, end, replacement
+
+
+def all_changes(file, text):
+    """Every change of every kind to this text."""
+    return [change for change, *_ in edits(file, text)]
 
 
 def in_random_order(changes, seed):

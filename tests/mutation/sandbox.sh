@@ -21,6 +21,11 @@ mount -t tmpfs tmpfs /run
 mkdir -p /run/lock
 mount -t tmpfs tmpfs /dev/shm 2>/dev/null || true
 ip link set lo up
+if [ -n "${NORVIX_CHANGE-}" ]; then
+    echo "$NORVIX_CHANGE" >/run/change
+    mount --bind /run/change "$writable/change"
+    unset NORVIX_CHANGE
+fi
 # As a child: the first process of a namespace is deaf to signals.
 setpriv --bounding-set=-sys_module,-sys_boot,-sys_time,-syslog \
     --inh-caps=-sys_module,-sys_boot,-sys_time,-syslog "$@" || exit $?
