@@ -4,7 +4,7 @@ import shutil
 import uuid
 from pathlib import Path
 
-from .standin_control import install_standins
+from .standin_control import install, install_standins
 
 HERE = Path(__file__).resolve().parent
 NORVIX_GROUP = 64999
@@ -65,7 +65,7 @@ def _install_build(build, prefix, library):
     for folder, names in INSTALLED.items():
         for name in names:
             if (build / folder / name).exists():
-                shutil.copy(build / folder / name, prefix / folder)
+                install(build / folder / name, prefix / folder / name)
     preloaded = build / "lab/libklogctl-standin.so"
     if preloaded.exists():
-        shutil.copy(preloaded, library)
+        install(preloaded, library / preloaded.name)
