@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -26,14 +27,15 @@ std::mutex logMutex;
 /// behind it costs several times the writing of the line. Call it with the log mutex held.
 const char *logStamp()
 {
-    static std::array<char, 32> stamp = {};
+    static std::array<char, 80> stamp = {};
     static time_t stampTime = -1;
     const time_t now = time(nullptr);
     if (now != stampTime) {
         tzset();
         struct tm local = {};
         localtime_r(&now, &local);
-        strftime(stamp.data(), stamp.size(), "%d-%m-%Y %H:%M:%S ", &local);
+        snprintf(stamp.data(), stamp.size(), "%02d-%02d-%04d %02d:%02d:%02d ", local.tm_mday,
+            local.tm_mon + 1, local.tm_year + 1900, local.tm_hour, local.tm_min, local.tm_sec);
         stampTime = now;
     }
     return stamp.data();
@@ -111,12 +113,14 @@ void appendToDailyLog(const QString &msg)
     if (!folder.exists() && !QDir().mkpath(folder.path())) {
         return;
     }
+    // Not QDateTime's own text: its digits are those of the system's language.
+    const QLocale plain = QLocale::c();
     const QDateTime now = QDateTime::currentDateTime();
-    QFile file(
-        folder.filePath(now.toString(QStringLiteral("dd-MM-yyyy")) + QStringLiteral(".log")));
+    QFile file(folder.filePath(
+        plain.toString(now, QStringLiteral("dd-MM-yyyy")) + QStringLiteral(".log")));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
         return;
     }
-    file.write(now.toString(QStringLiteral("dd.MM.yyyy hh:mm:ss: ")).toLocal8Bit()
+    file.write(plain.toString(now, QStringLiteral("dd.MM.yyyy hh:mm:ss: ")).toLocal8Bit()
         + msg.toLocal8Bit() + '\n');
 }

@@ -43,10 +43,13 @@ QByteArray mainLog()
     return text + rest;
 }
 
-/// Runs this program again as a child that does @p deed, see main().
-QProcess *child(const char *deed)
+/// Runs this program again as a child that does @p deed, see main(), in another locale if asked.
+QProcess *child(const char *deed, const QString &locale = QStringLiteral("C"))
 {
     auto *process = new QProcess;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), locale);
+    process->setProcessEnvironment(environment);
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->start(QStringLiteral("/proc/self/exe"), {QString::fromLatin1(deed)});
     process->waitForFinished(60000);
@@ -64,6 +67,11 @@ int doDeed(const QByteArray &deed)
     if (deed == "qFatal") {
         installDebugHandler();
         qFatal("the end");
+    }
+    if (deed == "log") {
+        appendToLog(QStringLiteral("x"));
+        appendToDailyLog(QStringLiteral("x"));
+        return 0;
     }
     return -1;
 }
@@ -102,6 +110,8 @@ private slots:
     void aLogThatCannotBeWrittenIsSkippedSilently();
     void linesOfSeveralThreadsNeverInterleave();
     void noDescriptorStaysOpen();
+    void stampsAndNamesHaveLatinDigitsInEveryLocale_data();
+    void stampsAndNamesHaveLatinDigitsInEveryLocale();
 
     void theDailyLogHasDotsInItsLinesAndDashesInItsName();
     void eachDayHasItsOwnFile();
@@ -309,6 +319,31 @@ void LoggingTest::noDescriptorStaysOpen()
     QCOMPARE(count(), before);
 }
 
+void LoggingTest::stampsAndNamesHaveLatinDigitsInEveryLocale_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const char *locale : {"fa_IR.UTF-8", "ar_EG.UTF-8", "mr_IN.UTF-8"}) {
+        QTest::newRow(locale) << QString::fromLatin1(locale);
+    }
+}
+
+void LoggingTest::stampsAndNamesHaveLatinDigitsInEveryLocale()
+{
+    QFETCH(QString, locale);
+    const std::unique_ptr<QProcess> process(child("log", locale));
+    QCOMPARE(process->exitCode(), 0);
+
+    const QRegularExpression mainLine(QStringLiteral("^[0-9-]{10} [0-9:]{8} x\n$"));
+    QVERIFY(mainLine.match(QString::fromUtf8(contentOf(mainLogPath()))).hasMatch());
+
+    const QDir folder(QString::fromLatin1(dailyFolder));
+    const QString name = folder.entryList(QDir::Files).value(0);
+    const QRegularExpression dailyName(QStringLiteral("^[0-9]{2}-[0-9]{2}-[0-9]{4}\\.log$"));
+    QVERIFY2(dailyName.match(name).hasMatch(), qUtf8Printable(name));
+    const QRegularExpression dailyLine(QStringLiteral("^[0-9.]{10} [0-9:]{8}: x\n$"));
+    QVERIFY(dailyLine.match(QString::fromUtf8(contentOf(folder.filePath(name)))).hasMatch());
+}
+
 void LoggingTest::theDailyLogHasDotsInItsLinesAndDashesInItsName()
 {
     const QString text = QStringLiteral("RX bytes: 5000 ") + QChar(0xe9);
@@ -378,9 +413,10 @@ void LoggingTest::theDailyLogPrintsNothing()
 int main(int argc, char **argv)
 {
     enterPrivateRoot(argv);
-    if (argc == 2 && (qstrcmp(argv[1], "fatal") == 0 || qstrcmp(argv[1], "qFatal") == 0)) {
+    const QByteArray deed = argc == 2 ? argv[1] : "";
+    if (deed == "fatal" || deed == "qFatal" || deed == "log") {
         setvbuf(stdout, nullptr, _IOLBF, 0); // as the daemon does: nothing is lost by abort()
-        return doDeed(argv[1]);
+        return doDeed(deed);
     }
     QCoreApplication application(argc, argv);
     LoggingTest test;
