@@ -20,7 +20,6 @@ std::optional<int> HalProxy::intProperty(const char *key)
     if (value.userType() == qMetaTypeId<QDBusVariant>()) {
         value = qvariant_cast<QDBusVariant>(value).variant();
     }
-    bool isNumber = false;
-    const int number = value.toInt(&isNumber);
-    return isNumber ? std::optional<int>(number) : std::nullopt;
+    // Nothing is converted: an id of another type is no id of HAL's.
+    return value.userType() == QMetaType::Int ? std::optional<int>(value.toInt()) : std::nullopt;
 }

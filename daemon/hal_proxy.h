@@ -17,7 +17,7 @@ class HalProxy : public QDBusAbstractInterface
 public:
     HalProxy(const QString &path, const char *interface, const QDBusConnection &bus);
 
-    /// The integer property @p key of the device; empty when the reply is an error or no number.
+    /// The property @p key of the device; empty when the reply is an error or no 32-bit integer.
     /// Waits for the reply, at most the bus library's default time-out of 25 s.
     std::optional<int> intProperty(const char *key);
 };
