@@ -10,7 +10,6 @@
 
 #include <QDBusConnection>
 #include <QList>
-#include <QMutex>
 #include <QObject>
 #include <QRegExp>
 #include <QStringList>
