@@ -52,11 +52,11 @@ int runDaemon(int argc, char **argv)
         qputenv("QT_NO_GLIB", "1");
     }
     QCoreApplication application(argc, argv);
+    endOnSignals(); // before the bus, which may keep us waiting
     QDBusConnection::systemBus(); // starts the bus library's thread
     if (isUnset) {
         qunsetenv("QT_NO_GLIB");
     }
-    endOnSignals();
     if (wantsDebug(QCoreApplication::arguments())) {
         debug = true;
     }

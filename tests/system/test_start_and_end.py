@@ -42,6 +42,30 @@ def test_the_parent_ends_at_once_with_status_0(bus_machine):
     assert daemon.running()
 
 
+SILENT_BUS = """
+import os, socket
+os.makedirs("/run/dbus", exist_ok=True)
+server = socket.socket(socket.AF_UNIX)
+server.bind("/run/dbus/system_bus_socket")
+server.listen()
+visitor, _ = server.accept()
+visitor.recv(1)
+print("somebody came", flush=True)
+server.accept()
+"""
+
+
+@pytest.mark.parametrize("number", [signal.SIGHUP, signal.SIGINT, signal.SIGTERM])
+def test_a_signal_ends_it_the_same_way_while_a_bus_keeps_it_waiting(machine, number):
+    bus = machine.spawn(["/usr/bin/python3", "-c", SILENT_BUS], label="silent-bus")
+    wait_until(machine.path("/run/dbus/system_bus_socket").is_socket, what="the bus is there")
+    daemon = machine.start_daemon(wait=False)
+    wait_until(lambda: "somebody came" in bus.output(), what="the daemon greets the bus")
+    daemon.signal(number)
+    assert daemon.wait_exit() == 255
+    assert daemon.output() == "Norvix Daemon: Signal %d handled\n" % number
+
+
 @pytest.mark.parametrize("number", [signal.SIGHUP, signal.SIGINT, signal.SIGTERM])
 def test_a_signal_prints_its_line_and_ends_with_status_255(bus_machine, number):
     daemon = bus_machine.start_daemon()
