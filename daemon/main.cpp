@@ -9,6 +9,8 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -43,7 +45,37 @@ bool wantsDebug(const QStringList &arguments)
     return false;
 }
 
-int runDaemon(int argc, char **argv)
+enum class Name
+{
+    Ours,
+    AnothersAlready,
+    Unknown, ///< the bus cannot be asked or refuses the name; registering will fail and tell why
+};
+
+/// For a process without a lock: asks the bus for the daemon's name, so that of two that start at
+/// the same time only one goes on.
+Name takeName(const QDBusConnection &bus)
+{
+    QDBusConnectionInterface *names = bus.interface();
+    if (names == nullptr) {
+        return Name::Unknown;
+    }
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
+        = names->registerService(QStringLiteral("com.norvix.Daemon"));
+    if (!reply.isValid()) {
+        return Name::Unknown;
+    }
+    return reply.value() == QDBusConnectionInterface::ServiceRegistered ? Name::Ours
+                                                                        : Name::AnothersAlready;
+}
+
+int refuseToStart()
+{
+    fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
+    return alreadyRunningStatus;
+}
+
+int runDaemon(int argc, char **argv, bool isLocked)
 {
     // A smaller event loop for this thread and the bus library's: nothing here needs the desktop's
     // one. Children do not see the choice.
@@ -53,12 +85,20 @@ int runDaemon(int argc, char **argv)
     }
     QCoreApplication application(argc, argv);
     endOnSignals(); // before the bus, which may keep us waiting
-    QDBusConnection::systemBus(); // starts the bus library's thread
+    if (wantsDebug(QCoreApplication::arguments())) {
+        debug = true;
+    }
+    const QDBusConnection bus = QDBusConnection::systemBus(); // starts the bus library's thread
     if (isUnset) {
         qunsetenv("QT_NO_GLIB");
     }
-    if (wantsDebug(QCoreApplication::arguments())) {
-        debug = true;
+    // Another instance's files, its log among them, are not to be touched.
+    const Name name = isLocked ? Name::Ours : takeName(bus);
+    if (name == Name::AnothersAlready) {
+        return refuseToStart();
+    }
+    if (name == Name::Ours) {
+        removeStaleSettingsLocks();
     }
     Norvix_Daemon daemon;
     if (debug) {
@@ -89,10 +129,9 @@ int main(int argc, char **argv)
         fprintf(stderr, "Norvix Daemon: Failed to fork (%i)!\n", int(child));
         return forkFailedStatus;
     }
-    if (lockFile(QStringLiteral("/var/lock/norvixdaemon")) < 0) {
-        fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
-        return alreadyRunningStatus;
+    const int lock = lockFile(QStringLiteral("/var/lock/norvixdaemon"));
+    if (lock < 0) {
+        return refuseToStart();
     }
-    removeStaleSettingsLocks();
-    return runDaemon(argc, argv);
+    return runDaemon(argc, argv, lock > 0);
 }

@@ -21,5 +21,5 @@ void writeSetting(QSettings *store, const char *key, const QVariant &value);
 void syncSettings(QSettings *store);
 
 /// Removes lock files that a killed process left beside the settings file: each would block the
-/// next write for half a minute. Only while holding the single-instance lock.
+/// next write for half a minute. Only while no other instance can run.
 void removeStaleSettingsLocks();
