@@ -85,7 +85,7 @@ void Norvix_Daemon::startLog()
     writeLog(constructorText(QStringLiteral("ctor invoked.")));
     const QStringList keys = settings()->allKeys();
     for (const QString &key : keys) {
-        const QString value = settings()->value(key).toString();
+        const QString value = settingText(settings()->value(key));
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
 }
