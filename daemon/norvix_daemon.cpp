@@ -50,8 +50,11 @@ Norvix_Daemon::Norvix_Daemon(QObject *parent)
           QStringLiteral("/org/freedesktop/Hal/Manager"), halManagerInterface, m_connection)
     , m_halDevice(
           QStringLiteral("/org/freedesktop/Hal/Device"), "org.freedesktop.Hal.Device", m_connection)
+    , m_listSilence(m_connection)
+    , m_deviceSilence(m_connection)
     , m_connectionTimeRetry(preciseTimer(connectionTimeRetryMs))
     , m_verifyTimer(preciseTimer(0))
+    , m_askTimer(preciseTimer(0))
     , m_statisticsTimer(preciseTimer(statisticsIntervalMs))
     , m_compilerThread(new CompilerThread(this, QString(), nullptr))
 {
@@ -69,6 +72,9 @@ Norvix_Daemon::Norvix_Daemon(QObject *parent)
     connectAtBoot();
     m_verifyTimer->setSingleShot(true);
     connect(m_verifyTimer, &QTimer::timeout, this, &Norvix_Daemon::verifyDevice);
+    m_askTimer->setSingleShot(true);
+    connect(m_askTimer, &QTimer::timeout, this, &Norvix_Daemon::askNext);
+    connect(&m_deviceSilence, &HalSilence::ended, this, &Norvix_Daemon::askNext);
     subscribeToHal();
     wireTimers();
     setPppdPatterns();
