@@ -87,7 +87,7 @@ Norvix_Daemon::~Norvix_Daemon() = default;
 
 void Norvix_Daemon::startLog()
 {
-    QFile::remove(mainLogPath());
+    removeMainLog();
     writeLog(constructorText(QStringLiteral("ctor invoked.")));
     const QStringList keys = settings()->allKeys();
     for (const QString &key : keys) {
@@ -135,6 +135,7 @@ void Norvix_Daemon::wireWorkers()
     connect(m_restartThread, &QThread::finished, this, &Norvix_Daemon::restartModemFinished);
 
     m_connectThread = new ConnectThread(settings(), &Norvix_Daemon::getModemState);
+    connect(m_connectThread, &QThread::started, this, &beginLogAttempt);
     connect(m_connectThread, &QThread::finished, this, &Norvix_Daemon::connectingFinished);
     connect(m_connectThread, &QThread::started, this, &Norvix_Daemon::connectingStarted);
     connect(m_connectThread, &ConnectThread::synchronizing, this, &Norvix_Daemon::synchronizing);

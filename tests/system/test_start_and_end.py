@@ -320,6 +320,13 @@ def test_a_verbose_log_that_cannot_be_opened_stops_nobody(bus_machine):
     daemon.wait_for_log("debugConnecting(): hello")
 
 
+@pytest.mark.parametrize("name", ["daemon_verbose.log", "daemon.log"])
+def test_a_pipe_in_a_logs_place_does_not_hold_up_the_start(bus_machine, name):
+    os.mkfifo(bus_machine.path("/opt/norvix/" + name))
+    bus_machine.start_daemon("-d").wait_for_output(STARTED)
+    assert bus_machine.client().call("reply") is True
+
+
 def test_output_is_seen_at_once_through_a_pipe(bus_machine):
     daemon = bus_machine.start_daemon("-d")
     daemon.wait_for_output(STARTED)
