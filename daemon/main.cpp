@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -35,6 +36,7 @@ void openMissingStandardStreams()
     }
 }
 
+/// Keeps "-debug" twice and "-verbose" out: start scripts rely on what is no switch being ignored.
 bool wantsDebug(const QStringList &arguments)
 {
     for (const char *option : {"--debug", "-debug", "-d", "--verbose", "-debug", "-v"}) {
@@ -111,6 +113,9 @@ int runDaemon(int argc, char **argv, bool isLocked)
 
 int main(int argc, char **argv)
 {
+    // By itself the library would keep what a client's megabytes took. Fixed at its default, the
+    // limit sends every large block back to the system as soon as it is free.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     openMissingStandardStreams();
     signal(SIGPIPE, SIG_IGN); // whoever read our output may go; the connection must not
     // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
