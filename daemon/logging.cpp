@@ -180,7 +180,9 @@ void debugHandler(QtMsgType type, const char *msg)
     const char *prefix
         = fatal ? "Norvix_Daemon::debugHandler (fatal): " : "Norvix_Daemon::debugHandler: ";
     if (!appendLine(prefix, msg, strlen(msg))) {
-        return; // Keeps the asymmetry: a fatal message that cannot be logged does not abort.
+        // Keeps the asymmetry: a fatal message that cannot be logged does not abort. An
+        // administrator would find a dead daemon and no word why.
+        return;
     }
     if (fatal) {
         abort();
@@ -210,6 +212,8 @@ void appendToDailyLog(const QString &msg)
     if (!folder.exists() && !QDir().mkpath(folder.path())) {
         return;
     }
+    // Dots in the lines, dashes in the name as in the main log: who sums up the daily logs splits
+    // at these, and sorts files by those.
     // Not QDateTime's own text: its digits are those of the system's language.
     const QLocale plain = QLocale::c();
     const QDateTime now = QDateTime::currentDateTime();

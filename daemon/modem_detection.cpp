@@ -56,7 +56,7 @@ bool Norvix_Daemon::getIsModemPlugged()
 {
     QDBusMessage reply; // of no type: while HAL is silent, nobody waits for it again
     if (!m_listSilence.isOn()) {
-        // HAL ignores the argument; it is sent all the same.
+        // HAL ignores the argument; stand-ins for it that declare one refuse a call without.
         reply = m_halManager.ask("GetAllDevices", "udi");
         if (m_halManager.unanswered()) {
             m_listSilence.begin(*m_halManager.unanswered());
@@ -140,7 +140,8 @@ bool Norvix_Daemon::examineDevice()
     if (!ids->vendor && !ids->product) {
         return true;
     }
-    // Keeps the leniency: one id that cannot be read counts as 0.
+    // Keeps the leniency: one id that cannot be read counts as 0. Where a HAL never tells one of
+    // them, the settings hold 0 for it, and the modem is found by the other.
     const int vendorId = ids->vendor.value_or(0);
     const int productId = ids->product.value_or(0);
 
@@ -149,6 +150,8 @@ bool Norvix_Daemon::examineDevice()
         m_modemPlugged = true;
         traceVerify("modem plugged");
         emit modemPlugged(readSettingText(store, "modem", QString()));
+        // Not connect_at_modem_plug, which a client sets for a modem that is adopted: this key is
+        // the user's own, who writes it into the file for the modem that is configured already.
         if (getConnectionState() == ConnectionDown
             && readSetting(store, "autoconnect", false).toBool()) {
             traceVerify("emit establishConnection()");

@@ -160,6 +160,8 @@ void Norvix_Daemon::initModemsMap()
 
 void Norvix_Daemon::testModemDriver()
 {
+    // The odd words on standard output are what start scripts and guides look for: which modem was
+    // found, and that a build has begun.
     const int productId = readSetting(settings(), "product_id", 0).toInt();
     const int vendorId = readSetting(settings(), "vendor_id", 0).toInt();
     for (const ModemInfo &modem : qAsConst(m_modems)) {
