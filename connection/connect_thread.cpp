@@ -6,6 +6,7 @@
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "support/debug.h"
+#include "support/modem_families.h"
 #include "support/my_process.h"
 #include "support/programs.h"
 #include "support/system_info.h"
@@ -14,8 +15,6 @@
 #include <QTimer>
 
 namespace {
-
-constexpr int unicornVendorId = 0x0483;
 
 constexpr int linePollMs = 5000;
 constexpr int bridgeSettlingMs = 2000;

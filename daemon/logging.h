@@ -8,6 +8,18 @@
 /// The main log's path, /opt/norvix/daemon.log.
 QString mainLogPath();
 
+/// Begins a fresh main log.
+void removeMainLog();
+
+/// A connection attempt begins. Of each attempt the log keeps the first and the last megabyte; one
+/// that holds a megabyte of older ones is put aside as daemon.log.1, the one before that as
+/// daemon.log.2. Any thread.
+void beginLogAttempt();
+
+/// What a client sent, as it may stand in a log line: its first 256 characters, those that control
+/// a terminal or end a line written as \uXXXX. All else is unchanged.
+QString loggable(const QString &foreign);
+
 /// Qt's messages: printed on standard output with "Debug: " or "Fatal: " before them, and appended
 /// to the main log. A fatal message then ends the process, but not when the log cannot be opened.
 /// Any thread.

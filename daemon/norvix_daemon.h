@@ -3,14 +3,15 @@
 // their concern; the file is named beside each group.
 #pragma once
 
+#include "daemon/announcements.h"
 #include "daemon/hal_proxy.h"
+#include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
 #include "network/traffic_meter.h"
 #include "support/dns_manager.h"
 
 #include <QDBusConnection>
 #include <QList>
-#include <QMutex>
 #include <QObject>
 #include <QRegExp>
 #include <QStringList>
@@ -131,10 +132,18 @@ private:
     void setOpenDNS(); // network/dns_check.cpp
     void removePidFiles(); // connection/connection_facts.cpp
 
+    // Detection: daemon/modem_detection.cpp. Where HAL leaves the question open, the answer is
+    // false and the question is to be asked again once HAL answers.
+    void askNext();
+    bool acceptDevice(const QString &udi);
+    bool examineDevice();
+
     // Bus and HAL: daemon/norvix_daemon.cpp, daemon/modem_detection.cpp
     QDBusConnection m_connection;
     HalProxy m_halManager;
     HalProxy m_halDevice;
+    HalSilence m_listSilence; ///< about the list of devices
+    HalSilence m_deviceSilence; ///< about the properties of a device
 
     // The line and the connection: connection/connection_control.cpp,
     // connection/connection_facts.cpp
@@ -154,6 +163,8 @@ private:
     qint32 m_newProductId = 0;
     bool m_modemPlugged = false;
     QTimer *m_verifyTimer;
+    Announcements m_announcements;
+    QTimer *m_askTimer; ///< lets bus calls in between two announcements
     QList<ModemInfo> m_modems;
 
     // Traffic: network/network_status.cpp
