@@ -136,7 +136,7 @@ def test_a_missing_bridge_daemon_is_reported_and_pppd_runs_all_the_same(line_up)
 
 @pytest.mark.parametrize("value,added", [
     ("", []), ("nodetach", ["nodetach"]), ("mtu 1400, lcp-echo-interval", ["mtu 1400", "lcp-echo-interval"]),
-    ("a,,b", ["a", "b"]),
+    ("a,,b", ["a", "", "b"]), (",a", ["", "a"]), ("a,", ["a", ""]), (",", ["", ""]), ('""', []),
 ])
 def test_extra_arguments_are_appended_in_order(line_up, value, added):
     establish(line_up, pppd_arguments=value)
