@@ -6,6 +6,7 @@
 #include "connection/line_state.h"
 #include "connection/pid_file.h"
 #include "connection/pppd_line.h"
+#include "daemon/logging.h"
 #include "support/debug.h"
 #include "support/interface_address.h"
 #include "support/programs.h"
@@ -95,7 +96,9 @@ void Norvix_Daemon::connectingFinished()
 
 void Norvix_Daemon::debugConnecting(const QByteArray &msg)
 {
-    writeLog(QStringLiteral("Norvix_Daemon::debugConnecting(): ") + QString::fromLocal8Bit(msg));
+    // Before all else, so that the log tells the line's effects after the line. As it is: what the
+    // far end sent may be no text.
+    appendBytesToLog("Norvix_Daemon::debugConnecting(): " + msg);
     switch (classifyPppdLine(msg, m_connectRegExp, m_localIpRegExp, m_authFailedRegExp)) {
     case PppdEvent::None:
         break;
