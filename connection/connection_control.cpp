@@ -144,10 +144,14 @@ void Norvix_Daemon::terminateConnection()
 
     traceStep(2);
     if (const std::optional<pid_t> bridge = readPidFile(QStringLiteral("/var/run/nas0.pid"))) {
-        // Keeps the odd argument: the character with the id's code, not its digits. The killall
-        // below is what ends the bridge.
-        runProgram(QStringLiteral("kill"),
-            {QStringLiteral("-9"), QString(QChar(ushort(*bridge & 0xffff)))}, killTimeoutMs);
+        // Keeps the odd argument: the character with the id's code, not its digits. The bridge
+        // daemon writes another file, so that this one's id may be anybody's by now; what ends the
+        // bridge is the killall below.
+        if (const std::optional<QString> character = characterOfId(*bridge)) {
+            // "0" is every process of the caller's group: kill has one of its own.
+            runProgramInOwnGroup(
+                QStringLiteral("kill"), {QStringLiteral("-9"), *character}, killTimeoutMs);
+        }
     }
 
     traceStep(3);

@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Bringing the link up and down, as a client sees it."""
+import os
+
 import pytest
 
 from lab.scenario import end, link_up, out, stay, wait_for
@@ -342,12 +344,32 @@ def test_terminating_without_a_connection_is_announced_all_the_same(bus_machine)
     assert len(bus_machine.calls("killall")) == 1
 
 
-def test_a_bridge_pid_file_leads_to_a_kill_with_one_odd_character(bus_machine):
+@pytest.mark.parametrize("bridge", [955, 65536 + ord("6"), 0x10FFFF])
+def test_a_bridge_pid_file_leads_to_a_kill_with_one_odd_character(bus_machine, bridge):
     bus_machine.standin("kill").set(exit=0)
-    bus_machine.path("/run/nas0.pid").write_text("955\n", encoding="ascii")
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % bridge, encoding="ascii")
     bus_machine.start_daemon()
     bus_machine.client().call("terminateConnection")
-    assert bus_machine.wait_call("kill").argv == ["-9", chr(955)]
+    assert bus_machine.wait_call("kill").argv == ["-9", chr(bridge)]
+
+
+@pytest.mark.parametrize("bridge", [0xD800, 0xDFFF, 0x110000, 4194304])
+def test_a_bridge_id_that_is_no_characters_code_starts_no_kill(bus_machine, bridge):
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % bridge, encoding="ascii")
+    daemon = bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    bus_machine.wait_call("killall")
+    assert bus_machine.calls("kill") == [] and daemon.running()
+
+
+def test_a_bridge_id_that_makes_kill_signal_its_own_group_does_not_reach_the_daemon(bus_machine):
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % ord("0"), encoding="ascii")
+    daemon = bus_machine.start_daemon()
+    client = bus_machine.client()
+    client.call("terminateConnection")
+    assert bus_machine.wait_call("kill").argv == ["-9", "0"]
+    client.wait_signal("connectionTerminated")
+    assert daemon.running()
 
 
 @pytest.mark.parametrize("content", ["-1\n", "0\n", "1\n", "99999999999\n", "text\n", "", "\n5\n",
@@ -364,6 +386,18 @@ def test_a_pid_file_that_holds_no_process_kills_nobody(bus_machine, content):
     assert daemon.running() and "pid: " not in daemon.output()
     assert bus_machine.calls("kill") == []
     assert not bus_machine.path(LINK_PID).exists()
+
+
+def test_a_pid_file_that_is_a_pipe_keeps_nobody_waiting(bus_machine):
+    bus_machine.start_daemon()
+    for path in (LINK_PID, INTERFACE_PID, "/run/nas0.pid"):
+        os.mkfifo(bus_machine.path(path))
+    client = bus_machine.client()
+    assert client.call("getInterface") == "ppp0"
+    assert client.call("getConnectionState") == 2
+    client.call("terminateConnection")
+    client.wait_signal("connectionTerminated")
+    assert bus_machine.calls("kill") == []
 
 
 def test_the_interface_pid_file_ends_a_pppd_of_another_name(bus_machine):
