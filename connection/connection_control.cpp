@@ -43,10 +43,12 @@ void traceStep(int step)
     qDebug("%d ", step);
 }
 
-/// Kills the process whose id the file at @p path holds.
-void killProcessOf(const QString &path)
+/// Kills the process whose id the file at @p path holds, unless it is one that took over the id of
+/// @p pppd, which a crash had left in the file.
+void killProcessOf(const QString &path, const std::optional<ProcessIdentity> &pppd)
 {
-    if (const std::optional<pid_t> pid = readPidFile(path)) {
+    const std::optional<pid_t> pid = readPidFile(path);
+    if (pid && !isTakenOver(*pid, pppd)) {
         qDebug("pid: %d ", int(*pid));
         kill(*pid, SIGKILL);
     }
@@ -112,6 +114,7 @@ void Norvix_Daemon::debugConnecting(const QByteArray &msg)
         emit IP(getIP(QString()));
         emit defaultRoute(getDefaultRoute());
         m_connecting = false;
+        m_pppd.reset(); // who wrote this line is running, whatever is known of its id
         getConnectionTime();
         m_statisticsTimer->start();
         break;
@@ -140,7 +143,7 @@ int Norvix_Daemon::getConnectionState()
 void Norvix_Daemon::terminateConnection()
 {
     traceStep(1);
-    killProcessOf(QStringLiteral("/var/run/ppp-norvix.pid"));
+    killProcessOf(QStringLiteral("/var/run/ppp-norvix.pid"), m_pppd);
 
     traceStep(2);
     if (const std::optional<pid_t> bridge = readPidFile(QStringLiteral("/var/run/nas0.pid"))) {
@@ -167,5 +170,6 @@ void Norvix_Daemon::terminateConnection()
 
     traceStep(5);
     puts("Norvix_Daemon::terminateConnection()");
-    killProcessOf(QStringLiteral("/var/run/") + getInterface() + QStringLiteral(".pid"));
+    killProcessOf(QStringLiteral("/var/run/") + getInterface() + QStringLiteral(".pid"), m_pppd);
+    m_pppd.reset();
 }

@@ -65,6 +65,9 @@ QTime Norvix_Daemon::getConnectionTime()
     if (!pid) {
         pid = readPidFile(runFolder + getInterface() + QStringLiteral(".pid"));
     }
+    if (pid && !m_pppd) {
+        m_pppd = identityOf(*pid);
+    }
     const std::optional<QTime> elapsed
         = pid ? parseElapsedTime(elapsedTimeText(*pid)) : std::nullopt;
     if (!elapsed) {

@@ -3,6 +3,7 @@
 // their concern; the file is named beside each group.
 #pragma once
 
+#include "connection/process_identity.h"
 #include "daemon/hal_proxy.h"
 #include "daemon/modem_catalogue.h"
 #include "network/traffic_meter.h"
@@ -15,6 +16,7 @@
 #include <QRegExp>
 #include <QStringList>
 #include <QTime>
+#include <optional>
 
 class CompilerThread;
 class ConnectThread;
@@ -143,6 +145,7 @@ private:
     QRegExp m_authFailedRegExp;
     bool m_connecting = false;
     ConnectThread *m_connectThread = nullptr;
+    std::optional<ProcessIdentity> m_pppd; ///< as first read from its pid file
     QTime m_connectionTime; ///< elapsed time; invalid while unknown
     QTimer *m_connectionTimeRetry; ///< asks again every second while the time is unknown
 

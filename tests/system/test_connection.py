@@ -6,6 +6,7 @@ import pytest
 
 from lab.scenario import end, link_up, out, stay, wait_for
 from lab.waiting import wait_until
+from obstacles import ROOT_ONLY
 
 PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}
 USUAL_ARGUMENTS = ["debug", "linkname", "norvix", "call"]
@@ -398,6 +399,35 @@ def test_a_pid_file_that_is_a_pipe_keeps_nobody_waiting(bus_machine):
     client.call("terminateConnection")
     client.wait_signal("connectionTerminated")
     assert bus_machine.calls("kill") == []
+
+
+@ROOT_ONLY
+def test_a_process_that_took_over_the_id_of_a_crashed_pppd_is_not_killed(line_up):
+    daemon, client = established(line_up)
+    pppd = line_up.calls("pppd")[0]
+    line_up.kill(pppd.pid, 9)
+    client.wait_signal("connectionState")
+    assert line_up.path(LINK_PID).read_text(encoding="ascii").startswith("%d\n" % pppd.pid)
+    innocent = start_with_id(line_up, pppd.pid)
+    client.call("terminateConnection")
+    client.wait_signal("connectionTerminated")
+    assert innocent.ended() is None
+    assert "pid: " not in daemon.output()
+
+    # Nothing is known any more of an id in a file that has been written since.
+    line_up.path(LINK_PID).write_text("%d\nppp0\n" % innocent.pid, encoding="ascii")
+    client.call("terminateConnection")
+    assert innocent.wait() == -9
+
+
+def start_with_id(machine, pid):
+    """A process with just that id."""
+    def start():
+        machine.write("/proc/sys/kernel/ns_last_pid", b"%d" % (pid - 1))
+        process = machine.spawn(["/usr/bin/sleep", "1000"], label="innocent")
+        return process if process.pid == pid else process.signal()
+
+    return wait_until(start, what="a process with the id %d" % pid)
 
 
 def test_the_interface_pid_file_ends_a_pppd_of_another_name(bus_machine):
