@@ -26,6 +26,13 @@ public:
     /// Kills the pppd that this thread started, if it still runs. Main thread.
     void killPppd();
 
+    /// The process that runs pppd, for its signals. Main thread.
+    const MyProcess *pppd() const { return m_process; }
+
+    /// Has the next pppd wait until @p killall is readable, at most ten seconds: a killall that
+    /// still runs would kill it. Nothing to wait for when it is not open. Main thread.
+    void waitBeforePppd(FileDescriptor killall);
+
     /// The outcome once the thread has finished: 0 when the line never synchronised, else 3.
     int result() const { return m_result; }
 

@@ -96,6 +96,15 @@ void Norvix_Daemon::connectingFinished()
     emit connectionState(getConnectionState());
 }
 
+/// The end of a pppd that outlived its thread, perhaps while it was dialling again. While a thread
+/// runs, its own end decides.
+void Norvix_Daemon::pppdEnded()
+{
+    if (!m_connectThread->isRunning()) {
+        m_connecting = false;
+    }
+}
+
 void Norvix_Daemon::debugConnecting(const QByteArray &msg)
 {
     // Before all else, so that the log tells the line's effects after the line. As it is: what the

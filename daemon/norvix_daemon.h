@@ -129,6 +129,7 @@ private:
     void setPppdPatterns();
     void adoptRunningConnection();
 
+    void pppdEnded(); // connection/connection_control.cpp
     void initModemsMap(); // daemon/norvix_daemon.cpp
     void setOpenDNS(); // network/dns_check.cpp
     void removePidFiles(); // connection/connection_facts.cpp
