@@ -12,6 +12,7 @@
 
 #include <QEventLoop>
 #include <QTimer>
+#include <poll.h>
 
 namespace {
 
@@ -25,6 +26,10 @@ constexpr int pppdTimeoutMs = 90000;
 
 // How long a pppd that has just been killed may take to go before a new one is started.
 constexpr int pppdEndingMs = 1000;
+
+// How long a killall that still runs is waited for before a new pppd is started: longer than it
+// has, but one that cannot be ended keeps nobody from connecting.
+constexpr int killallEndingMs = 10000;
 
 // Lines that may wait for the main thread before reading pauses.
 constexpr int linesAhead = 256;
@@ -59,6 +64,27 @@ void ConnectThread::launch()
 void ConnectThread::killPppd()
 {
     m_process->kill();
+}
+
+void ConnectThread::waitBeforePppd(FileDescriptor killall)
+{
+    if (killall.isOpen()) {
+        const std::lock_guard<std::mutex> lock(m_killallMutex);
+        m_killall = std::move(killall);
+    }
+}
+
+void ConnectThread::waitForKillall()
+{
+    FileDescriptor killall;
+    {
+        const std::lock_guard<std::mutex> lock(m_killallMutex);
+        killall = std::move(m_killall);
+    }
+    if (killall.isOpen()) {
+        pollfd end = {killall.get(), POLLIN, 0};
+        poll(&end, 1, killallEndingMs);
+    }
 }
 
 /// Lets the main thread catch up now and then, so that a pppd that floods its output fills its own
@@ -194,6 +220,7 @@ void ConnectThread::run()
     if (m_process->state() != QProcess::NotRunning) {
         m_process->waitForFinished(pppdEndingMs);
     }
+    waitForKillall();
     m_process->start(QStringLiteral("pppd"), m_arguments);
     if (m_process->waitForFinished(pppdTimeoutMs)) {
         return;

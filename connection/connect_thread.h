@@ -2,10 +2,13 @@
 // The worker thread that brings the link up.
 #pragma once
 
+#include "support/file_descriptor.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QThread>
+#include <mutex>
 
 class MyProcess;
 class QSettings;
@@ -50,6 +53,7 @@ public slots:
 
 private:
     void keepPaceWithReader();
+    void waitForKillall();
     void prepareDSL0();
     void prepareNAS0();
     void prepareInterface(const char *operation, const char *interface);
@@ -64,4 +68,6 @@ private:
     QSettings *m_settings;
     int m_result = 3;
     int m_linesSent = 0;
+    std::mutex m_killallMutex;
+    FileDescriptor m_killall;
 };

@@ -17,6 +17,7 @@
 namespace {
 
 constexpr int killTimeoutMs = 500;
+constexpr int killallGraceMs = 5000;
 
 /// The note on a line that is not up. It says "returning", yet the connection goes on: the thread
 /// waits for the line by itself.
@@ -172,10 +173,13 @@ void Norvix_Daemon::terminateConnection()
     m_statisticsTimer->stop();
 
     traceStep(4);
-    runProgram(QStringLiteral("killall"),
+    // A late one has its time: without a pid file nothing else ends pppd. The next connection
+    // waits.
+    ProgramResult killall = runProgramWithGrace(QStringLiteral("killall"),
         {QStringLiteral("-9"), QStringLiteral("pppd"), QStringLiteral("br2684ctl_amd64"),
             QStringLiteral("br2684ctl_i386")},
-        killTimeoutMs);
+        killTimeoutMs, killallGraceMs);
+    m_connectThread->waitBeforePppd(std::move(killall.leftBehind));
 
     traceStep(5);
     puts("Norvix_Daemon::terminateConnection()");

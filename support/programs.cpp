@@ -7,6 +7,7 @@
 #include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTimer>
 #include <memory>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -29,14 +30,10 @@ protected:
     void setupChildProcess() override { setpgid(0, 0); }
 };
 
-/// Ends a process that exceeded its time. One that does not even go by SIGKILL waits in the kernel,
-/// perhaps for ever: the main thread reaps it, and we do not wait. The descriptor tells its end.
-FileDescriptor endOrLeave(std::unique_ptr<QProcess> process)
+/// Leaves a process to the main thread, which reaps it whenever it ends. The descriptor tells the
+/// end.
+FileDescriptor leaveBehind(std::unique_ptr<QProcess> process)
 {
-    process->kill();
-    if (process->waitForFinished(killedWithinMs)) {
-        return FileDescriptor();
-    }
     FileDescriptor end(int(syscall(SYS_pidfd_open, pid_t(process->processId()), 0)));
     QProcess *left = process.release();
     QObject::connect(left, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), left,
@@ -45,6 +42,15 @@ FileDescriptor endOrLeave(std::unique_ptr<QProcess> process)
         left->moveToThread(QCoreApplication::instance()->thread());
     }
     return end;
+}
+
+/// Ends a process that exceeded its time. One that does not even go by SIGKILL waits in the kernel,
+/// perhaps for ever: it is left behind.
+FileDescriptor endOrLeave(std::unique_ptr<QProcess> process)
+{
+    process->kill();
+    return process->waitForFinished(killedWithinMs) ? FileDescriptor()
+                                                    : leaveBehind(std::move(process));
 }
 
 /// Reads until @p maxOutput bytes are there, the program ends or the time is over; what comes after
@@ -63,7 +69,8 @@ QByteArray readBeginning(QProcess &process, int maxOutput, const QDeadlineTimer 
 
 /// Runs @p program with @p process, an object that nothing has been started with.
 ProgramResult run(std::unique_ptr<QProcess> process, const QString &program,
-    const QStringList &arguments, int timeoutMs, const QStringList &environment, int maxOutput)
+    const QStringList &arguments, int timeoutMs, const QStringList &environment, int maxOutput,
+    int graceMs = 0)
 {
     const QDeadlineTimer deadline(timeoutMs, Qt::PreciseTimer);
     ProgramResult result;
@@ -89,7 +96,12 @@ ProgramResult run(std::unique_ptr<QProcess> process, const QString &program,
         process->waitForFinished(int(deadline.remainingTime()));
     }
     if (process->state() != QProcess::NotRunning) {
-        result.leftBehind = endOrLeave(std::move(process));
+        if (graceMs > 0) {
+            QTimer::singleShot(graceMs, process.get(), &QProcess::kill);
+            result.leftBehind = leaveBehind(std::move(process));
+        } else {
+            result.leftBehind = endOrLeave(std::move(process));
+        }
     } else if (process->error() == QProcess::FailedToStart) {
         result.processId = 0; // it was that of the child which could not become the program
     } else if (process->exitStatus() == QProcess::NormalExit) {
@@ -136,8 +148,14 @@ ProgramResult runProgram(const QString &program, const QStringList &arguments, i
     return run(std::make_unique<QProcess>(), program, arguments, timeoutMs, environment, maxOutput);
 }
 
+ProgramResult runProgramWithGrace(
+    const QString &program, const QStringList &arguments, int timeoutMs, int graceMs)
+{
+    return run(std::make_unique<QProcess>(), program, arguments, timeoutMs, {}, 0, graceMs);
+}
+
 ProgramResult runProgramInOwnGroup(
     const QString &program, const QStringList &arguments, int timeoutMs)
 {
-    return run(std::make_unique<GroupLeader>(), program, arguments, timeoutMs, QStringList(), 0);
+    return run(std::make_unique<GroupLeader>(), program, arguments, timeoutMs, {}, 0);
 }

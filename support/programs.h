@@ -20,7 +20,8 @@ struct ProgramResult
     std::optional<int> exitCode; ///< empty: not started, crashed, or ended at its limit
     qint64 processId = 0; ///< 0 when it could not be started
     QByteArray output; ///< the beginning of its standard output, when that was asked for
-    /// Open when not even SIGKILL ended it: poll() finds it readable once it is gone.
+    /// Open while it still runs, in its grace or because not even SIGKILL ended it: poll() finds it
+    /// readable once it is gone.
     FileDescriptor leftBehind;
 };
 
@@ -32,6 +33,12 @@ struct ProgramResult
 ProgramResult runProgram(const QString &program, const QStringList &arguments, int timeoutMs,
     const QStringList &environment = QStringList(), int maxOutput = 0);
 
-/// The same for a program that may signal its own process group: it gets one that is not ours.
+/// The same for a program whose work must be done, late or not: at @p timeoutMs it is left behind
+/// and goes on; @p graceMs later it is killed. Main thread.
+ProgramResult runProgramWithGrace(
+    const QString &program, const QStringList &arguments, int timeoutMs, int graceMs);
+
+/// The same as runProgram() for a program that may signal its own process group: it gets one that
+/// is not ours.
 ProgramResult runProgramInOwnGroup(
     const QString &program, const QStringList &arguments, int timeoutMs);

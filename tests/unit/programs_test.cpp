@@ -85,6 +85,7 @@ private slots:
     void aHangingProgramIsEndedAtItsLimit();
     void aHangingProgramOfAWorkerIsEndedAtItsLimit();
     void aProgramThatCannotBeKilledIsLeftBehindAndReaped();
+    void aProgramWithGraceFinishesLateOrIsEnded();
     void onlyAProgramInAGroupOfItsOwnMaySignalItsGroup();
     void aDaemonThatGoesToTheBackgroundEndsTheWait();
     void noZombieAndNoDescriptorStays();
@@ -390,6 +391,25 @@ void ProgramsTest::aProgramThatCannotBeKilledIsLeftBehindAndReaped()
     QCOMPARE(::kill(pid_t(result.processId), SIGKILL), 0); // with all rights again
     QCOMPARE(poll(&end, 1, enough), 1);
     QTRY_VERIFY_WITH_TIMEOUT(isGone(result.processId), enough);
+}
+
+void ProgramsTest::aProgramWithGraceFinishesLateOrIsEnded()
+{
+    const QString done = m_scripts.path() + QStringLiteral("/done");
+    const QString late
+        = m_scripts.add(QStringLiteral("late"), "sleep 1; echo > " + QFile::encodeName(done));
+    const ProgramResult finished = runProgramWithGrace(late, {}, 100, enough);
+    QVERIFY(!finished.exitCode && finished.leftBehind.isOpen());
+    QTRY_VERIFY_WITH_TIMEOUT(isGone(finished.processId), enough);
+    QVERIFY(QFile::exists(done));
+
+    const ProgramResult ended = runProgramWithGrace(m_hang, {}, 100, 300);
+    QCOMPARE(::kill(pid_t(ended.processId), 0), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(isGone(ended.processId), enough);
+
+    const ProgramResult inTime = runProgramWithGrace(QStringLiteral("true"), {}, enough, enough);
+    QCOMPARE(inTime.exitCode.value_or(-1), 0);
+    QVERIFY(!inTime.leftBehind.isOpen());
 }
 
 void ProgramsTest::onlyAProgramInAGroupOfItsOwnMaySignalItsGroup()
