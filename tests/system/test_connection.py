@@ -25,6 +25,7 @@ def establish(machine, *arguments, **settings):
     machine.settings(**settings)
     client = machine.client()
     daemon = machine.start_daemon(*arguments)
+    daemon.wait_started()
     client.call("establishConnection")
     return daemon, client
 
@@ -442,6 +443,27 @@ def test_the_interface_pid_file_ends_a_pppd_of_another_name(bus_machine):
     assert not bus_machine.path("/run/ppp3.pid").exists()
 
 
+def test_last_of_all_the_process_of_the_interface_that_is_then_found_is_killed(bus_machine):
+    """Once the connection's own pid files are gone, the pid file of the next interface counts."""
+    bus_machine.path(LINK_PID).write_text("ppp3\n", encoding="ascii")
+    next_one = bus_machine.spawn(["/usr/bin/sleep", "1000"], label="other")
+    bus_machine.path("/run/ppp3.pid").write_text("none\n", encoding="ascii")
+    bus_machine.path("/run/ppp5.pid").write_text("%d\n" % next_one.pid, encoding="ascii")
+    bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    assert next_one.wait() == -9
+    assert not bus_machine.path("/run/ppp3.pid").exists()
+
+
+def test_a_pppd_that_writes_its_pid_file_while_killall_runs_is_killed_in_the_end(bus_machine):
+    late = bus_machine.spawn(["/usr/bin/sleep", "1000"], label="other")
+    killall = bus_machine.path("/usr/local/sbin/killall")
+    killall.write_text("#!/bin/sh\necho %d > %s\n" % (late.pid, INTERFACE_PID), encoding="ascii")
+    bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    assert late.wait() == -9
+
+
 def test_after_the_end_a_new_connection_starts_at_the_first_try(line_up):
     _, client = established(line_up)
     for round_ in range(2, 5):
@@ -450,7 +472,8 @@ def test_after_the_end_a_new_connection_starts_at_the_first_try(line_up):
         client.call("establishConnection")
         client.wait_signal("connectionEstablished", count=round_)
     assert len(line_up.calls("pppd")) == 4
-    assert [facts for facts in line_up.processes() if facts["state"] == "Z"] == []
+    wait_until(lambda: not [facts for facts in line_up.processes() if facts["state"] == "Z"],
+               what="no zombie", detail=line_up.processes)
 
 
 # ---- a daemon that ends under a connection
