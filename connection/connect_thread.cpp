@@ -103,6 +103,8 @@ void ConnectThread::say(const char *operation, const QString &text)
         QStringLiteral("ConnectThread::%1(): %2").arg(QLatin1String(operation), text));
 }
 
+// What is printed here and in run() is how users' reports tell how far an attempt has come: the
+// texts stay as they are.
 bool ConnectThread::waitForSynchronization()
 {
     printf("wFS(): counter == %i\n", counter);
@@ -171,7 +173,8 @@ void ConnectThread::prepareBridging()
     const QString circuit = vpi + QLatin1Char('.') + vci;
     say(operation, QStringLiteral("VPI.VCI: ") + circuit);
 
-    // Keeps the asymmetry: a fixed path on 32-bit systems, a look-up along the path elsewhere.
+    // Keeps the asymmetry: on 32-bit systems this installation's own one, elsewhere the first along
+    // the path, so that one which an administrator has put before it counts.
     const QString bridge = m_is32bit ? QStringLiteral("/opt/norvix/bin/br2684ctl_i386")
                                      : QStringLiteral("br2684ctl_amd64");
     const ProgramResult br2684ctl = runProgram(bridge,
@@ -188,10 +191,15 @@ void ConnectThread::prepareBridging()
                 QStringLiteral("dev"), QStringLiteral("nas0")},
             bridgingTimeoutMs, m_environment);
     };
+    // Twice: the bridge daemon goes to the background before nas0 is sure to be there. Only the
+    // second run is reported, which fails where the first one has set the address; who reads logs
+    // knows that "failed!" as the usual outcome.
     addAddress();
-    QTimer::singleShot(bridgeSettlingMs, Qt::PreciseTimer, [this] { quit(); });
+    // The timer belongs to this thread: through the thread object, which lives on the main one, a
+    // busy main thread would delay it.
+    const QObject here;
+    QTimer::singleShot(bridgeSettlingMs, Qt::PreciseTimer, &here, [this] { quit(); });
     exec();
-    // Only the second run is reported, which fails where the first one has set the address.
     say(operation, QLatin1String(addAddress().exitCode == 0 ? "ip: success." : "ip: failed!"));
 }
 

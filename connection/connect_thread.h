@@ -15,6 +15,9 @@ class QSettings;
 
 /// Waits for the line, prepares interface and bridge, runs pppd. One object for the life of the
 /// process, living on the main thread; launched once per connection.
+///
+/// The thread may wait for the main thread, and does so every few hundred lines of pppd; therefore
+/// the main thread never waits for this one.
 class ConnectThread : public QThread
 {
     Q_OBJECT

@@ -39,6 +39,7 @@ const char *noteOnLine(int lineState)
     return nullptr;
 }
 
+/// The bare number is all that the log tells of a step; users' reports are read by it.
 void traceStep(int step)
 {
     qDebug("%d ", step);
@@ -88,7 +89,7 @@ void Norvix_Daemon::connectingFinished()
     case 0:
         emit synchronizationFailed();
         break;
-    case 2:
+    case 2: // no thread ends with it any more, pppd's line tells; kept for one that will
         emit connectionTimeout();
         break;
     default:
@@ -120,6 +121,8 @@ void Norvix_Daemon::debugConnecting(const QByteArray &msg)
         m_statisticsTimer->stop();
         break;
     case PppdEvent::LocalAddress:
+        // In this order: at the first signal clients forget the last link's address and route, and
+        // the resolver is checked; the next two tell the new ones.
         emit connectionEstablished();
         emit IP(getIP(QString()));
         emit defaultRoute(getDefaultRoute());

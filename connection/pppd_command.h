@@ -12,5 +12,6 @@ QStringList pppdArguments(const QString &peer, const QStringList &extraArguments
 
 /// @p environment with the daemon's own library and program folders at the end of its search paths.
 /// Where it has no such path, the bare folder is added as an entry without a name, which no child
-/// ever sees.
+/// ever sees: whoever started the daemon without a library path gets pppd, its plugins and the
+/// users' scripts without one, too.
 QStringList childEnvironment(const QStringList &environment, bool is32bit);
