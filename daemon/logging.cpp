@@ -206,6 +206,15 @@ void appendToLog(const QString &msg)
     appendLine("", text.constData(), size_t(text.size()));
 }
 
+void appendBytesToLog(const QByteArray &msg)
+{
+    if (debug) {
+        puts(msg.constData());
+    }
+    const std::lock_guard<std::mutex> lock(logMutex);
+    appendLine("", msg.constData(), size_t(msg.size()));
+}
+
 void appendToDailyLog(const QString &msg)
 {
     const QDir folder(QStringLiteral("/var/log/norvix"));

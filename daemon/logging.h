@@ -2,6 +2,7 @@
 // The log files: the main log and the daily log.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QtGlobal>
 
@@ -31,6 +32,9 @@ void installDebugHandler();
 /// Appends "dd-MM-yyyy hh:mm:ss @p msg" to the main log in UTF-8, and prints it on standard output
 /// when `debug` is set. A log that cannot be opened is skipped silently. Any thread.
 void appendToLog(const QString &msg);
+
+/// The same for bytes that may be no text: they stand in the log as they are.
+void appendBytesToLog(const QByteArray &msg);
 
 /// Appends "dd.MM.yyyy hh:mm:ss: @p msg" to today's file under /var/log/norvix, which is made when
 /// missing. Failures are silent. Main thread.

@@ -10,6 +10,7 @@
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
 #include "support/debug.h"
+#include "support/my_process.h"
 
 #include <QDBusError>
 #include <QEventLoop>
@@ -141,6 +142,9 @@ void Norvix_Daemon::wireWorkers()
     connect(m_connectThread, &ConnectThread::synchronizing, this, &Norvix_Daemon::synchronizing);
     connect(m_connectThread, &ConnectThread::threadMessage, this, &Norvix_Daemon::writeLog);
     connect(m_connectThread, &ConnectThread::debugMsg, this, &Norvix_Daemon::debugConnecting);
+    qRegisterMetaType<QProcess::ExitStatus>(); // from the thread it comes queued
+    connect(m_connectThread->pppd(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+        this, &Norvix_Daemon::pppdEnded);
 
     // By name: the signal compilationFinished(bool) has the same one.
     connect(m_compilerThread, SIGNAL(finished()), this, SLOT(compilationFinished()));

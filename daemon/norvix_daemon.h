@@ -4,6 +4,7 @@
 #pragma once
 
 #include "daemon/announcements.h"
+#include "connection/process_identity.h"
 #include "daemon/hal_proxy.h"
 #include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
@@ -16,6 +17,7 @@
 #include <QRegExp>
 #include <QStringList>
 #include <QTime>
+#include <optional>
 
 class CompilerThread;
 class ConnectThread;
@@ -128,6 +130,7 @@ private:
     void setPppdPatterns();
     void adoptRunningConnection();
 
+    void pppdEnded(); // connection/connection_control.cpp
     void initModemsMap(); // daemon/norvix_daemon.cpp
     void setOpenDNS(); // network/dns_check.cpp
     void removePidFiles(); // connection/connection_facts.cpp
@@ -152,6 +155,7 @@ private:
     QRegExp m_authFailedRegExp;
     bool m_connecting = false;
     ConnectThread *m_connectThread = nullptr;
+    std::optional<ProcessIdentity> m_pppd; ///< as first read from its pid file
     QTime m_connectionTime; ///< elapsed time; invalid while unknown
     QTimer *m_connectionTimeRetry; ///< asks again every second while the time is unknown
 

@@ -69,6 +69,14 @@ def test_bytes_that_are_no_text_do_no_harm(bus_machine, text):
     _, client = establish(bus_machine, [out(text), *link_up(), stay()])
     client.wait_signal("connectionEstablished")
     assert client.call("reply") is True
+    log = bus_machine.path("/opt/norvix/daemon.log").read_bytes()
+    assert b"Norvix_Daemon::debugConnecting(): " + text.split(b"\n")[0] + b"\n" in log
+
+
+def test_a_zero_byte_does_not_hide_what_pppd_says(bus_machine):
+    _, client = establish(
+        bus_machine, [out(b"\xff\0CHAP authentication failed: permission denied\n"), stay()])
+    client.wait_signal("invalidAccountData")
 
 
 def test_100000_lines_at_once_are_logged_in_order_while_calls_are_answered(bus_machine):

@@ -75,6 +75,7 @@ def test_the_unit_finds_the_daemons_process_in_its_lock(bus_machine):
 def test_unit_and_activation_agree():
     service, activation = settings(UNIT)["Service"], settings(ACTIVATION)["D-BUS Service"]
     assert service["ExecStart"] == activation["Exec"] == "/opt/norvix/bin/norvix-daemon"
+    assert service["ExecStartPre"] == "-/opt/norvix/libexec/end-ghosts"  # may fail
     assert activation["SystemdService"] == UNIT.name
     assert ACTIVATION.name == activation["Name"] + ".service"  # systemd insists
 

@@ -106,6 +106,7 @@ private slots:
     void aFatalMessageIsLoggedAndEndsTheProcess();
     void aFatalMessageThatCannotBeLoggedDoesNotEndTheProcess();
     void aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging();
+    void bytesThatAreNoTextStandAsTheyAre();
     void theStampIsTheLocalTime();
     void theLogIsMadeAnewWhenItWasRemoved();
     void aLogThatCannotBeWrittenIsSkippedSilently_data();
@@ -240,6 +241,17 @@ void LoggingTest::aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging()
     appendToLog(text);
     QCOMPARE(capture.text(), bytes + '\n');
     QCOMPARE(mainLog(), bytes + '\n' + bytes + '\n');
+}
+
+void LoggingTest::bytesThatAreNoTextStandAsTheyAre()
+{
+    const QByteArray bytes("a\xff\xc3 b\0c", 8);
+    appendBytesToLog(bytes);
+    QCOMPARE(mainLog(), bytes + '\n');
+    debug = true;
+    CapturedStdout capture;
+    appendBytesToLog("\xff");
+    QCOMPARE(capture.text(), QByteArray("\xff\n"));
 }
 
 void LoggingTest::theStampIsTheLocalTime()
