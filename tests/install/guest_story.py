@@ -151,7 +151,7 @@ def has_built():
 
 def builds_a_missing_driver():
     """For a modem whose driver the kernel does not bring, with the distribution's headers."""
-    [shipped] = pathlib.Path("/lib/modules").glob("*/kernel/drivers/usb/atm/ueagle-atm.ko")
+    [shipped] = pathlib.Path("/lib/modules").glob("*/kernel/drivers/usb/atm/ueagle-atm.ko*")
     shipped.unlink()
     system.run("depmod", "-a")
     [tools] = pathlib.Path("/usr/lib").glob("linux-kbuild-*")

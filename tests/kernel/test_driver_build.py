@@ -11,7 +11,8 @@ from lab.kernel.driver_tarball import LOADED, TARBALL, source, write_tarball
 
 RELEASE = os.uname().release
 TREE = pathlib.Path("/lib/modules") / RELEASE
-SHIPPED = TREE / "kernel/drivers/usb/atm/ueagle-atm.ko"
+# Compressed or not, as the distribution does it.
+[SHIPPED] = (TREE / "kernel/drivers/usb/atm").glob("ueagle-atm.ko*")
 
 # An emulated processor compiles slowly.
 BUILD_SECONDS = 420
@@ -30,7 +31,7 @@ def shipped():
     content = SHIPPED.read_bytes()
     yield content
     SHIPPED.write_bytes(content)
-    for path in TREE.rglob("ueagle-atm.ko"):
+    for path in TREE.rglob("ueagle-atm.ko*"):
         if path != SHIPPED:
             path.unlink()
     TARBALL.unlink(missing_ok=True)
