@@ -249,7 +249,7 @@ def measure_lines():
 
 def measure_line_state():
     typical = Figure("line state, full log, typical")
-    worst = Figure("line state, full log, worst case", aim="100 us", limit="300 us")
+    worst = Figure("line state, full log, worst case", aim="200 us", limit="300 us")
     progress("line state ...")
     cases = [line.split("|") for line in output_of(HERE / "line-state-query").splitlines()]
     times = [(int(ours), int(floor), kind, family) for kind, family, ours, floor in cases]

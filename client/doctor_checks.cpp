@@ -5,6 +5,8 @@
 #include "client/pppd_explain.h"
 #include "client/say.h"
 
+#include <optional>
+
 namespace {
 
 Finding good(const QString &text)
@@ -30,6 +32,31 @@ Finding notChecked(const QString &text, const QString &remedy = QString())
 QString asRoot()
 {
     return Say::tr("Repeat the check with “sudo norvixctl doctor”.");
+}
+
+struct NeededModule
+{
+    QString name;
+    Module state;
+};
+
+/// A fault that names those of the needed modules that the kernel does not have; nothing when it
+/// has all of them.
+std::optional<Finding> lackingModules(const Facts &facts, const QList<NeededModule> &needed)
+{
+    QStringList lacking;
+    for (const NeededModule &module : needed) {
+        if (module.state == Module::Missing) {
+            lacking.append(module.name);
+        }
+    }
+    if (lacking.isEmpty()) {
+        return std::nullopt;
+    }
+    return fault(Say::tr("Kernel %1 lacks what this connection needs: %2.")
+                     .arg(facts.kernel, lacking.join(QStringLiteral(", "))),
+        Say::tr("Install the distribution's full kernel, not one for clouds or a minimal one, and "
+                "boot it: “sudo apt install linux-image-amd64”, “sudo reboot”."));
 }
 
 Finding checkDaemon(const Facts &facts)
@@ -130,6 +157,14 @@ Finding checkDriver(const Facts &facts)
     if (facts.isCompiling) {
         return doubtful(
             Say::tr("The driver is being built now."), Say::tr("Wait until it has finished."));
+    }
+    // Without what it stands on no driver loads, and none can be built.
+    if (facts.isDriverOverAtm()
+        && (facts.atmModule == Module::Missing || facts.usbatmModule == Module::Missing)) {
+        return *lackingModules(facts,
+            {{QStringLiteral("atm"), facts.atmModule},
+                {QStringLiteral("usbatm"), facts.usbatmModule},
+                {facts.driver, facts.driverModule}});
     }
     switch (facts.driverModule) {
     case Module::Loaded:
@@ -243,10 +278,10 @@ Finding checkPpp(const Facts &facts)
         return fault(
             Say::tr("pppd is not installed."), Say::tr("Install it: “sudo apt install ppp”."));
     }
-    if (facts.pppModule == Module::Missing || facts.protocolModule == Module::Missing) {
-        return fault(Say::tr("Kernel %1 has no support for PPP over this line.").arg(facts.kernel),
-            Say::tr("Install the distribution's full kernel: “sudo apt install "
-                    "linux-image-amd64”."));
+    if (const auto lacking = lackingModules(facts,
+            {{QStringLiteral("ppp_generic"), facts.pppModule},
+                {QLatin1String(facts.protocolModuleName()), facts.protocolModule}})) {
+        return *lacking;
     }
     if (!facts.hasPppDevice && facts.pppModule != Module::Available) {
         return doubtful(Say::tr("/dev/ppp does not exist."),
@@ -260,15 +295,14 @@ Finding checkBridge(const Facts &facts)
     if (!facts.isPppoe()) {
         return good(Say::tr("not needed for this protocol"));
     }
+    if (const auto lacking
+        = lackingModules(facts, {{QStringLiteral("br2684"), facts.bridgeModule}})) {
+        return *lacking;
+    }
     if (!facts.hasBridgeTool) {
         return fault(Say::tr("%1 is missing or can not be run.").arg(facts.bridgeTool),
             Say::tr("“sudo apt install br2684ctl”, then “sudo ln -s /usr/sbin/br2684ctl %1”.")
                 .arg(facts.bridgeTool));
-    }
-    if (facts.bridgeModule == Module::Missing) {
-        return fault(Say::tr("Kernel %1 has no module br2684.").arg(facts.kernel),
-            Say::tr("Install the distribution's full kernel: “sudo apt install "
-                    "linux-image-amd64”."));
     }
     return good(Say::tr("there"));
 }

@@ -127,6 +127,8 @@ void lookAtDriver(Facts &facts)
                                      : driverOfVendor(facts.configured.vendor);
     if (!facts.driver.isEmpty()) {
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
+        facts.atmModule = lookAtModule(facts, "atm");
+        facts.usbatmModule = lookAtModule(facts, "usbatm");
     }
     const QDir sources(QStringLiteral("/opt/norvix/drivers"));
     facts.hasDriverSource = (facts.driver == QLatin1String("unicorn_usb_eth")
@@ -149,7 +151,7 @@ void lookAtPpp(Facts &facts)
                          .isEmpty();
     facts.hasPppDevice = QFile::exists(QStringLiteral("/dev/ppp"));
     facts.pppModule = lookAtModule(facts, "ppp_generic");
-    facts.protocolModule = lookAtModule(facts, facts.isPppoe() ? "pppoe" : "pppoatm");
+    facts.protocolModule = lookAtModule(facts, facts.protocolModuleName());
     facts.bridgeModule = lookAtModule(facts, "br2684");
     facts.bridgeTool = QStringLiteral("/opt/norvix/bin/")
         + QLatin1String(sizeof(void *) == 4 ? "br2684ctl_i386" : "br2684ctl_amd64");
@@ -176,10 +178,24 @@ Module moduleState(
     dashed.replace('_', '-');
     QByteArray underlined = name;
     underlined.replace('-', '_');
-    return installed->contains('/' + dashed + ".ko")
-            || installed->contains('/' + underlined + ".ko")
-        ? Module::Available
-        : Module::Missing;
+    for (const QByteArray &line : installed->split('\n')) {
+        // What follows the colon is only what the module needs.
+        const QByteArray file = line.left(line.indexOf(':'));
+        if (file.contains('/' + dashed + ".ko") || file.contains('/' + underlined + ".ko")) {
+            return Module::Available;
+        }
+    }
+    return Module::Missing;
+}
+
+bool Facts::isDriverOverAtm() const
+{
+    return !driver.isEmpty() && driver != QLatin1String("unicorn_usb_eth");
+}
+
+const char *Facts::protocolModuleName() const
+{
+    return peerKind() == PeerKind::Atm ? "pppoatm" : "pppoe";
 }
 
 PeerKind Facts::peerKind() const

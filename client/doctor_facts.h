@@ -58,6 +58,8 @@ struct Facts
     QString kernel; ///< release
     QString driver; ///< of the configured or plugged modem; empty when there is none
     Module driverModule = Module::Unknown;
+    Module atmModule = Module::Unknown;
+    Module usbatmModule = Module::Unknown;
     bool hasDriverSource = false;
     bool isCompiling = false;
     QString firmware; ///< the file that the modem needs; empty for none
@@ -72,7 +74,7 @@ struct Facts
     bool hasPppd = false;
     bool hasPppDevice = false;
     Module pppModule = Module::Unknown;
-    Module protocolModule = Module::Unknown; ///< pppoe or pppoatm
+    Module protocolModule = Module::Unknown; ///< the one of protocolModuleName()
     Module bridgeModule = Module::Unknown;
     bool hasBridgeTool = false;
     QString bridgeTool; ///< the path where it is expected
@@ -86,6 +88,13 @@ struct Facts
 
     bool isUnicorn() const { return configured.vendor == 0x0483; }
     bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }
+
+    /// Whether the driver is one of those that are built on the kernel's "usbatm" and "atm". The
+    /// unicorn modem's has an interface of its own.
+    bool isDriverOverAtm() const;
+
+    /// The kernel module that carries PPP for the configured modem and protocol.
+    const char *protocolModuleName() const;
 
     /// Which peer file the configured modem and protocol ask for.
     PeerKind peerKind() const;

@@ -6,16 +6,16 @@
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "support/debug.h"
+#include "support/modem_families.h"
 #include "support/my_process.h"
 #include "support/programs.h"
 #include "support/system_info.h"
 
 #include <QEventLoop>
 #include <QTimer>
+#include <poll.h>
 
 namespace {
-
-constexpr int unicornVendorId = 0x0483;
 
 constexpr int linePollMs = 5000;
 constexpr int bridgeSettlingMs = 2000;
@@ -25,6 +25,10 @@ constexpr int pppdTimeoutMs = 90000;
 
 // How long a pppd that has just been killed may take to go before a new one is started.
 constexpr int pppdEndingMs = 1000;
+
+// How long a killall that still runs is waited for before a new pppd is started: longer than it
+// has, but one that cannot be ended keeps nobody from connecting.
+constexpr int killallEndingMs = 10000;
 
 // Lines that may wait for the main thread before reading pauses.
 constexpr int linesAhead = 256;
@@ -61,6 +65,27 @@ void ConnectThread::killPppd()
     m_process->kill();
 }
 
+void ConnectThread::waitBeforePppd(FileDescriptor killall)
+{
+    if (killall.isOpen()) {
+        const std::lock_guard<std::mutex> lock(m_killallMutex);
+        m_killall = std::move(killall);
+    }
+}
+
+void ConnectThread::waitForKillall()
+{
+    FileDescriptor killall;
+    {
+        const std::lock_guard<std::mutex> lock(m_killallMutex);
+        killall = std::move(m_killall);
+    }
+    if (killall.isOpen()) {
+        pollfd end = {killall.get(), POLLIN, 0};
+        poll(&end, 1, killallEndingMs);
+    }
+}
+
 /// Lets the main thread catch up now and then, so that a pppd that floods its output fills its own
 /// pipe and not our memory.
 void ConnectThread::keepPaceWithReader()
@@ -77,6 +102,8 @@ void ConnectThread::say(const char *operation, const QString &text)
         QStringLiteral("ConnectThread::%1(): %2").arg(QLatin1String(operation), text));
 }
 
+// What is printed here and in run() is how users' reports tell how far an attempt has come: the
+// texts stay as they are.
 bool ConnectThread::waitForSynchronization()
 {
     printf("wFS(): counter == %i\n", counter);
@@ -145,7 +172,8 @@ void ConnectThread::prepareBridging()
     const QString circuit = vpi + QLatin1Char('.') + vci;
     say(operation, QStringLiteral("VPI.VCI: ") + circuit);
 
-    // Keeps the asymmetry: a fixed path on 32-bit systems, a look-up along the path elsewhere.
+    // Keeps the asymmetry: on 32-bit systems this installation's own one, elsewhere the first along
+    // the path, so that one which an administrator has put before it counts.
     const QString bridge = m_is32bit ? QStringLiteral("/opt/norvix/bin/br2684ctl_i386")
                                      : QStringLiteral("br2684ctl_amd64");
     const ProgramResult br2684ctl = runProgram(bridge,
@@ -162,10 +190,15 @@ void ConnectThread::prepareBridging()
                 QStringLiteral("dev"), QStringLiteral("nas0")},
             bridgingTimeoutMs, m_environment);
     };
+    // Twice: the bridge daemon goes to the background before nas0 is sure to be there. Only the
+    // second run is reported, which fails where the first one has set the address; who reads logs
+    // knows that "failed!" as the usual outcome.
     addAddress();
-    QTimer::singleShot(bridgeSettlingMs, Qt::PreciseTimer, [this] { quit(); });
+    // The timer belongs to this thread: through the thread object, which lives on the main one, a
+    // busy main thread would delay it.
+    const QObject here;
+    QTimer::singleShot(bridgeSettlingMs, Qt::PreciseTimer, &here, [this] { quit(); });
     exec();
-    // Only the second run is reported, which fails where the first one has set the address.
     say(operation, QLatin1String(addAddress().exitCode == 0 ? "ip: success." : "ip: failed!"));
 }
 
@@ -194,6 +227,7 @@ void ConnectThread::run()
     if (m_process->state() != QProcess::NotRunning) {
         m_process->waitForFinished(pppdEndingMs);
     }
+    waitForKillall();
     m_process->start(QStringLiteral("pppd"), m_arguments);
     if (m_process->waitForFinished(pppdTimeoutMs)) {
         return;

@@ -2,16 +2,22 @@
 // The worker thread that brings the link up.
 #pragma once
 
+#include "support/file_descriptor.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QThread>
+#include <mutex>
 
 class MyProcess;
 class QSettings;
 
 /// Waits for the line, prepares interface and bridge, runs pppd. One object for the life of the
 /// process, living on the main thread; launched once per connection.
+///
+/// The thread may wait for the main thread, and does so every few hundred lines of pppd; therefore
+/// the main thread never waits for this one.
 class ConnectThread : public QThread
 {
     Q_OBJECT
@@ -25,6 +31,13 @@ public:
 
     /// Kills the pppd that this thread started, if it still runs. Main thread.
     void killPppd();
+
+    /// The process that runs pppd, for its signals. Main thread.
+    const MyProcess *pppd() const { return m_process; }
+
+    /// Has the next pppd wait until @p killall is readable, at most ten seconds: a killall that
+    /// still runs would kill it. Nothing to wait for when it is not open. Main thread.
+    void waitBeforePppd(FileDescriptor killall);
 
     /// The outcome once the thread has finished: 0 when the line never synchronised, else 3.
     int result() const { return m_result; }
@@ -43,6 +56,7 @@ public slots:
 
 private:
     void keepPaceWithReader();
+    void waitForKillall();
     void prepareDSL0();
     void prepareNAS0();
     void prepareInterface(const char *operation, const char *interface);
@@ -57,4 +71,6 @@ private:
     QSettings *m_settings;
     int m_result = 3;
     int m_linesSent = 0;
+    std::mutex m_killallMutex;
+    FileDescriptor m_killall;
 };

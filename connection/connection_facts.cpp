@@ -19,16 +19,9 @@ const QString linknamePidFile = QStringLiteral("/var/run/ppp-norvix.pid");
 constexpr int psTimeoutMs = 2000;
 constexpr int longestPsLine = 49;
 
-// A pid file is two short lines; whatever else lies under its name is not read to the end.
-constexpr qint64 longestPidFile = 64 * 1024;
-
 QString interfaceOfLinknamePidFile()
 {
-    QFile file(linknamePidFile);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return QString();
-    }
-    return interfaceInPidFile(file.read(longestPidFile));
+    return interfaceInPidFile(beginningOfPidFile(linknamePidFile));
 }
 
 /// What ps prints as the elapsed time of @p pid, its first line only.
@@ -71,6 +64,9 @@ QTime Norvix_Daemon::getConnectionTime()
     std::optional<pid_t> pid = readPidFile(linknamePidFile);
     if (!pid) {
         pid = readPidFile(runFolder + getInterface() + QStringLiteral(".pid"));
+    }
+    if (pid && !m_pppd) {
+        m_pppd = identityOf(*pid);
     }
     const std::optional<QTime> elapsed
         = pid ? parseElapsedTime(elapsedTimeText(*pid)) : std::nullopt;

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int maxPasses = 5;
-
 // All patterns match within this many characters, so that one line's beginning is enough to test.
 constexpr int longestMatch = 256;
 
@@ -20,10 +18,9 @@ constexpr int longestMatch = 256;
 struct DriverFamily
 {
     int vendorId;
-    const char *marker; ///< finds any line of the driver
-    /// What every match of the marker looks like, one or the other: eight or more literal
-    /// characters, then '0' is any digit and '?' any character.
-    std::array<std::string_view, 2> shapes;
+    /// Any line of the driver has one or the other: '0' is any digit, '?' any character. No
+    /// pattern, because a pattern's search from the end takes ten times as long.
+    std::array<std::string_view, 2> markers;
     const char *synchronized;
     const char *synchronizing;
     const char *booting;
@@ -32,23 +29,23 @@ struct DriverFamily
 
 // clang-format off
 constexpr std::array<DriverFamily, 4> driverFamilies = {{
-    {0x1110, R"(\[ueagle-atm\])", {"[ueagle-atm]", "[ueagle-atm]"},
+    {0x1110, {"[ueagle-atm]", {}},
      R"(\[ueagle-atm\] modem operational)",
      nullptr,
      R"((\[ueagle-atm\] \(re\)booting started)|(\[ueagle-atm\] Modem started, waiting synchronization))",
      nullptr},
-    {0x0483, R"(unicorn_msw:)", {"unicorn_msw:", "unicorn_msw:"},
+    {0x0483, {"unicorn_msw:", {}},
      R"((unicorn_msw: Current Modem State \(\d\): SHOWTIME_L\d)|(unicorn_msw: Event Reported \(\d\): Showtime))",
      nullptr,
      R"((unicorn_msw: Current Modem State \(\d\): ACTIVATING)|(unicorn_msw: Event Reported \(\d\): Initializing)|(unicorn_msw: Current Modem State \(\d\): INITIALIZING)|(unicorn_msw: Current Modem State \(\d\): Ghs_HANDSHAKING))",
      nullptr},
     // The bare bar in the first state is an alternation; its second half can never match at a marker.
-    {0x06b9, R"((ATM dev \d:)|(speedtch \d-\d:\d.\d:))", {"ATM dev 0:", "speedtch 0-0:0?0:"},
+    {0x06b9, {"ATM dev 0:", "speedtch 0-0:0?0:"},
      R"(ATM dev \d: ADSL line is up \(([0-9]{1,5}) kb/s down | ([0-9]{1,5}) kb/s up\))",
      R"(ATM dev \d: ADSL line is synchronising)",
      nullptr,
      R"(speedtch \d-\d:\d.\d: speedtch_heavy_init: firmware upload failed)"},
-    {0, R"(ATM dev \d:)", {"ATM dev 0:", "ATM dev 0:"},
+    {0, {"ATM dev 0:", {}},
      R"(ATM dev \d: ADSL line: up)",
      R"(ATM dev \d: ADSL line: attempting to activate)",
      R"(ATM dev \d: ADSL line: initializing)",
@@ -74,43 +71,24 @@ QString beginningOfLine(std::string_view log, size_t index)
     return QString::fromLatin1(line.data(), int(line.size()));
 }
 
-/// Whether @p text begins as @p shape, in which '0' is any digit and '?' any character.
-bool beginsLike(std::string_view text, std::string_view shape)
+/// Where @p marker stands for the last time in @p log.
+std::optional<size_t> lastMarker(std::string_view log, std::string_view marker)
 {
-    return text.size() >= shape.size()
-        && std::equal(shape.begin(), shape.end(), text.begin(), [](char wanted, char found) {
-               return wanted == '0' ? found >= '0' && found <= '9'
-                                    : wanted == '?' || wanted == found;
-           });
+    const auto *hit = std::find_end(
+        log.begin(), log.end(), marker.begin(), marker.end(), [](char found, char wanted) {
+            return found == wanted || wanted == '?'
+                || (wanted == '0' && found > '0' && found <= '9');
+        });
+    return hit == log.end() ? std::nullopt : std::optional<size_t>(hit - log.begin());
 }
 
-/// Eight characters, to be compared in one go.
-quint64 eightCharacters(const char *text)
-{
-    quint64 characters = 0;
-    memcpy(&characters, text, sizeof(characters));
-    return characters;
-}
-
-/// The position of the last driver line. One look backwards over the bytes for the marker's shapes,
-/// which takes the same time whatever the log holds; the pattern itself, run over a whole log,
-/// takes many times as long. It still has the last word.
+/// The position of the last driver line.
 std::optional<size_t> lastDriverLine(std::string_view log, const DriverFamily &family)
 {
-    const auto &[shape, otherShape] = family.shapes;
-    const quint64 head = eightCharacters(shape.data());
-    const quint64 otherHead = eightCharacters(otherShape.data());
-    for (size_t end = log.size(); end >= sizeof(head); --end) {
-        const size_t index = end - sizeof(head);
-        const std::string_view rest = log.substr(index);
-        const quint64 here = eightCharacters(rest.data());
-        const bool fits = (here == head && beginsLike(rest, shape))
-            || (here == otherHead && beginsLike(rest, otherShape));
-        if (fits && matchesAtStart(family.marker, beginningOfLine(log, index))) {
-            return index;
-        }
-    }
-    return std::nullopt;
+    const auto &[marker, other] = family.markers;
+    const std::optional<size_t> last = lastMarker(log, marker);
+    // No position is less than any.
+    return other.empty() ? last : std::max(last, lastMarker(log, other));
 }
 
 /// The state that one driver line tells, tested in the order that decides when several would match.
@@ -140,17 +118,9 @@ LineReport lineStateFromLog(const QByteArray &kernelLog, int vendorId)
     const DriverFamily &family = familyOf(vendorId);
 
     LineReport report;
-    report.passes = 1;
-    const std::optional<size_t> index = lastDriverLine(log, family);
-    if (!index) {
-        return report;
-    }
-    report.driverLineFound = true;
-    report.state = stateOfLine(beginningOfLine(log, *index), family);
-    if (report.state == LineUnknown) {
-        // Keeps the found position as the next start: every pass finds the same line again, so only
-        // the last driver line decides, however clear an earlier one was.
-        report.passes = maxPasses;
+    if (const std::optional<size_t> index = lastDriverLine(log, family)) {
+        report.driverLineFound = true;
+        report.state = stateOfLine(beginningOfLine(log, *index), family);
     }
     return report;
 }

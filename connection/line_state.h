@@ -20,7 +20,6 @@ struct LineReport
 {
     LineState state = LineUnknown;
     bool driverLineFound = false;
-    int passes = 0; ///< how many times the last driver line was examined
 };
 
 /// The state that the last line of the driver in @p kernelLog tells, for a modem with the USB

@@ -15,6 +15,8 @@ namespace {
 constexpr int readWholeRing = 3; // SYSLOG_ACTION_READ_ALL: does not consume the log
 constexpr int ringSize = 100000;
 
+constexpr int maxPasses = 5;
+
 /// Memory full of zeros that goes back to the system. From the heap, so much of it would stay with
 /// the process for ever, between two questions a day.
 class ZeroedPages
@@ -62,7 +64,11 @@ const char *traceOf(LineState state)
 
 void trace(const LineReport &report)
 {
-    for (int pass = 0; pass < report.passes; ++pass) {
+    // Every further pass would find the same last driver line again, so it is examined once: only
+    // the last one decides, however clear an earlier one was. What is left of the passes is their
+    // trace.
+    const int passes = report.driverLineFound && report.state == LineUnknown ? maxPasses : 1;
+    for (int pass = 0; pass < passes; ++pass) {
         qDebug("i: %d ", pass);
     }
     const char *text = report.driverLineFound ? traceOf(report.state)

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "connection/pid_file.h"
 
+#include "support/file_descriptor.h"
+
 #include <QFile>
 #include <QRegExp>
 #include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
-constexpr qint64 longestPidLine = 64;
+// A pid file is two short lines; whatever else lies under its name is not read to the end.
+constexpr int longestPidFile = 64 * 1024;
 
 } // namespace
 
@@ -24,17 +29,40 @@ std::optional<pid_t> parsePid(const QByteArray &content)
     return pid;
 }
 
+QByteArray beginningOfPidFile(const QString &path)
+{
+    const FileDescriptor file(
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat facts = {};
+    if (fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode)) {
+        return QByteArray();
+    }
+    QByteArray content(int(qMin<qint64>(facts.st_size, longestPidFile)), '\0');
+    const ssize_t size = read(file.get(), content.data(), size_t(content.size()));
+    content.truncate(int(qMax<ssize_t>(size, 0)));
+    return content;
+}
+
 std::optional<pid_t> readPidFile(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return std::nullopt;
-    }
-    const QByteArray line = file.readLine(longestPidLine);
-    if (!line.endsWith('\n') && !file.atEnd()) {
+    const QByteArray content = beginningOfPidFile(path);
+    if (content.size() == longestPidFile && !content.contains('\n')) {
         return std::nullopt; // a line cut short would give another id than it holds
     }
-    return parsePid(line);
+    return parsePid(content);
+}
+
+std::optional<QString> characterOfId(pid_t pid)
+{
+    const auto code = uint(pid);
+    if (code > QChar::LastValidCodePoint || QChar::isSurrogate(code)) {
+        return std::nullopt;
+    }
+    // Not QString::fromUcs4(), which takes 0xfeff for a mark of the byte order and drops it.
+    if (QChar::requiresSurrogates(code)) {
+        return QString(QChar(QChar::highSurrogate(code))) + QChar(QChar::lowSurrogate(code));
+    }
+    return QString(QChar(ushort(code)));
 }
 
 QString interfaceInPidFile(const QByteArray &content)

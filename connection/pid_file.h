@@ -13,8 +13,16 @@
 /// kill().
 std::optional<pid_t> parsePid(const QByteArray &content);
 
+/// The first 64 kB of the pid file at @p path. Empty when it is missing or no regular file: a pipe
+/// without a writer would never answer.
+QByteArray beginningOfPidFile(const QString &path);
+
 /// The process id in the file at @p path; empty when it is missing or holds none.
 std::optional<pid_t> readPidFile(const QString &path);
+
+/// The text of the one character whose code is @p pid. Empty when that is the code of no character:
+/// one of a pair of surrogates, or above 0x10ffff.
+std::optional<QString> characterOfId(pid_t pid);
 
 /// The PPP interface that a pid file with @p content names: the first "ppp" and digit. Empty when
 /// none.

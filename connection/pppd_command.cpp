@@ -3,14 +3,11 @@
 
 QStringList pppdArguments(const QString &peer, const QStringList &extraArguments)
 {
-    QStringList arguments = {QStringLiteral("debug"), QStringLiteral("linkname"),
+    const QStringList arguments = {QStringLiteral("debug"), QStringLiteral("linkname"),
         QStringLiteral("norvix"), QStringLiteral("call"), peer};
-    for (const QString &argument : extraArguments) {
-        if (!argument.isEmpty()) {
-            arguments.append(argument);
-        }
-    }
-    return arguments;
+    const bool isKeyWithoutValue
+        = extraArguments.size() == 1 && extraArguments.constFirst().isEmpty();
+    return isKeyWithoutValue ? arguments : arguments + extraArguments;
 }
 
 QStringList childEnvironment(const QStringList &environment, bool is32bit)

@@ -32,7 +32,8 @@ QRegExp authenticationFailedPattern()
 PppdEvent classifyPppdLine(const QByteArray &line, const QRegExp &link, const QRegExp &localAddress,
     const QRegExp &authenticationFailed)
 {
-    const QString text = QString::fromLocal8Bit(line);
+    // One character per byte, zero bytes too: nothing that the far end sends hides the rest.
+    const QString text = QString::fromLatin1(line.constData(), line.size());
     if (text.contains(link)) {
         return PppdEvent::Link;
     }

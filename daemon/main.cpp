@@ -9,10 +9,13 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <array>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -33,6 +36,7 @@ void openMissingStandardStreams()
     }
 }
 
+/// Keeps "-debug" twice and "-verbose" out: start scripts rely on what is no switch being ignored.
 bool wantsDebug(const QStringList &arguments)
 {
     for (const char *option : {"--debug", "-debug", "-d", "--verbose", "-debug", "-v"}) {
@@ -43,7 +47,37 @@ bool wantsDebug(const QStringList &arguments)
     return false;
 }
 
-int runDaemon(int argc, char **argv)
+enum class Name
+{
+    Ours,
+    AnothersAlready,
+    Unknown, ///< the bus cannot be asked or refuses the name; registering will fail and tell why
+};
+
+/// For a process without a lock: asks the bus for the daemon's name, so that of two that start at
+/// the same time only one goes on.
+Name takeName(const QDBusConnection &bus)
+{
+    QDBusConnectionInterface *names = bus.interface();
+    if (names == nullptr) {
+        return Name::Unknown;
+    }
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
+        = names->registerService(QStringLiteral("com.norvix.Daemon"));
+    if (!reply.isValid()) {
+        return Name::Unknown;
+    }
+    return reply.value() == QDBusConnectionInterface::ServiceRegistered ? Name::Ours
+                                                                        : Name::AnothersAlready;
+}
+
+int refuseToStart()
+{
+    fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
+    return alreadyRunningStatus;
+}
+
+int runDaemon(int argc, char **argv, bool isLocked)
 {
     // A smaller event loop for this thread and the bus library's: nothing here needs the desktop's
     // one. Children do not see the choice.
@@ -52,13 +86,21 @@ int runDaemon(int argc, char **argv)
         qputenv("QT_NO_GLIB", "1");
     }
     QCoreApplication application(argc, argv);
-    QDBusConnection::systemBus(); // starts the bus library's thread
+    endOnSignals(); // before the bus, which may keep us waiting
+    if (wantsDebug(QCoreApplication::arguments())) {
+        debug = true;
+    }
+    const QDBusConnection bus = QDBusConnection::systemBus(); // starts the bus library's thread
     if (isUnset) {
         qunsetenv("QT_NO_GLIB");
     }
-    endOnSignals();
-    if (wantsDebug(QCoreApplication::arguments())) {
-        debug = true;
+    // Another instance's files, its log among them, are not to be touched.
+    const Name name = isLocked ? Name::Ours : takeName(bus);
+    if (name == Name::AnothersAlready) {
+        return refuseToStart();
+    }
+    if (name == Name::Ours) {
+        removeStaleSettingsLocks();
     }
     Norvix_Daemon daemon;
     if (debug) {
@@ -71,6 +113,9 @@ int runDaemon(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    // By itself the library would keep what a client's megabytes took. Fixed at its default, the
+    // limit sends every large block back to the system as soon as it is free.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     openMissingStandardStreams();
     signal(SIGPIPE, SIG_IGN); // whoever read our output may go; the connection must not
     // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
@@ -89,10 +134,9 @@ int main(int argc, char **argv)
         fprintf(stderr, "Norvix Daemon: Failed to fork (%i)!\n", int(child));
         return forkFailedStatus;
     }
-    if (lockFile(QStringLiteral("/var/lock/norvixdaemon")) < 0) {
-        fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
-        return alreadyRunningStatus;
+    const int lock = lockFile(QStringLiteral("/var/lock/norvixdaemon"));
+    if (lock < 0) {
+        return refuseToStart();
     }
-    removeStaleSettingsLocks();
-    return runDaemon(argc, argv);
+    return runDaemon(argc, argv, lock > 0);
 }

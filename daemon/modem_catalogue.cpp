@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/modem_catalogue.h"
 
+#include "support/modem_families.h"
+
 #include <algorithm>
 #include <initializer_list>
 #include <utility>
@@ -25,27 +27,27 @@ QList<ModemInfo> modemCatalogue()
 {
     // clang-format off
     return {
-        record("Sagem F@st 800 E4", "ueagle-atm", {
-            {0x1110, 0x9041},
-            {0x1110, 0x9042},
+        record("Sagem F@st 800 E4", eagleModule, {
+            {eagleVendorId, 0x9041},
+            {eagleVendorId, 0x9042},
         }),
-        record("Sagem F@st 800", "ueagle-atm", {
-            {0x1110, 0x9010},
-            {0x1110, 0x900F},
-            {0x1110, 0x9021},
-            {0x1110, 0x9022},
-            {0x1110, 0x9023},
-            {0x1110, 0x9024},
-            {0x1110, 0x9031},
-            {0x1110, 0x9032},
+        record("Sagem F@st 800", eagleModule, {
+            {eagleVendorId, 0x9010},
+            {eagleVendorId, 0x900F},
+            {eagleVendorId, 0x9021},
+            {eagleVendorId, 0x9022},
+            {eagleVendorId, 0x9023},
+            {eagleVendorId, 0x9024},
+            {eagleVendorId, 0x9031},
+            {eagleVendorId, 0x9032},
         }),
-        record("Thomson Speedtouch 330", "speedtch", {
-            {0x06B9, 0x4061},
+        record("Thomson Speedtouch 330", speedtouchModule, {
+            {speedtouchVendorId, 0x4061},
         }),
-        record("ZTE ZXDSL 852", "unicorn_usb_eth", {
-            {0x0483, 0x0138},
+        record("ZTE ZXDSL 852", unicornModule, {
+            {unicornVendorId, 0x0138},
         }),
-        record("CXACRU modem", "cxacru", {
+        record("CXACRU modem", cxacruModule, {
             {0x0572, 0xCAFE},
             {0x0572, 0xCB00},
             {0x0572, 0xCB01},

@@ -10,6 +10,7 @@
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
 #include "support/debug.h"
+#include "support/my_process.h"
 
 #include <QDBusError>
 #include <QEventLoop>
@@ -50,8 +51,11 @@ Norvix_Daemon::Norvix_Daemon(QObject *parent)
           QStringLiteral("/org/freedesktop/Hal/Manager"), halManagerInterface, m_connection)
     , m_halDevice(
           QStringLiteral("/org/freedesktop/Hal/Device"), "org.freedesktop.Hal.Device", m_connection)
+    , m_listSilence(m_connection)
+    , m_deviceSilence(m_connection)
     , m_connectionTimeRetry(preciseTimer(connectionTimeRetryMs))
     , m_verifyTimer(preciseTimer(0))
+    , m_askTimer(preciseTimer(0))
     , m_statisticsTimer(preciseTimer(statisticsIntervalMs))
     , m_compilerThread(new CompilerThread(this, QString(), nullptr))
 {
@@ -69,6 +73,9 @@ Norvix_Daemon::Norvix_Daemon(QObject *parent)
     connectAtBoot();
     m_verifyTimer->setSingleShot(true);
     connect(m_verifyTimer, &QTimer::timeout, this, &Norvix_Daemon::verifyDevice);
+    m_askTimer->setSingleShot(true);
+    connect(m_askTimer, &QTimer::timeout, this, &Norvix_Daemon::askNext);
+    connect(&m_deviceSilence, &HalSilence::ended, this, &Norvix_Daemon::askNext);
     subscribeToHal();
     wireTimers();
     setPppdPatterns();
@@ -81,11 +88,11 @@ Norvix_Daemon::~Norvix_Daemon() = default;
 
 void Norvix_Daemon::startLog()
 {
-    QFile::remove(mainLogPath());
+    removeMainLog();
     writeLog(constructorText(QStringLiteral("ctor invoked.")));
     const QStringList keys = settings()->allKeys();
     for (const QString &key : keys) {
-        const QString value = settings()->value(key).toString();
+        const QString value = settingText(settings()->value(key));
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
 }
@@ -129,11 +136,15 @@ void Norvix_Daemon::wireWorkers()
     connect(m_restartThread, &QThread::finished, this, &Norvix_Daemon::restartModemFinished);
 
     m_connectThread = new ConnectThread(settings(), &Norvix_Daemon::getModemState);
+    connect(m_connectThread, &QThread::started, this, &beginLogAttempt);
     connect(m_connectThread, &QThread::finished, this, &Norvix_Daemon::connectingFinished);
     connect(m_connectThread, &QThread::started, this, &Norvix_Daemon::connectingStarted);
     connect(m_connectThread, &ConnectThread::synchronizing, this, &Norvix_Daemon::synchronizing);
     connect(m_connectThread, &ConnectThread::threadMessage, this, &Norvix_Daemon::writeLog);
     connect(m_connectThread, &ConnectThread::debugMsg, this, &Norvix_Daemon::debugConnecting);
+    qRegisterMetaType<QProcess::ExitStatus>(); // from the thread it comes queued
+    connect(m_connectThread->pppd(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+        this, &Norvix_Daemon::pppdEnded);
 
     // By name: the signal compilationFinished(bool) has the same one.
     connect(m_compilerThread, SIGNAL(finished()), this, SLOT(compilationFinished()));
@@ -153,6 +164,8 @@ void Norvix_Daemon::initModemsMap()
 
 void Norvix_Daemon::testModemDriver()
 {
+    // The odd words on standard output are what start scripts and guides look for: which modem was
+    // found, and that a build has begun.
     const int productId = readSetting(settings(), "product_id", 0).toInt();
     const int vendorId = readSetting(settings(), "vendor_id", 0).toInt();
     for (const ModemInfo &modem : qAsConst(m_modems)) {

@@ -3,18 +3,21 @@
 // their concern; the file is named beside each group.
 #pragma once
 
+#include "daemon/announcements.h"
+#include "connection/process_identity.h"
 #include "daemon/hal_proxy.h"
+#include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
 #include "network/traffic_meter.h"
 #include "support/dns_manager.h"
 
 #include <QDBusConnection>
 #include <QList>
-#include <QMutex>
 #include <QObject>
 #include <QRegExp>
 #include <QStringList>
 #include <QTime>
+#include <optional>
 
 class CompilerThread;
 class ConnectThread;
@@ -127,14 +130,23 @@ private:
     void setPppdPatterns();
     void adoptRunningConnection();
 
+    void pppdEnded(); // connection/connection_control.cpp
     void initModemsMap(); // daemon/norvix_daemon.cpp
     void setOpenDNS(); // network/dns_check.cpp
     void removePidFiles(); // connection/connection_facts.cpp
+
+    // Detection: daemon/modem_detection.cpp. Where HAL leaves the question open, the answer is
+    // false and the question is to be asked again once HAL answers.
+    void askNext();
+    bool acceptDevice(const QString &udi);
+    bool examineDevice();
 
     // Bus and HAL: daemon/norvix_daemon.cpp, daemon/modem_detection.cpp
     QDBusConnection m_connection;
     HalProxy m_halManager;
     HalProxy m_halDevice;
+    HalSilence m_listSilence; ///< about the list of devices
+    HalSilence m_deviceSilence; ///< about the properties of a device
 
     // The line and the connection: connection/connection_control.cpp,
     // connection/connection_facts.cpp
@@ -143,6 +155,7 @@ private:
     QRegExp m_authFailedRegExp;
     bool m_connecting = false;
     ConnectThread *m_connectThread = nullptr;
+    std::optional<ProcessIdentity> m_pppd; ///< as first read from its pid file
     QTime m_connectionTime; ///< elapsed time; invalid while unknown
     QTimer *m_connectionTimeRetry; ///< asks again every second while the time is unknown
 
@@ -154,6 +167,8 @@ private:
     qint32 m_newProductId = 0;
     bool m_modemPlugged = false;
     QTimer *m_verifyTimer;
+    Announcements m_announcements;
+    QTimer *m_askTimer; ///< lets bus calls in between two announcements
     QList<ModemInfo> m_modems;
 
     // Traffic: network/network_status.cpp

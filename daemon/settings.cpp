@@ -81,11 +81,15 @@ QVariant readSetting(QSettings *store, const char *key, const QVariant &fallback
     return store->value(QLatin1String(key), fallback);
 }
 
-QString readSettingText(QSettings *store, const char *key, const QVariant &fallback)
+QString settingText(const QVariant &value)
 {
-    const QVariant value = readSetting(store, key, fallback);
     return value.type() == QVariant::StringList ? value.toStringList().join(QStringLiteral(", "))
                                                 : value.toString();
+}
+
+QString readSettingText(QSettings *store, const char *key, const QVariant &fallback)
+{
+    return settingText(readSetting(store, key, fallback));
 }
 
 void writeSetting(QSettings *store, const char *key, const QVariant &value)

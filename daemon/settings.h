@@ -11,7 +11,10 @@ QSettings *settings();
 /// Reads @p key of @p store under the store's lock, @p fallback when it is missing. Any thread.
 QVariant readSetting(QSettings *store, const char *key, const QVariant &fallback = QVariant());
 
-/// The same as text: a list that an unquoted comma made of a hand-written text is joined again.
+/// A value as text: a list that an unquoted comma made of a hand-written text is joined again.
+QString settingText(const QVariant &value);
+
+/// The same as readSetting(), as settingText().
 QString readSettingText(QSettings *store, const char *key, const QVariant &fallback = QVariant());
 
 /// Stores @p value under @p key. It reaches the disk when the main loop runs next. Main thread.
@@ -21,5 +24,5 @@ void writeSetting(QSettings *store, const char *key, const QVariant &value);
 void syncSettings(QSettings *store);
 
 /// Removes lock files that a killed process left beside the settings file: each would block the
-/// next write for half a minute. Only while holding the single-instance lock.
+/// next write for half a minute. Only while no other instance can run.
 void removeStaleSettingsLocks();

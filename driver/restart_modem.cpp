@@ -2,6 +2,7 @@
 #include "driver/restart_modem.h"
 
 #include "daemon/settings.h"
+#include "support/modem_families.h"
 
 #include <QProcess>
 
@@ -10,15 +11,15 @@ QString moduleToReload(int vendorId)
     switch (vendorId) {
     case 0:
         return QString();
-    case 0x1110:
-        return QStringLiteral("ueagle-atm");
-    case 0x06B9:
-        return QStringLiteral("speedtch");
-    case 0x0483:
-        return QStringLiteral("unicorn_usb_eth");
+    case eagleVendorId:
+        return QString::fromLatin1(eagleModule);
+    case speedtouchVendorId:
+        return QString::fromLatin1(speedtouchModule);
+    case unicornVendorId:
+        return QString::fromLatin1(unicornModule);
     default:
         // One family of the catalogue has many vendors; they end here, and so do unknown ones.
-        return QStringLiteral("cxacru");
+        return QString::fromLatin1(cxacruModule);
     }
 }
 

@@ -101,6 +101,13 @@ class Daemon:
         wait_until(ready, timeout, "the daemon owns its name", self.everything_said)
         observer.close()
 
+    def wait_started(self):
+        """Waits until its start is over, the driver's test and a build included: last of all it asks
+        for the line's state. Call it before anything else asks for that."""
+        wait_until(lambda: "Debug: i: 0 \n" in self.output()
+                   or "klogctl() <= 0!" in self.machine.daemon_log(),
+                   what="the daemon's start is over", detail=self.everything_said)
+
     def running(self):
         return self.machine.exit_of(self.pid) is None
 

@@ -2,6 +2,7 @@
 // Address, default route and traffic of the connection.
 #include "daemon/norvix_daemon.h"
 
+#include "daemon/logging.h"
 #include "network/number_file.h"
 #include "network/route_table.h"
 #include "support/debug.h"
@@ -45,7 +46,8 @@ QString Norvix_Daemon::getIP(QString interface)
     }
     const std::optional<QString> address = firstAddressOf(interface);
     if (!address) {
-        writeLog(QStringLiteral("Norvix_Daemon::getIP(): interface %1 is invalid!").arg(interface));
+        writeLog(QStringLiteral("Norvix_Daemon::getIP(): interface %1 is invalid!")
+                     .arg(loggable(interface)));
     }
     const QString none = QStringLiteral("...");
     QString ip = address && !address->isEmpty() ? *address : none;

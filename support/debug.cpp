@@ -2,6 +2,7 @@
 #include "support/debug.h"
 
 #include <QFile>
+#include <fcntl.h>
 
 // Constant-initialised, so that they are valid before any other initialiser runs.
 bool debug = false;
@@ -14,8 +15,11 @@ void setDebug(bool enable, const QString &path)
         pFile = nullptr;
     }
     if (enable) {
-        // "e": children such as pppd outlive the daemon and must not keep its log open.
-        pFile = fopen(QFile::encodeName(path).constData(), "ae");
+        // Children such as pppd outlive the daemon and must not keep its log open. A pipe in the
+        // log's place must not hold the start up until somebody reads it.
+        const int fd = open(QFile::encodeName(path).constData(),
+            O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0666);
+        pFile = fd < 0 ? nullptr : fdopen(fd, "a");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,14 +13,24 @@
 
 namespace {
 
+enum class Taken
+{
+    Yes,
+    ByAnother,
+    Impossible, ///< errno says why
+};
+
 /// A record lock (not flock): it belongs to the process, so that neither a child that inherited the
 /// descriptor nor one still on its way to exec keeps it.
-bool takeRecordLock(int fd)
+Taken takeRecordLock(int fd)
 {
     struct flock lock = {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
-    return fcntl(fd, F_SETLK, &lock) == 0;
+    if (fcntl(fd, F_SETLK, &lock) == 0) {
+        return Taken::Yes;
+    }
+    return errno == EACCES || errno == EAGAIN ? Taken::ByAnother : Taken::Impossible;
 }
 
 bool isOurs(const struct stat &info)
@@ -33,16 +44,19 @@ bool clearPath(const QByteArray &path)
     if (unlink(path.constData()) == 0 || errno == ENOENT) {
         return true;
     }
-    // A folder, perhaps with content: put it aside, its owner may want it back.
-    for (int i = 0; i < 100; ++i) {
-        const QByteArray aside = path + ".foreign" + QByteArray::number(i);
-        struct stat info = {};
-        if (lstat(aside.constData(), &info) != 0
-            && rename(path.constData(), aside.constData()) == 0) {
-            return true;
-        }
+    // A folder, perhaps with content: put it aside, its owner may want it back. The place is a
+    // fresh one, because every name that can be foretold may be taken on purpose.
+    QByteArray aside = path + ".foreign-XXXXXX";
+    if (mkdtemp(aside.data()) == nullptr) {
+        return false;
     }
-    return false;
+    const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
+    if (rename(path.constData(), (aside + '/' + name).constData()) != 0) {
+        rmdir(aside.constData());
+        return false;
+    }
+    chmod(aside.constData(), 0755);
+    return true;
 }
 
 /// Opens our own lock file, made anew where there is none; -1 with errno otherwise. Others could
@@ -82,9 +96,15 @@ int lockFile(const QString &path)
             close(fd);
             continue;
         }
-        if (!takeRecordLock(fd)) {
+        const Taken taken = takeRecordLock(fd);
+        if (taken != Taken::Yes) {
+            const int reason = errno;
             close(fd);
-            return -1;
+            if (taken == Taken::ByAnother) {
+                return -1;
+            }
+            errno = reason;
+            break;
         }
         fchmod(fd, 0600);
         if (ftruncate(fd, 0) == 0) {
@@ -92,7 +112,7 @@ int lockFile(const QString &path)
         }
         return fd;
     }
-    fprintf(stderr, "Norvix Daemon: cannot make the lock file %s (%s), going on without it.\n",
-        name.constData(), strerror(errno));
+    fprintf(stderr, "Norvix Daemon: cannot make the lock file %s (%s).\n", name.constData(),
+        strerror(errno));
     return 0;
 }

@@ -8,9 +8,10 @@
 /// after the last fork, and never open that file again: closing any descriptor of it would drop the
 /// lock.
 ///
-/// Returns a negative value when another process holds the lock. Otherwise the lock is this
-/// process's, and the result is the descriptor that holds it. A folder that everybody may write to
-/// is expected: what others left under that name (a file, link, folder, pipe) is moved out of the
-/// way, neither opened nor followed. Where no lock can be made at all (a read-only file system), a
-/// warning is printed and 0 returned: the bus name still keeps a second instance away.
+/// Returns a negative value when another process holds the lock, and only then. Otherwise the lock
+/// is this process's, and the result is the descriptor that holds it. A folder that everybody may
+/// write to is expected: what others left under that name (a file, link, folder, pipe) is moved out
+/// of the way, neither opened nor followed. Where no lock can be made at all (a read-only file
+/// system, one without locks), a warning is printed and 0 returned: whether another instance runs
+/// must then be found out in another way.
 int lockFile(const QString &path);

@@ -820,12 +820,12 @@
         <translation>Installieren Sie ihn: „sudo apt install ppp“.</translation>
     </message>
     <message>
-        <source>Kernel %1 has no support for PPP over this line.</source>
-        <translation>Kernel %1 kann kein PPP über diese Leitung.</translation>
+        <source>Kernel %1 lacks what this connection needs: %2.</source>
+        <translation>Kernel %1 fehlt, was diese Verbindung braucht: %2.</translation>
     </message>
     <message>
-        <source>Install the distribution&apos;s full kernel: “sudo apt install linux-image-amd64”.</source>
-        <translation>Installieren Sie den vollen Kernel der Distribution: „sudo apt install linux-image-amd64“.</translation>
+        <source>Install the distribution&apos;s full kernel, not one for clouds or a minimal one, and boot it: “sudo apt install linux-image-amd64”, “sudo reboot”.</source>
+        <translation>Installieren Sie den vollen Kernel der Distribution, keinen für die Cloud und keinen verkleinerten, und starten Sie ihn: „sudo apt install linux-image-amd64“, „sudo reboot“.</translation>
     </message>
     <message>
         <source>/dev/ppp does not exist.</source>
@@ -850,10 +850,6 @@
     <message>
         <source>“sudo apt install br2684ctl”, then “sudo ln -s /usr/sbin/br2684ctl %1”.</source>
         <translation>„sudo apt install br2684ctl“, dann „sudo ln -s /usr/sbin/br2684ctl %1“.</translation>
-    </message>
-    <message>
-        <source>Kernel %1 has no module br2684.</source>
-        <translation>Kernel %1 hat kein Modul br2684.</translation>
     </message>
     <message>
         <source>there</source>

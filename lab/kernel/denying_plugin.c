@@ -3,7 +3,7 @@
    takes only plugins that were made for its own version. */
 #include <stdio.h>
 
-char pppd_version[] = "2.4.9";
+char pppd_version[] = PPPD_VERSION;
 
 struct chap_digest_type;
 

@@ -1,40 +1,27 @@
 # SPDX-License-Identifier: MIT
-"""A driver's source archive as the daemon builds it: small, and its module says that it is there."""
+"""A driver's source archive where the daemon looks for it: the old package that its tests build too."""
 
 import io
+import pathlib
 import tarfile
 
-TOP = "ueagle-atm-1.4"
-LOADED = "the driver from the tarball"
-
-MAKEFILE = """obj-m := ueagle-atm.o
-KDIR = /lib/modules/$(shell uname -r)/build
-all:
-\t$(MAKE) -C $(KDIR) M=$(PWD) modules
-install:
-\t$(MAKE) -C $(KDIR) M=$(PWD) modules_install
-"""
-
-SOURCE = """#include <linux/module.h>
-static int __init begin(void)
-{
-\tpr_info("LOADED\\n");
-\treturn 0;
-}
-static void __exit end(void)
-{
-}
-module_init(begin);
-module_exit(end);
-MODULE_LICENSE("GPL");
-""".replace("LOADED", LOADED)
+SOURCES = pathlib.Path(__file__).resolve().parents[2] / "tests/data/drivers/ueagle-atm-1.4"
+TARBALL = pathlib.Path("/opt/norvix/drivers/ueagle-atm-1.4.tar")
+# What the module says when it is loaded.
+LOADED = "[ueagle-atm] stand-in loaded"
 
 
-def write_tarball(path, source=SOURCE, makefile=MAKEFILE):
-    """Writes the archive for ueagle-atm, such that the daemon trusts it when path is root's."""
-    with tarfile.open(path, "w", format=tarfile.USTAR_FORMAT) as archive:
-        for name, text in (("Makefile", makefile), ("ueagle-atm.c", source)):
-            entry = tarfile.TarInfo(f"{TOP}/{name}")
-            entry.size, entry.mode = len(text.encode()), 0o644
-            archive.addfile(entry, io.BytesIO(text.encode()))
+def source(name):
+    """The text of one of the driver's files."""
+    return (SOURCES / name).read_text(encoding="utf-8")
+
+
+def write_tarball(path=TARBALL, changed=()):
+    """Writes the archive. `changed` has other texts for some of its files, by name."""
+    with tarfile.open(path, "w") as archive:
+        for file in sorted(SOURCES.iterdir()):
+            text = {file.name: source(file.name), **dict(changed)}[file.name].encode()
+            entry = tarfile.TarInfo(f"{SOURCES.name}/{file.name}")
+            entry.size = len(text)
+            archive.addfile(entry, io.BytesIO(text))
     path.chmod(0o644)

@@ -23,7 +23,7 @@ class GuestFailed(Exception):
     """The guest ended without telling a status: it did not boot, hung or died."""
 
 
-def run(command, results, seconds=600, environment=None, places=1, clean=None):
+def run(command, results, seconds=600, environment=None, places=1, clean=None, system=None):
     """Runs `command` (an argument vector) in a fresh guest; returns its exit status.
 
     `results` becomes /results in the guest; beside what the command writes there it holds
@@ -32,13 +32,15 @@ def run(command, results, seconds=600, environment=None, places=1, clean=None):
 
     `clean` is the folder of another whole system. It is then booted with its own systemd, and the
     command runs beside it, in the host's files as always: it reaches the system by /proc/1/root.
+
+    `system` tells whose kernel is booted: "12", "13", "newest"; without it this system's own.
     """
     results = pathlib.Path(results)
     results.mkdir(parents=True, exist_ok=True)
     for name in ("status", "output", "times", "kernel.log", "console.log"):
         (results / name).unlink(missing_ok=True)
     write_command(results / "command", command, environment or {})
-    image = images.prepare()
+    image = images.prepare(system)
     with place(places):
         boot(image, results, seconds, clean)
     status = results / "status"

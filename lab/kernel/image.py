@@ -4,12 +4,15 @@
 import fcntl
 import gzip
 import hashlib
+import lzma
 import os
 import pathlib
-import re
 import shutil
 import subprocess
+import tarfile
 import time
+
+from . import suites
 
 HERE = pathlib.Path(__file__).resolve().parent
 PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
@@ -17,14 +20,17 @@ PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
 DOWNLOAD_SECONDS = 600
 KEPT_SECONDS = 7 * 24 * 3600
 
-# A kernel package unpacks to 400 MB. A machine without hardware but with a modem needs this much.
-KERNEL_FOLDERS = [
-    "arch/x86/crypto", "crypto", "drivers/atm", "drivers/char/hw_random", "drivers/input",
+# Where a kernel is: in one package with its modules, or in newer suites in one of its own.
+KERNEL_PACKAGES = ("linux-image-", "linux-binary-", "linux-modules-")
+
+# A kernel unpacks to 400 MB. A machine without hardware but with a modem needs this much.
+KERNEL_FOLDERS = (
+    "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/input",
     "drivers/net/dummy.ko", "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko",
     "drivers/net/veth.ko", "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common",
     "drivers/usb/core", "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs",
     "fs/overlayfs", "lib", "net",
-]
+)
 
 # Loaded before the root file system is there.
 BOOT_MODULES = ["virtio_pci", "9pnet_virtio", "9p", "overlay"]
@@ -65,26 +71,6 @@ def is_installed(package):
     return status.stdout == "installed"
 
 
-def dependencies(package):
-    """What a package depends on, by name."""
-    text = run("apt-cache", "depends", package, capture_output=True, text=True).stdout
-    return re.findall(r"(?m)^  Depends: ([^\s<]+)$", text)
-
-
-def guest_packages():
-    """The packages to unpack. Those of the kernel stand for others that change with its version."""
-    packages = []
-    for name in package_names("guest"):
-        if name == "linux-image-amd64":
-            packages.append(dependencies(name)[0])
-        elif name == "linux-headers-amd64":
-            headers = dependencies(name)[0]
-            packages += [headers, *dependencies(headers)]
-        else:
-            packages.append(name)
-    return packages
-
-
 class Image:
     """The unpacked guest: `root` holds the packages' files, `kernel` and `initramfs` boot it."""
 
@@ -96,32 +82,38 @@ class Image:
 
     @property
     def kernel_release(self):
-        return next((self.root / "usr/lib/modules").iterdir()).name
+        [folder] = (self.root / "usr/lib/modules").iterdir()
+        return folder.name
 
 
-def prepare():
-    """Returns the image: the one that there is, unless it is a week old or its recipe has changed.
-    Asking the package lists what is newest takes long on a busy machine. Whoever comes while it is
-    being made waits for it."""
-    recipe = [PACKAGE_LIST, HERE / "boot.sh", pathlib.Path(__file__)]
+def prepare(system=None):
+    """Returns the image with the kernel of a system ("12", "13", "newest"; without one that which
+    this runs on): the image that there is, unless it is a week old or its recipe has changed. Asking
+    the package lists what is newest takes long on a busy machine. Whoever comes while it is being
+    made waits for it."""
+    suite = suites.codename(system)
+    recipe = [PACKAGE_LIST, HERE / "boot.sh", HERE / "suites.py", pathlib.Path(__file__)]
     key = hashlib.sha256(b"".join(path.read_bytes() for path in recipe)).hexdigest()[:16]
-    image = Image(cache_folder() / f"guest-{key}")
+    image = Image(cache_folder() / f"guest-{suite}-{key}")
     cache_folder().mkdir(parents=True, exist_ok=True)
-    with open(cache_folder() / "being-made", "w") as lock:
+    with open(cache_folder() / f"being-made-{suite}", "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
         install_host_packages()
         remove_old_images()
         if not image.initramfs.exists():
-            make(image)
+            make(image, suite)
     return image
 
 
-def make(image):
+def make(image, suite):
     shutil.rmtree(image.folder, ignore_errors=True)
     image.root.mkdir(parents=True)
-    for archive in download(guest_packages()):
+    # Where the kernel's modules are looked for depends on who looks.
+    (image.root / "lib").symlink_to("usr/lib")
+    apt = suites.Apt(cache_folder() / f"packages-{suite}", suite)
+    for archive in apt.fetch(package_names("guest")):
         unpack(archive, image)
-    run("depmod", "-b", str(image.root / "usr"), image.kernel_release)
+    run("depmod", "-b", str(image.root), image.kernel_release)
     write_initramfs(image)
 
 
@@ -132,54 +124,67 @@ def remove_old_images():
             shutil.rmtree(folder, ignore_errors=True)
 
 
-def download(packages):
-    """The packages' archives, fetched through apt when they are not in the cache yet."""
-    store = cache_folder() / "packages"
-    store.mkdir(parents=True, exist_ok=True)
-    archives = []
-    for package in packages:
-        if not list(store.glob(f"{package}_*.deb")):
-            run("apt-get", "download", "-q", "-o", "APT::Sandbox::User=root", package, cwd=store)
-        archives.append(max(store.glob(f"{package}_*.deb"), key=lambda path: path.stat().st_mtime))
-    return archives
+def is_wanted_of_kernel(name):
+    """Whether the guest needs this file of a kernel's package."""
+    parts = pathlib.PurePosixPath(name).parts
+    if "modules" not in parts:
+        return parts[:1] == ("boot",) and parts[-1].startswith("vmlinuz-")
+    inside = "/".join(parts[parts.index("modules") + 2:])
+    return (inside == "vmlinuz" or inside.startswith("modules.")
+            or inside.startswith(tuple(f"kernel/{folder}" for folder in KERNEL_FOLDERS)))
 
 
 def unpack(archive, image):
     """Unpacks one archive; of the kernel only what the guest needs, and /lib as usr/lib."""
     target = image.folder / "unpacking"
     target.mkdir()
-    if archive.name.startswith("linux-image-"):
-        patterns = ["./boot/vmlinuz-*", "./lib/modules/*/modules.*"]
-        patterns += [f"./lib/modules/*/kernel/{folder}*" for folder in KERNEL_FOLDERS]
+    if archive.name.startswith(KERNEL_PACKAGES):
         with subprocess.Popen(["dpkg-deb", "--fsys-tarfile", str(archive)],
                               stdout=subprocess.PIPE) as files:
-            run("tar", "-x", "-C", str(target), "--wildcards", *patterns, stdin=files.stdout)
-        shutil.move(next((target / "boot").glob("vmlinuz-*")), image.kernel)
-        shutil.rmtree(target / "boot")
+            with tarfile.open(fileobj=files.stdout, mode="r|") as content:
+                for entry in content:
+                    if entry.isfile() and is_wanted_of_kernel(entry.name):
+                        content.extract(entry, target)
+        for found in target.rglob("vmlinuz*"):
+            shutil.move(found, image.kernel)
+        shutil.rmtree(target / "boot", ignore_errors=True)
     else:
         run("dpkg-deb", "-x", str(archive), str(target))
     # Debian's / has links in these places, which a folder of an upper layer would hide.
     for name in ("bin", "sbin", "lib", "lib64"):
-        if (target / name).is_dir():
+        if (target / name).is_symlink():
+            (target / name).unlink()
+        elif (target / name).is_dir():
             shutil.copytree(target / name, target / "usr" / name, symlinks=True, dirs_exist_ok=True)
             shutil.rmtree(target / name)
     shutil.copytree(target, image.root, symlinks=True, dirs_exist_ok=True)
     shutil.rmtree(target)
 
 
+def module_name(path):
+    """How the kernel calls the module in a file, compressed or not."""
+    return pathlib.PurePath(path).name.partition(".")[0].replace("-", "_")
+
+
 def modules_in_order(image, names):
-    """Paths of the modules and of all they need, dependencies first."""
+    """Paths of the modules and of all they need, dependencies first. What is built into the kernel
+    needs nothing."""
     base = image.root / "usr/lib/modules" / image.kernel_release
-    needs = {}
+    needs = {module_name(path): [] for path in (base / "modules.builtin").read_text().split()}
     for line in (base / "modules.dep").read_text().splitlines():
         path, _, rest = line.partition(":")
-        needs[pathlib.Path(path).stem.replace("-", "_")] = [path] + rest.split()
+        needs[module_name(path)] = [path] + rest.split()
     paths = []
     for name in names:
-        for path in reversed(needs[name.replace("-", "_")]):
+        for path in reversed(needs[module_name(name)]):
             if path not in paths:
                 paths.append(path)
     return [base / path for path in paths]
+
+
+def module_content(path):
+    """A module as busybox loads it, which knows no compression."""
+    return lzma.decompress(path.read_bytes()) if path.suffix == ".xz" else path.read_bytes()
 
 
 def write_initramfs(image):
@@ -191,7 +196,7 @@ def write_initramfs(image):
     archive.file("bin/busybox", (image.root / "usr/bin/busybox").read_bytes(), 0o755)
     archive.file("init", (HERE / "boot.sh").read_bytes(), 0o755)
     for number, module in enumerate(modules):
-        archive.file(f"modules/{number:02}-{module.name}", module.read_bytes(), 0o644)
+        archive.file(f"modules/{number:02}-{module_name(module)}.ko", module_content(module), 0o644)
     with gzip.open(image.initramfs.with_suffix(".new"), "wb", compresslevel=6) as out:
         out.write(archive.finished())
     image.initramfs.with_suffix(".new").rename(image.initramfs)

@@ -7,6 +7,7 @@ namespace only, so the provider's pppd runs there and its interface is kept apar
 """
 
 import pathlib
+import re
 import shutil
 import subprocess
 import threading
@@ -39,7 +40,9 @@ INTO_VRF = f"#!/bin/sh\nexec ip link set \"$1\" master {VRF}\n"
 def make_denying_plugin(folder):
     """Builds the plugin that makes the provider say "permission denied"; returns its option."""
     made = pathlib.Path(folder) / "denying.so"
-    command("cc", "-shared", "-fPIC", "-o", str(made), str(HERE / "denying_plugin.c"))
+    said = command("pppd", "--version")
+    version = re.search(r"[0-9.]+", said.stdout + said.stderr).group()
+    command("cc", f'-DPPPD_VERSION="{version}"', "-shared", "-fPIC", "-o", str(made), str(HERE / "denying_plugin.c"))
     return f"plugin {made}"
 
 

@@ -16,6 +16,7 @@ import subprocess
 from ..bus_client import SERVICE, Client
 from ..waiting import read_text, wait_until
 from .modems import eagle, exchange, speedtch, vhci
+from .modems.line import Line
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ.get("NORVIX_BUILD_DIR") or REPOSITORY / "build/release")
@@ -143,13 +144,17 @@ def install_files():
 
 
 def plug_exchange(line):
-    """The far end of the line as the second ATM device, so that the modem is the first."""
-    run("modprobe", "adummy")
+    """The far end of the line as the second ATM device, so that the modem is the first. Another
+    device of its kind holds the first number until it is there."""
     run("modprobe", "xusbatm", *exchange.MODULE_PARAMETERS)
-    device, there = exchange.Exchange(line), vhci.Socket()
+    holder, device, there = exchange.Exchange(Line()), exchange.Exchange(line), vhci.Socket()
+    before = vhci.Socket()
+    before.plug(holder, MODEM_PORT)
+    wait_until((ATM / "xusbatm0").exists, what="the first ATM device is taken")
     there.plug(device, EXCHANGE_PORT)
     wait_until((ATM / "xusbatm1").exists, what="the exchange is an ATM device")
-    run("rmmod", "adummy")
+    before.unplug()
+    wait_until(lambda: not (ATM / "xusbatm0").exists(), what="the first ATM device is free")
     return device
 
 

@@ -151,15 +151,14 @@ def has_built():
 
 def builds_a_missing_driver():
     """For a modem whose driver the kernel does not bring, with the distribution's headers."""
-    installed = pathlib.Path("/proc/1/root")
-    [shipped] = pathlib.Path("/lib/modules").glob("*/kernel/drivers/usb/atm/ueagle-atm.ko")
+    [shipped] = pathlib.Path("/lib/modules").glob("*/kernel/drivers/usb/atm/ueagle-atm.ko*")
     shipped.unlink()
     system.run("depmod", "-a")
     [tools] = pathlib.Path("/usr/lib").glob("linux-kbuild-*")
     for folder in ("/usr/src", str(tools)):
         inside("mkdir", "-p", folder)
         inside("mount", "--bind", "/lab" + folder, folder)
-    driver_tarball.write_tarball(installed / "opt/norvix/drivers/ueagle-atm-1.4.tar")
+    driver_tarball.write_tarball(pathlib.Path(f"/proc/1/root{driver_tarball.TARBALL}"))
     socket = vhci.Socket()
     eagle.plug(socket, eagle.Newer, Line(world.QUICK), port=system.MODEM_PORT)
     adopts_what_is_plugged()

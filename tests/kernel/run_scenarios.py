@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: MIT
 """Runs the scenarios: a guest for each file, as many guests at once as the machine bears.
 
-usage: /usr/bin/python3 tests/kernel/run_scenarios.py [--results FOLDER] [--jobs N] [NAME...]
+usage: /usr/bin/python3 tests/kernel/run_scenarios.py [--results FOLDER] [--jobs N]
+                                                      [12|13|newest...] [NAME...]
 
-A NAME is a part of a file's name (test_NAME.py); without one all are run. With "file::test" one
-scenario is run alone; "quick" stands for those that are marked so. Logs of each scenario are below
-the results folder afterwards.
+The guests have the kernel and the user land of Debian 12, Debian 13 or the coming Debian where such
+are asked for, else those of this system. A NAME is a part of a file's name (test_NAME.py); without
+one all are run. With "file::test" one scenario is run alone; "quick" stands for those that are
+marked so. Logs of each scenario are below the results folder afterwards.
 """
 
 import argparse
@@ -23,7 +25,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 REPOSITORY = HERE.parent.parent
 sys.path.insert(0, str(REPOSITORY))
 
-from lab.kernel import guest  # noqa: E402
+from lab.kernel import guest, suites  # noqa: E402
 
 GUEST_SECONDS = 1800
 PYTEST = ["/usr/bin/python3", "-B", "-m", "pytest", "-v", "-rs", "--tb=short", "--strict-markers",
@@ -35,12 +37,21 @@ QUICK, QUICK_MARK = "quick", "pytest.mark.quick"
 LONGEST_FIRST = ("test_line", "test_plugging", "test_account", "test_first_use", "test_restart",
                  "test_peer_files", "test_driver_build")
 
-Selection = collections.namedtuple("Selection", "path name options")
+Selection = collections.namedtuple("Selection", "path name options system", defaults=[None])
 Row = collections.namedtuple("Row", "name seconds outcome")
 
 
-def chosen(names):
-    """What to run: for each guest a file, a name for its results, and pytest's options."""
+def chosen(words):
+    """What to run: for each guest a file, a name for its results, pytest's options, and whose kernel
+    it has."""
+    systems = [word for word in words if word in suites.CODENAMES]
+    selections = chosen_files([word for word in words if word not in systems])
+    return [selection._replace(name=f"{system}-{selection.name}", system=system)
+            for system in systems for selection in selections] or selections
+
+
+def chosen_files(names):
+    """The same without a system."""
     files = sorted(HERE.glob("test_*.py"), key=position)
     if not names:
         return [Selection(path, path.stem, ()) for path in files]
@@ -72,7 +83,7 @@ def run_file(selection, folder, jobs):
     began = time.monotonic()
     try:
         status = guest.run([*PYTEST, str(selection.path), *selection.options], results,
-                           GUEST_SECONDS, environment, jobs)
+                           GUEST_SECONDS, environment, jobs, system=selection.system)
     except guest.GuestFailed as problem:
         return [Row(selection.name, 0, "failure")], f"{selection.name}: the guest failed\n{problem}"
     rows = report_rows(results / "report.xml") if (results / "report.xml").exists() else []

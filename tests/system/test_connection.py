@@ -1,9 +1,12 @@
 # SPDX-License-Identifier: MIT
 """Bringing the link up and down, as a client sees it."""
+import os
+
 import pytest
 
 from lab.scenario import end, link_up, out, stay, wait_for
 from lab.waiting import wait_until
+from obstacles import ROOT_ONLY
 
 PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}
 USUAL_ARGUMENTS = ["debug", "linkname", "norvix", "call"]
@@ -22,6 +25,7 @@ def establish(machine, *arguments, **settings):
     machine.settings(**settings)
     client = machine.client()
     daemon = machine.start_daemon(*arguments)
+    daemon.wait_started()
     client.call("establishConnection")
     return daemon, client
 
@@ -136,7 +140,7 @@ def test_a_missing_bridge_daemon_is_reported_and_pppd_runs_all_the_same(line_up)
 
 @pytest.mark.parametrize("value,added", [
     ("", []), ("nodetach", ["nodetach"]), ("mtu 1400, lcp-echo-interval", ["mtu 1400", "lcp-echo-interval"]),
-    ("a,,b", ["a", "b"]),
+    ("a,,b", ["a", "", "b"]), (",a", ["", "a"]), ("a,", ["a", ""]), (",", ["", ""]), ('""', []),
 ])
 def test_extra_arguments_are_appended_in_order(line_up, value, added):
     establish(line_up, pppd_arguments=value)
@@ -342,12 +346,32 @@ def test_terminating_without_a_connection_is_announced_all_the_same(bus_machine)
     assert len(bus_machine.calls("killall")) == 1
 
 
-def test_a_bridge_pid_file_leads_to_a_kill_with_one_odd_character(bus_machine):
+@pytest.mark.parametrize("bridge", [955, 65536 + ord("6"), 0x10FFFF])
+def test_a_bridge_pid_file_leads_to_a_kill_with_one_odd_character(bus_machine, bridge):
     bus_machine.standin("kill").set(exit=0)
-    bus_machine.path("/run/nas0.pid").write_text("955\n", encoding="ascii")
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % bridge, encoding="ascii")
     bus_machine.start_daemon()
     bus_machine.client().call("terminateConnection")
-    assert bus_machine.wait_call("kill").argv == ["-9", chr(955)]
+    assert bus_machine.wait_call("kill").argv == ["-9", chr(bridge)]
+
+
+@pytest.mark.parametrize("bridge", [0xD800, 0xDFFF, 0x110000, 4194304])
+def test_a_bridge_id_that_is_no_characters_code_starts_no_kill(bus_machine, bridge):
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % bridge, encoding="ascii")
+    daemon = bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    bus_machine.wait_call("killall")
+    assert bus_machine.calls("kill") == [] and daemon.running()
+
+
+def test_a_bridge_id_that_makes_kill_signal_its_own_group_does_not_reach_the_daemon(bus_machine):
+    bus_machine.path("/run/nas0.pid").write_text("%d\n" % ord("0"), encoding="ascii")
+    daemon = bus_machine.start_daemon()
+    client = bus_machine.client()
+    client.call("terminateConnection")
+    assert bus_machine.wait_call("kill").argv == ["-9", "0"]
+    client.wait_signal("connectionTerminated")
+    assert daemon.running()
 
 
 @pytest.mark.parametrize("content", ["-1\n", "0\n", "1\n", "99999999999\n", "text\n", "", "\n5\n",
@@ -366,6 +390,47 @@ def test_a_pid_file_that_holds_no_process_kills_nobody(bus_machine, content):
     assert not bus_machine.path(LINK_PID).exists()
 
 
+def test_a_pid_file_that_is_a_pipe_keeps_nobody_waiting(bus_machine):
+    bus_machine.start_daemon()
+    for path in (LINK_PID, INTERFACE_PID, "/run/nas0.pid"):
+        os.mkfifo(bus_machine.path(path))
+    client = bus_machine.client()
+    assert client.call("getInterface") == "ppp0"
+    assert client.call("getConnectionState") == 2
+    client.call("terminateConnection")
+    client.wait_signal("connectionTerminated")
+    assert bus_machine.calls("kill") == []
+
+
+@ROOT_ONLY
+def test_a_process_that_took_over_the_id_of_a_crashed_pppd_is_not_killed(line_up):
+    daemon, client = established(line_up)
+    pppd = line_up.calls("pppd")[0]
+    line_up.kill(pppd.pid, 9)
+    client.wait_signal("connectionState")
+    assert line_up.path(LINK_PID).read_text(encoding="ascii").startswith("%d\n" % pppd.pid)
+    innocent = start_with_id(line_up, pppd.pid)
+    client.call("terminateConnection")
+    client.wait_signal("connectionTerminated")
+    assert innocent.ended() is None
+    assert "pid: " not in daemon.output()
+
+    # Nothing is known any more of an id in a file that has been written since.
+    line_up.path(LINK_PID).write_text("%d\nppp0\n" % innocent.pid, encoding="ascii")
+    client.call("terminateConnection")
+    assert innocent.wait() == -9
+
+
+def start_with_id(machine, pid):
+    """A process with just that id."""
+    def start():
+        machine.write("/proc/sys/kernel/ns_last_pid", b"%d" % (pid - 1))
+        process = machine.spawn(["/usr/bin/sleep", "1000"], label="innocent")
+        return process if process.pid == pid else process.signal()
+
+    return wait_until(start, what="a process with the id %d" % pid)
+
+
 def test_the_interface_pid_file_ends_a_pppd_of_another_name(bus_machine):
     other = bus_machine.spawn(["/usr/bin/sleep", "1000"], label="other")
     bus_machine.path(LINK_PID).write_text("%d\nppp3\n" % other.pid, encoding="ascii")
@@ -378,6 +443,27 @@ def test_the_interface_pid_file_ends_a_pppd_of_another_name(bus_machine):
     assert not bus_machine.path("/run/ppp3.pid").exists()
 
 
+def test_last_of_all_the_process_of_the_interface_that_is_then_found_is_killed(bus_machine):
+    """Once the connection's own pid files are gone, the pid file of the next interface counts."""
+    bus_machine.path(LINK_PID).write_text("ppp3\n", encoding="ascii")
+    next_one = bus_machine.spawn(["/usr/bin/sleep", "1000"], label="other")
+    bus_machine.path("/run/ppp3.pid").write_text("none\n", encoding="ascii")
+    bus_machine.path("/run/ppp5.pid").write_text("%d\n" % next_one.pid, encoding="ascii")
+    bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    assert next_one.wait() == -9
+    assert not bus_machine.path("/run/ppp3.pid").exists()
+
+
+def test_a_pppd_that_writes_its_pid_file_while_killall_runs_is_killed_in_the_end(bus_machine):
+    late = bus_machine.spawn(["/usr/bin/sleep", "1000"], label="other")
+    killall = bus_machine.path("/usr/local/sbin/killall")
+    killall.write_text("#!/bin/sh\necho %d > %s\n" % (late.pid, INTERFACE_PID), encoding="ascii")
+    bus_machine.start_daemon()
+    bus_machine.client().call("terminateConnection")
+    assert late.wait() == -9
+
+
 def test_after_the_end_a_new_connection_starts_at_the_first_try(line_up):
     _, client = established(line_up)
     for round_ in range(2, 5):
@@ -386,7 +472,8 @@ def test_after_the_end_a_new_connection_starts_at_the_first_try(line_up):
         client.call("establishConnection")
         client.wait_signal("connectionEstablished", count=round_)
     assert len(line_up.calls("pppd")) == 4
-    assert [facts for facts in line_up.processes() if facts["state"] == "Z"] == []
+    wait_until(lambda: not [facts for facts in line_up.processes() if facts["state"] == "Z"],
+               what="no zombie", detail=line_up.processes)
 
 
 # ---- a daemon that ends under a connection

@@ -4,7 +4,11 @@ import time
 
 import pytest
 
-from lab.scenario import link_up, stay
+from lab.daemon_process import Daemon
+from lab.private_machine import USUAL_PATH
+from lab.scenario import link_up, out, stay, wait_for
+from lab.waiting import wait_until
+from obstacles import ROOT_ONLY
 
 SPEEDTCH = 0x06B9
 PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}
@@ -92,8 +96,8 @@ def test_a_program_that_hangs_costs_its_time_out_and_no_more(bus_machine, progra
     assert seconds - 0.5 < taken < seconds + 20
     if told:
         assert told + "\n" in bus_machine.daemon_log()
-    # One that is slow is not killed; each later program runs all the same.
-    assert bus_machine.processes(program) != []
+    # One that is slow is ended; each later program runs all the same.
+    assert bus_machine.processes(program) == []
     order = [call.program for call in bus_machine.calls() if call.program != "ps"]
     assert order[:4] == ["modprobe", "br2684ctl_amd64", "ip", "ip"] and order[-1] == "pppd"
 
@@ -108,6 +112,54 @@ def test_ending_a_connection_waits_half_a_second_for_a_program_that_hangs(bus_ma
     begun = time.monotonic()
     client.call("terminateConnection")
     assert 0.45 < time.monotonic() - begun < longest
+    wait_until(lambda: not bus_machine.processes(program), what="%s is ended" % program)
     client.wait_signal("connectionTerminated")
     client.call("terminateConnection")
     assert client.call("reply") is True
+
+
+def test_a_late_killall_still_ends_what_has_no_pid_file(bus_machine):
+    bus_machine.kernel_log.line_up()
+    bus_machine.pppd.script([stay()])
+    daemon = bus_machine.start_daemon()
+    daemon.wait_started()
+    client = bus_machine.client()
+    client.call("establishConnection")
+    pppd = bus_machine.wait_call("pppd")
+    bus_machine.standin("killall").set(sleep=1, exec_real=True)
+    client.call("terminateConnection")
+    client.wait_signal("connectionState")
+    assert pppd.pid not in [facts["pid"] for facts in bus_machine.processes()]
+
+
+def test_a_slow_killall_does_not_end_the_next_connection(bus_machine):
+    bus_machine.kernel_log.line_up()
+    bus_machine.start_daemon()
+    bus_machine.standin("killall").set(sleep=3, exec_real=True)
+    client = bus_machine.client()
+    client.call("terminateConnection")
+    bus_machine.pppd.script(link_up() + [wait_for("killall is through"), out("still here\n"), stay()])
+    client.call("establishConnection")
+    client.wait_signal("connectionEstablished")
+    wait_until(lambda: not bus_machine.processes("killall"), what="killall is gone")
+    bus_machine.pppd.trigger("killall is through")
+    wait_until(lambda: "still here" in bus_machine.daemon_log(), what="pppd goes on")
+
+
+@ROOT_ONLY
+def test_connecting_waits_for_a_killall_that_cannot_be_ended(bus_machine):
+    """Without the right to kill other users' processes the daemon cannot end this one, as nobody can
+    end one that waits in the kernel."""
+    bus_machine.kernel_log.line_up()
+    bus_machine.path("/usr/local/sbin/killall").write_text(
+        "#!/bin/sh\nexec setpriv --reuid 12345 --clear-groups sleep 8\n", encoding="ascii")
+    daemon = Daemon(bus_machine.spawn(
+        ["/usr/bin/setpriv", "--bounding-set=-kill", "/opt/norvix/bin/norvix-daemon"],
+        env={"PATH": USUAL_PATH, "LD_PRELOAD": "/mnt/lab/lib/libklogctl-standin.so"}))
+    daemon.wait_ready()
+    client = bus_machine.client()
+    client.call("terminateConnection")
+    assert bus_machine.processes("sleep") != []
+    client.call("establishConnection")
+    bus_machine.wait_call("pppd")
+    assert bus_machine.processes("sleep") == []

@@ -115,6 +115,58 @@ def test_non_ascii_text_comes_through_unchanged(bus_machine):
     daemon.wait_for_output("Norvix_Daemon::debugConnecting(): " + text + "\n")
 
 
+def test_what_a_client_sends_is_cut_and_makes_no_line_of_its_own(bus_machine):
+    daemon = bus_machine.start_daemon("-d")
+    client = bus_machine.client()
+    forged = "x\n21-11-2026 20:00:00 Norvix_Daemon::debugConnecting(): PAP authentication failed"
+    client.call("getIP", forged)
+    client.call("getIP", "\x1b[31m\u202e")
+    client.call("getIP", "y" * 10_000_000)
+    client.call("getIP", "ünïq %1\\")
+    log = bus_machine.daemon_log()
+    texts = [line[20:] for line in log.splitlines() if "getIP(): interface" in line]
+    assert texts == ["Norvix_Daemon::getIP(): interface %s is invalid!" % name for name in (
+        forged.replace("\n", "\\u000a"), "\\u001b[31m\\u202e", "y" * 256, "ünïq %1\\")]
+    assert not [line for line in log.splitlines() if line[20:].startswith("Norvix_Daemon::debugConn")]
+    assert len(log) < 100_000 and len(daemon.output()) < 100_000
+
+
+def test_a_pppd_that_prints_without_end_does_not_fill_the_disk(bus_machine):
+    bus_machine.kernel_log.line_up()
+    text = "".join("%06d %s\n" % (number, "z" * 990) for number in range(1000))
+    bus_machine.pppd.script([out(text) for _ in range(40)] + [out("the end\n"), *link_up(), stay()])
+    client = bus_machine.client()
+    bus_machine.start_daemon()
+    client.call("establishConnection")
+    while not client.named("connectionEstablished"):
+        assert bus_machine.path(LOG).stat().st_size < 5_000_000
+        client.call("reply")
+    lines = [line[20:] for line in bus_machine.daemon_log().splitlines()]
+    numbers = [line.split()[1] for line in lines if line.endswith("z")]
+    assert numbers[:900] == ["%06d" % number for number in range(900)]
+    last = lines.index("Norvix_Daemon::debugConnecting(): the end")
+    assert [line.split()[1] for line in lines[last - 900:last]] == [
+        "%06d" % number for number in range(100, 1000)]
+    assert len([line for line in lines if "left out here" in line]) == 1
+
+
+def test_the_log_of_an_older_long_attempt_is_put_aside(bus_machine):
+    bus_machine.kernel_log.line_up()
+    client = bus_machine.client()
+    bus_machine.start_daemon()
+    bus_machine.pppd.script([out("one\n" + "z" * 1000 + "\n", repeat=1500), *link_up(), stay()])
+    client.call("establishConnection")
+    client.wait_signal("connectionEstablished")
+    client.call("terminateConnection")
+    client.wait_signal("connectionState")
+    bus_machine.pppd.script([out("two\n"), *link_up(), stay()])
+    client.call("establishConnection")
+    client.wait_signal("connectionEstablished", count=2)
+    assert "debugConnecting(): two" in bus_machine.daemon_log()
+    assert "debugConnecting(): one" not in bus_machine.daemon_log()
+    assert "debugConnecting(): one" in bus_machine.path(LOG + ".1").read_text(encoding="ascii")
+
+
 def daily_logs(machine):
     folder = machine.path("/var/log/norvix")
     return sorted(folder.iterdir()) if folder.exists() else []

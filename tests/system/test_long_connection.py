@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 """A pppd that stays in the foreground outlives its thread of 90 seconds; nothing may depend on it."""
-from lab.scenario import link_up, out, stay, wait_for
+from lab.scenario import end, link_up, out, stay, wait_for
 from lab.waiting import wait_until
 
 THREAD_SECONDS = 90
@@ -49,7 +49,7 @@ def test_a_pppd_that_outlives_its_thread_is_read_on_and_ended_cleanly(bus_machin
     client.call("establishConnection")
     client.wait_signal("connectionEstablished", count=3)
     assert len(bus_machine.calls("pppd")) == 3
-    assert zombies(bus_machine) == []
+    wait_until(lambda: not zombies(bus_machine), what="no zombie", detail=lambda: zombies(bus_machine))
 
 
 def test_a_killed_pppd_whose_thread_is_over_leaves_no_zombie(bus_machine):
@@ -64,3 +64,20 @@ def test_a_killed_pppd_whose_thread_is_over_leaves_no_zombie(bus_machine):
                detail=bus_machine.processes)
     client.call("establishConnection")
     client.wait_signal("connectionEstablished", count=2)
+
+
+def test_a_pppd_that_outlived_its_thread_and_ends_while_it_redials_leaves_no_connecting(bus_machine):
+    bus_machine.kernel_log.line_up()
+    bus_machine.pppd.script(link_up() + [
+        wait_for("redial"), out("Connect: ppp0 <--> nas0\n"), wait_for("end"), end(16)])
+    client = bus_machine.client()
+    daemon = bus_machine.start_daemon()
+    client.call("establishConnection")
+    client.wait_signal("connectionState", timeout=THREAD_SECONDS + 60)
+    bus_machine.pppd.trigger("redial")
+    daemon.wait_for_output("Debug: connectingRegExp\n", count=2)
+    assert client.call("getConnectionState") == 1
+    here = client.mark()
+    bus_machine.pppd.trigger("end")
+    wait_until(lambda: client.call("getConnectionState") == 2, what="not connecting any more")
+    assert client.names(after=here) == []

@@ -50,7 +50,7 @@ def test_a_modem_is_announced_adopted_connected_and_unplugged(place, usb):
 def test_firmware_re_enumeration_is_one_announcement_of_the_right_modem(place, usb):
     HalCompanion(place, usb)
     client = place.client()
-    place.kernel_log.append("usb usb1: new device")
+    place.kernel_log.append("usb usb1: new device")  # the start says nothing of an empty log
     daemon = start_daemon(place)
     before = usb.plug("1-1", 0x1110, 0x9042)
     daemon.wait_for_log("device added: ")

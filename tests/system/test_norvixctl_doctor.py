@@ -18,9 +18,11 @@ SECRETS = '"user@isp" * "secret" *\n'
 # As the package writes it, so that its removal knows it again.
 GUARD = re.search("^guard='(.*?)'", (REPOSITORY / "debian/norvix-daemon.postinst").read_text(),
                   re.MULTILINE | re.DOTALL)[1] + "\n"
-MODULES = ["kernel/drivers/usb/atm/cxacru.ko:", "kernel/drivers/net/ppp/ppp_generic.ko:",
-           "kernel/drivers/net/ppp/pppoe.ko:", "kernel/net/atm/pppoatm.ko:",
-           "kernel/net/atm/br2684.ko:"]
+# Compressed or not, as distributions do it.
+MODULES = ["kernel/drivers/usb/atm/cxacru.ko: kernel/drivers/usb/atm/usbatm.ko kernel/net/atm/atm.ko",
+           "kernel/drivers/usb/atm/usbatm.ko: kernel/net/atm/atm.ko", "kernel/net/atm/atm.ko:",
+           "kernel/drivers/net/ppp/ppp_generic.ko:", "kernel/drivers/net/ppp/pppoe.ko:",
+           "kernel/net/atm/pppoatm.ko.xz:", "kernel/net/atm/br2684.ko.xz:"]
 PAP, CHAP, PEER_FILE = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets", "/etc/ppp/peers/norvix"
 
 
@@ -84,9 +86,16 @@ def test_nothing_is_said_against_a_sound_machine(sound):
     assert (result.status, "Nothing that stops a connection" in result.stdout) == (OK, True)
 
 
-def planted_modules(machine, missing):
+def planted_modules(machine, *missing):
     file = machine.path("/usr/lib/modules") / os.uname().release / "modules.dep"
-    file.write_text("".join(line + "\n" for line in MODULES if missing not in line))
+    file.write_text("".join(line + "\n" for line in MODULES
+                            if not any("/%s.ko" % name in line.partition(":")[0]
+                                       for name in missing)))
+
+
+def over_atm_without(machine, missing):
+    configure(machine, protocol="PPPoA")
+    planted_modules(machine, missing)
 
 
 FAULTS_PLANTED = {
@@ -95,6 +104,9 @@ FAULTS_PLANTED = {
     "another modem in use": ("modem", "fault", "modem adopt",
                              lambda m: configure(m, vendor_id=0x06B9, product_id=0x4061)),
     "no driver": ("driver", "fault", "no driver cxacru", lambda m: planted_modules(m, "cxacru")),
+    "a kernel for clouds": ("driver", "fault", "atm, usbatm, cxacru. Install the distribution's full",
+                            lambda m: planted_modules(m, "atm", "usbatm", "cxacru")),
+    "no usbatm": ("driver", "fault", "needs: usbatm.", lambda m: planted_modules(m, "usbatm")),
     "firmware that the distribution has": (
         "firmware", "fault", "apt install firmware-misc-nonfree",
         lambda m: plug(m, 0x1110, 0x9042)),
@@ -110,6 +122,8 @@ FAULTS_PLANTED = {
     "VPI and VCI zero": ("line-settings", "fault", "both 0", lambda m: configure(m, vpi=0, vci=0)),
     "no PPP in the kernel": ("ppp", "fault", "linux-image",
                              lambda m: planted_modules(m, "ppp_generic")),
+    "no PPP over ATM in the kernel": ("ppp", "fault", "needs: pppoatm.",
+                                      lambda m: over_atm_without(m, "pppoatm")),
     "no bridge program": ("bridge", "fault", "br2684ctl",
                           lambda m: m.standin("br2684ctl_amd64").set(missing=True)),
     "bridge program not executable": (
@@ -142,6 +156,16 @@ def test_a_planted_fault_is_found_and_its_remedy_named(sound, fault):
     assert found[id_]["verdict"] == verdict, found[id_]
     assert words in found[id_]["text"] + " " + found[id_]["remedy"]
     assert Ctl(sound)("doctor").status == (FAULTS if verdict == "fault" else OK)
+
+
+def test_a_module_that_the_protocol_does_not_need_is_not_missed(sound):
+    over_atm_without(sound, "br2684")
+    found = run_all(sound)
+    assert {id_: found[id_]["verdict"] for id_ in ("driver", "ppp", "bridge")} == {
+        "driver": "ok", "ppp": "ok", "bridge": "ok"}
+    configure(sound)
+    planted_modules(sound, "pppoatm")
+    assert findings(sound)["ppp"]["verdict"] == "ok"
 
 
 def test_a_missing_policy_is_found(sound):

@@ -75,6 +75,7 @@ def test_the_unit_finds_the_daemons_process_in_its_lock(bus_machine):
 def test_unit_and_activation_agree():
     service, activation = settings(UNIT)["Service"], settings(ACTIVATION)["D-BUS Service"]
     assert service["ExecStart"] == activation["Exec"] == "/opt/norvix/bin/norvix-daemon"
+    assert service["ExecStartPre"] == "-/opt/norvix/libexec/end-ghosts"  # may fail
     assert activation["SystemdService"] == UNIT.name
     assert ACTIVATION.name == activation["Name"] + ".service"  # systemd insists
 
@@ -102,12 +103,14 @@ def test_group_and_folders_are_made(tmp_path):
                  str(PACKAGING / "norvix-daemon.tmpfiles"))
     assert result.returncode == 0, result.stdout
     made = {name: (tmp_path / name).stat() for name in
-            ("opt/norvix", "opt/norvix/drivers", "var/log/norvix", "opt/norvix/.daemon_ng.ini")}
+            ("opt/norvix", "opt/norvix/drivers", "var/log/norvix", "opt/norvix/.daemon_ng.ini",
+             "run/lock/norvixdaemon")}
     assert {name: (oct(facts.st_mode & 0o7777), facts.st_uid, str(facts.st_gid))
             for name, facts in made.items()} == {
         "opt/norvix": ("0o2755", 0, group[0]), "opt/norvix/drivers": ("0o755", 0, "0"),
         "var/log/norvix": ("0o2750", 0, group[0]),
-        "opt/norvix/.daemon_ng.ini": ("0o660", 0, group[0])}
+        "opt/norvix/.daemon_ng.ini": ("0o660", 0, group[0]),
+        "run/lock/norvixdaemon": ("0o600", 0, "0")}
 
 
 @ROOT_ONLY

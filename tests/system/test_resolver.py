@@ -24,6 +24,7 @@ class Line:
         machine.kernel_log.line_up(CXACRU)
         machine.pppd.script(link_up() + [end(0)])
         self.daemon = machine.start_daemon()
+        self.daemon.wait_started()  # before, no line of pppd means anything
         self.client = machine.client()
 
     def connect(self):

@@ -105,6 +105,15 @@ def test_start_logs_each_key_with_its_value(bus_machine):
         assert "NorvixDaemon::NorvixDaemon(): daemon.ini: %s\n" % text in log
 
 
+def test_a_list_is_logged_as_the_getter_answers_it(bus_machine):
+    bus_machine.settings(service="a,b", pppd_arguments="mtu, 1400")
+    bus_machine.start_daemon()
+    assert bus_machine.client().call("getService") == "a, b"
+    log = bus_machine.daemon_log()
+    assert "NorvixDaemon::NorvixDaemon(): daemon.ini: service = a, b\n" in log
+    assert "NorvixDaemon::NorvixDaemon(): daemon.ini: pppd_arguments = mtu, 1400\n" in log
+
+
 def test_a_change_by_hand_is_seen_when_a_connection_starts(bus_machine):
     bus_machine.kernel_log.line_up()
     bus_machine.settings(pppd_arguments="before")

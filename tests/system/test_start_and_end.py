@@ -9,6 +9,7 @@ import pytest
 
 from lab.scenario import link_up, out, stay
 from lab.waiting import wait_until
+from obstacles import make_read_only
 
 STARTED = "Norvix Daemon: started.\n"
 POLICY = Path(__file__).resolve().parents[2] / "packaging" / "norvix.conf"
@@ -40,6 +41,30 @@ def test_the_parent_ends_at_once_with_status_0(bus_machine):
     daemon = bus_machine.start_daemon()
     assert daemon.parent_status() == 0
     assert daemon.running()
+
+
+SILENT_BUS = """
+import os, socket
+os.makedirs("/run/dbus", exist_ok=True)
+server = socket.socket(socket.AF_UNIX)
+server.bind("/run/dbus/system_bus_socket")
+server.listen()
+visitor, _ = server.accept()
+visitor.recv(1)
+print("somebody came", flush=True)
+server.accept()
+"""
+
+
+@pytest.mark.parametrize("number", [signal.SIGHUP, signal.SIGINT, signal.SIGTERM])
+def test_a_signal_ends_it_the_same_way_while_a_bus_keeps_it_waiting(machine, number):
+    bus = machine.spawn(["/usr/bin/python3", "-c", SILENT_BUS], label="silent-bus")
+    wait_until(machine.path("/run/dbus/system_bus_socket").is_socket, what="the bus is there")
+    daemon = machine.start_daemon(wait=False)
+    wait_until(lambda: "somebody came" in bus.output(), what="the daemon greets the bus")
+    daemon.signal(number)
+    assert daemon.wait_exit() == 255
+    assert daemon.output() == "Norvix Daemon: Signal %d handled\n" % number
 
 
 @pytest.mark.parametrize("number", [signal.SIGHUP, signal.SIGINT, signal.SIGTERM])
@@ -83,6 +108,53 @@ def test_past_the_lock_the_bus_name_stops_a_second_instance(bus_machine):
     assert "NorvixDaemon::NorvixDaemon(): failed to register the service!\n" in log
     assert log.splitlines()[-1].endswith("NorvixDaemon::NorvixDaemon(): ")
     assert first.running() and bus_machine.client().call("reply") is True
+
+
+@pytest.fixture(name="lockless_machine")
+def lockless_machine_fixture(bus_machine):
+    """A machine in which nobody can make a lock."""
+    make_read_only(bus_machine, "/run/lock")
+    return bus_machine
+
+
+def test_where_no_lock_is_possible_the_daemon_starts(lockless_machine):
+    daemon = lockless_machine.start_daemon()
+    assert lockless_machine.client().call("reply") is True
+    assert "cannot make the lock file /var/lock/norvixdaemon" in daemon.errors()
+
+
+def test_without_locks_a_second_instance_says_so_and_leaves_the_log_alone(lockless_machine):
+    first = lockless_machine.start_daemon()
+    first.wait_for_log("klogctl() <= 0!")  # the last line of the start
+    before = lockless_machine.path("/opt/norvix/daemon.log").stat()
+    second = lockless_machine.start_daemon(wait=False)
+    assert second.parent_status() == 0
+    assert second.wait_exit() == 254
+    assert second.errors().endswith("Norvix Daemon: It seems that the daemon is already running.\n")
+    assert second.output() == ""
+    after = lockless_machine.path("/opt/norvix/daemon.log").stat()
+    assert (after.st_ino, after.st_size) == (before.st_ino, before.st_size)
+    assert first.running() and lockless_machine.client().call("reply") is True
+
+
+def test_of_many_without_locks_one_runs(lockless_machine):
+    daemons = [lockless_machine.start_daemon(wait=False) for _ in range(6)]
+    wait_until(lambda: sum(not daemon.running() for daemon in daemons) == 5, what="five have ended")
+    ended = [daemon for daemon in daemons if not daemon.running()]
+    assert [daemon.wait_exit() for daemon in ended] == [254] * 5
+    assert lockless_machine.client().call("reply") is True
+    assert lockless_machine.daemon_log().count("ctor invoked.") == 1
+
+
+def test_planted_names_in_the_lock_folder_keep_no_lock_away(bus_machine):
+    folder = bus_machine.path("/run/lock")
+    (folder / "norvixdaemon/sub").mkdir(parents=True)
+    for number in range(200):
+        (folder / ("norvixdaemon.foreign%d" % number)).mkdir()
+    first = bus_machine.start_daemon()
+    second = bus_machine.start_daemon(wait=False)
+    assert second.wait_exit() == 254
+    assert first.errors() == ""
 
 
 def test_after_the_end_the_lock_is_free_again(bus_machine):
@@ -246,6 +318,13 @@ def test_a_verbose_log_that_cannot_be_opened_stops_nobody(bus_machine):
     daemon = bus_machine.start_daemon("-d")
     bus_machine.client().call("establishConnection")
     daemon.wait_for_log("debugConnecting(): hello")
+
+
+@pytest.mark.parametrize("name", ["daemon_verbose.log", "daemon.log"])
+def test_a_pipe_in_a_logs_place_does_not_hold_up_the_start(bus_machine, name):
+    os.mkfifo(bus_machine.path("/opt/norvix/" + name))
+    bus_machine.start_daemon("-d").wait_for_output(STARTED)
+    assert bus_machine.client().call("reply") is True
 
 
 def test_output_is_seen_at_once_through_a_pipe(bus_machine):

@@ -23,8 +23,8 @@ Facts soundFacts()
     facts.modems = {{facts.configured, familyOf(facts.configured), QStringLiteral("1-1")}};
     facts.kernel = QStringLiteral("6.1.0");
     facts.driver = QStringLiteral("cxacru");
-    facts.driverModule = facts.pppModule = facts.protocolModule = facts.bridgeModule
-        = Module::Loaded;
+    facts.driverModule = facts.atmModule = facts.usbatmModule = Module::Loaded;
+    facts.pppModule = facts.protocolModule = facts.bridgeModule = Module::Loaded;
     facts.line = LineStatus{Line::Up, 8128, 832, QString()};
     facts.protocol = QStringLiteral("PPPoE");
     facts.vpi = QStringLiteral("8");
@@ -59,6 +59,35 @@ private slots:
                 qPrintable(finding.id + QLatin1String(": ") + finding.text));
             QVERIFY(finding.remedy.isEmpty());
         }
+    }
+
+    void whatTheModemAndTheProtocolDoNotNeedIsNotMissed()
+    {
+        Facts overAtm = soundFacts();
+        overAtm.protocol = QStringLiteral("PPPoA");
+        overAtm.bridgeModule = Module::Missing;
+        Facts unicorn = soundFacts();
+        unicorn.configured = {0x0483, 0x0138};
+        unicorn.driver = QStringLiteral("unicorn_usb_eth");
+        unicorn.atmModule = unicorn.usbatmModule = unicorn.bridgeModule = Module::Missing;
+        for (const Facts &facts : {overAtm, unicorn}) {
+            for (const Finding &finding : examine(facts)) {
+                if (finding.id == QLatin1String("driver") || finding.id == QLatin1String("ppp")
+                    || finding.id == QLatin1String("bridge")) {
+                    QVERIFY2(finding.verdict == Verdict::Good, qPrintable(finding.text));
+                }
+            }
+        }
+    }
+
+    void theModuleThatCarriesPppFollowsFromModemAndProtocol()
+    {
+        Facts facts = soundFacts();
+        QCOMPARE(facts.protocolModuleName(), "pppoe");
+        facts.protocol = QStringLiteral("PPPoA");
+        QCOMPARE(facts.protocolModuleName(), "pppoatm");
+        facts.configured = {0x0483, 0x0138};
+        QCOMPARE(facts.protocolModuleName(), "pppoe");
     }
 
     void eachFactIsJudged_data()
@@ -116,6 +145,16 @@ private slots:
         row(
             "no driver", "driver", [](Facts &f) { f.driverModule = Module::Missing; }, "fault",
             "full kernel");
+        row(
+            "a kernel without ATM", "driver",
+            [](Facts &f) {
+                f.atmModule = f.usbatmModule = f.driverModule = Module::Missing;
+                f.hasDriverSource = true; // which could not be built either
+            },
+            "fault", "atm, usbatm, cxacru. Install the distribution's full kernel");
+        row(
+            "a driver without what it stands on", "driver",
+            [](Facts &f) { f.usbatmModule = Module::Missing; }, "fault", "needs: usbatm.");
         row(
             "a driver that can be built", "driver",
             [](Facts &f) {
@@ -180,7 +219,17 @@ private slots:
             "no pppd", "ppp", [](Facts &f) { f.hasPppd = false; }, "fault", "apt install ppp");
         row(
             "a kernel without PPP", "ppp", [](Facts &f) { f.pppModule = Module::Missing; }, "fault",
-            "linux-image");
+            "needs: ppp_generic.");
+        row(
+            "a kernel without PPP over ATM", "ppp",
+            [](Facts &f) {
+                f.protocol = QStringLiteral("PPPoA");
+                f.protocolModule = Module::Missing;
+            },
+            "fault", "needs: pppoatm.");
+        row(
+            "a kernel without PPP over Ethernet", "ppp",
+            [](Facts &f) { f.protocolModule = Module::Missing; }, "fault", "needs: pppoe.");
         row(
             "no bridge program", "bridge", [](Facts &f) { f.hasBridgeTool = false; }, "fault",
             "ln -s /usr/sbin/br2684ctl");

@@ -156,6 +156,8 @@ private slots:
         QCOMPARE(moduleState("ueagle_atm", false, list), Module::Available);
         QCOMPARE(moduleState("ppp_generic", false, list), Module::Available);
         QCOMPARE(moduleState("eagle-atm", false, list), Module::Missing);
+        // Needed by one that is there, and not there itself.
+        QCOMPARE(moduleState("a", false, list), Module::Missing);
         QCOMPARE(moduleState("cxacru", true, list), Module::Loaded);
         QCOMPARE(moduleState("cxacru", false, std::nullopt), Module::Unknown);
     }

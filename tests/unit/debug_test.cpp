@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 class DebugTest : public QObject
 {
@@ -18,6 +19,7 @@ private slots:
     void theVerboseLogIsAppendedTo();
     void childrenDoNotInheritTheVerboseLog();
     void aLogThatCannotBeOpenedIsNoError();
+    void aPipeWithoutAReaderHoldsNobodyUp();
     void nothingIsWrittenWithoutTheSwitch();
 
 private:
@@ -82,6 +84,15 @@ void DebugTest::aLogThatCannotBeOpenedIsNoError()
         QVERIFY(pFile == nullptr);
         writeVerbose("lost\n");
     }
+}
+
+void DebugTest::aPipeWithoutAReaderHoldsNobodyUp()
+{
+    debug = true;
+    QCOMPARE(mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    setDebug(true, m_path);
+    QVERIFY(pFile == nullptr);
+    writeVerbose("lost\n");
 }
 
 void DebugTest::nothingIsWrittenWithoutTheSwitch()

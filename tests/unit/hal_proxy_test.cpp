@@ -53,8 +53,29 @@ private:
         if (key == QLatin1String("unsigned")) {
             return {51969U};
         }
+        if (key == QLatin1String("unsigned variant")) {
+            return variant(51969U);
+        }
+        if (key == QLatin1String("wide")) {
+            return {qlonglong(4368)};
+        }
+        if (key == QLatin1String("narrow")) {
+            return {QVariant::fromValue(short(4368))};
+        }
+        if (key == QLatin1String("truth")) {
+            return {true};
+        }
+        if (key == QLatin1String("real")) {
+            return {4368.0};
+        }
         if (key == QLatin1String("text")) {
             return {QStringLiteral("modem")};
+        }
+        if (key == QLatin1String("text of digits")) {
+            return {QStringLiteral("4368")};
+        }
+        if (key == QLatin1String("digits variant")) {
+            return variant(QStringLiteral("4368"));
         }
         if (key == QLatin1String("text variant")) {
             return variant(QStringLiteral("modem"));
@@ -101,8 +122,8 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
 
-    void aPropertyIsReadHoweverItIsWrapped_data();
-    void aPropertyIsReadHoweverItIsWrapped();
+    void onlyASigned32BitNumberCountsHoweverItIsWrapped_data();
+    void onlyASigned32BitNumberCountsHoweverItIsWrapped();
     void anObjectThatIsNotThereGivesNothing();
     void aPathThatIsNoneGivesNothingAndDoesNotEndTheProcess_data();
     void aPathThatIsNoneGivesNothingAndDoesNotEndTheProcess();
@@ -135,14 +156,17 @@ std::optional<int> HalProxyTest::property(const QString &path, const char *key)
     return HalProxy(path, "org.freedesktop.Hal.Device", m_connection).intProperty(key);
 }
 
-void HalProxyTest::aPropertyIsReadHoweverItIsWrapped_data()
+void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped_data()
 {
     QTest::addColumn<bool>("isNumber");
     QTest::addColumn<int>("number");
     QTest::newRow("plain") << true << 4368;
     QTest::newRow("variant") << true << 4368;
     QTest::newRow("negative") << true << -1;
-    QTest::newRow("unsigned") << true << 51969;
+    for (const char *other : {"unsigned", "unsigned variant", "wide", "narrow", "truth", "real",
+             "text of digits", "digits variant"}) {
+        QTest::newRow(other) << false << 0;
+    }
     QTest::newRow("text") << false << 0;
     QTest::newRow("text variant") << false << 0;
     QTest::newRow("list") << false << 0;
@@ -150,7 +174,7 @@ void HalProxyTest::aPropertyIsReadHoweverItIsWrapped_data()
     QTest::newRow("error") << false << 0; // though its text is a number
 }
 
-void HalProxyTest::aPropertyIsReadHoweverItIsWrapped()
+void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped()
 {
     QFETCH(bool, isNumber);
     QFETCH(int, number);

@@ -33,6 +33,8 @@ private slots:
     void anInterfaceWithoutAddressHasAnEmptyOne();
     void aPointToPointLinkHasItsOwnAddress();
     void theFirstOfSeveralCountsAndVersion4BeforeVersion6();
+    void anAddressBelongsToItsInterfaceWhateverItsLabel();
+    void ofAnIpv6PairTheOwnOneCountsAndALinksOwnAddressNamesTheLink();
     void whatIsNoInterfaceHasNoAnswer_data();
     void whatIsNoInterfaceHasNoAnswer();
 };
@@ -71,6 +73,28 @@ void InterfaceAddressTest::theFirstOfSeveralCountsAndVersion4BeforeVersion6()
     QVERIFY(ip("addr add 10.0.0.1/24 dev ppp1"));
     QCOMPARE(addressOf("ppp1"), QStringLiteral("10.0.0.2"));
     QCOMPARE(addressOf("ppp0"), QString()); // the neighbour's are not taken for its own
+}
+
+void InterfaceAddressTest::anAddressBelongsToItsInterfaceWhateverItsLabel()
+{
+    QVERIFY(ip("tuntap add nas3 mode tap"));
+    QVERIFY(ip("tuntap add nas30 mode tap"));
+    QVERIFY(ip("addr add 10.3.0.1/24 dev nas3 label nas3:1"));
+    QVERIFY(ip("addr add 10.3.1.1/24 dev nas3"));
+    QCOMPARE(addressOf("nas3"), QStringLiteral("10.3.0.1"));
+    QCOMPARE(addressOf("nas3:1"), QStringLiteral("no interface"));
+
+    QVERIFY(ip("addr flush dev nas3"));
+    QVERIFY(ip("addr add 10.3.2.1/24 dev nas3 label nas30")); // the neighbour's name
+    QCOMPARE(addressOf("nas3"), QStringLiteral("10.3.2.1"));
+    QCOMPARE(addressOf("nas30"), QString());
+}
+
+void InterfaceAddressTest::ofAnIpv6PairTheOwnOneCountsAndALinksOwnAddressNamesTheLink()
+{
+    QVERIFY(ip("tuntap add ppp2 mode tun"));
+    QVERIFY(ip("addr add fe80::7 peer fe80::8 dev ppp2 nodad"));
+    QCOMPARE(addressOf("ppp2"), QStringLiteral("fe80::7%ppp2"));
 }
 
 void InterfaceAddressTest::whatIsNoInterfaceHasNoAnswer_data()

@@ -9,11 +9,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <memory>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -118,7 +124,9 @@ private slots:
     void aFileOfAnotherUserIsReplaced();
     void aRemovedFileIsMadeAgain();
     void ofManyAtOnceOneGetsTheLock();
-    void whereNoLockCanBeMadeTheInstanceGoesOn();
+    void ofHundredsOfPlantedNamesNoneKeepsTheLockAway();
+    void whereNoLockCanBeMadeTheInstanceIsToldSo();
+    void aFileSystemWithoutLocksIsNoOtherInstance();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -244,7 +252,6 @@ void LockFileTest::whatOthersLeftIsNeitherFollowedNorWritten()
         QCOMPARE(mkfifo(path.constData(), 0666), 0);
     } else {
         QVERIFY(QDir().mkpath(m_path + QLatin1String(what == "folder" ? "" : "/sub/folder")));
-        QDir().mkpath(m_path + QStringLiteral(".foreign0")); // the first name to go to is taken
     }
 
     const Instance first(m_path);
@@ -256,7 +263,10 @@ void LockFileTest::whatOthersLeftIsNeitherFollowedNorWritten()
     QCOMPARE(contentOf(victim),
         QByteArray(what == "dangling link" || !what.contains("link") ? "no file" : "precious"));
     if (what == "full folder") {
-        QVERIFY(QFile::exists(m_path + QStringLiteral(".foreign1/sub/folder")));
+        const QStringList aside = QDir(m_folder->path()).entryList({QStringLiteral("*.foreign-*")});
+        QCOMPARE(aside.size(), 1);
+        QVERIFY(QFile::exists(
+            m_folder->filePath(aside.at(0)) + QStringLiteral("/norvixdaemon/sub/folder")));
     }
 }
 
@@ -319,7 +329,18 @@ void LockFileTest::ofManyAtOnceOneGetsTheLock()
     }
 }
 
-void LockFileTest::whereNoLockCanBeMadeTheInstanceGoesOn()
+void LockFileTest::ofHundredsOfPlantedNamesNoneKeepsTheLockAway()
+{
+    QVERIFY(QDir().mkpath(m_path + QStringLiteral("/sub")));
+    for (int i = 0; i < 1000; ++i) {
+        QVERIFY(QDir().mkdir(m_path + QStringLiteral(".foreign%1").arg(i)));
+    }
+    const Instance first(m_path);
+    QVERIFY(first.result() > 0);
+    QVERIFY(!Instance(m_path).hasLock());
+}
+
+void LockFileTest::whereNoLockCanBeMadeTheInstanceIsToldSo()
 {
     // Nobody can make files there, root neither.
     QProcess instance;
@@ -333,8 +354,43 @@ void LockFileTest::whereNoLockCanBeMadeTheInstanceGoesOn()
     QVERIFY2(warning.contains("cannot make the lock file /sys/norvixdaemon"), warning.constData());
 }
 
+void LockFileTest::aFileSystemWithoutLocksIsNoOtherInstance()
+{
+    QProcess instance;
+    instance.start(
+        QStringLiteral("/proc/self/exe"), {QStringLiteral("--lock-without-locks"), m_path});
+    QVERIFY(instance.waitForFinished(60000));
+    QCOMPARE(instance.readAllStandardOutput(), QByteArray("0\n"));
+    QVERIFY(instance.readAllStandardError().contains("No locks available"));
+}
+
+/// From here on the kernel says of every record lock that there are no locks, as some network file
+/// systems do.
+bool forbidLocks()
+{
+    const auto offset = [](size_t field) { return quint32(field); };
+    std::array<sock_filter, 6> rules = {{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset(offsetof(seccomp_data, nr))),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(SYS_fcntl), 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset(offsetof(seccomp_data, args[1]))),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(F_SETLK), 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | quint32(ENOLCK)),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    const sock_fprog program = {rules.size(), rules.data()};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
+        && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
 int main(int argc, char **argv)
 {
+    if (argc == 3 && qstrcmp(argv[1], "--lock-without-locks") == 0) {
+        if (!forbidLocks()) {
+            return 1;
+        }
+        printf("%d\n", lockFile(QFile::decodeName(argv[2])));
+        return 0;
+    }
     if (argc == 4 && qstrcmp(argv[1], "--lock") == 0) {
         printf("%d\n", lockFile(QFile::decodeName(argv[2])));
         fflush(stdout);

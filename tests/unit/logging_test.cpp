@@ -13,8 +13,10 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
@@ -43,10 +45,13 @@ QByteArray mainLog()
     return text + rest;
 }
 
-/// Runs this program again as a child that does @p deed, see main().
-QProcess *child(const char *deed)
+/// Runs this program again as a child that does @p deed, see main(), in another locale if asked.
+QProcess *child(const char *deed, const QString &locale = QStringLiteral("C"))
 {
     auto *process = new QProcess;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), locale);
+    process->setProcessEnvironment(environment);
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->start(QStringLiteral("/proc/self/exe"), {QString::fromLatin1(deed)});
     process->waitForFinished(60000);
@@ -64,6 +69,11 @@ int doDeed(const QByteArray &deed)
     if (deed == "qFatal") {
         installDebugHandler();
         qFatal("the end");
+    }
+    if (deed == "log") {
+        appendToLog(QStringLiteral("x"));
+        appendToDailyLog(QStringLiteral("x"));
+        return 0;
     }
     return -1;
 }
@@ -96,12 +106,21 @@ private slots:
     void aFatalMessageIsLoggedAndEndsTheProcess();
     void aFatalMessageThatCannotBeLoggedDoesNotEndTheProcess();
     void aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging();
+    void bytesThatAreNoTextStandAsTheyAre();
     void theStampIsTheLocalTime();
     void theLogIsMadeAnewWhenItWasRemoved();
     void aLogThatCannotBeWrittenIsSkippedSilently_data();
     void aLogThatCannotBeWrittenIsSkippedSilently();
     void linesOfSeveralThreadsNeverInterleave();
     void noDescriptorStaysOpen();
+    void whatAClientSentNeverMakesALineOrTurnsOne_data();
+    void whatAClientSentNeverMakesALineOrTurnsOne();
+    void whatAClientSentIsCut();
+    void ofALongAttemptBothEndsStay();
+    void anAttemptAfterALongOneBeginsALogOfItsOwn();
+    void aPipeInTheLogsPlaceHoldsNobodyUp();
+    void stampsAndNamesHaveLatinDigitsInEveryLocale_data();
+    void stampsAndNamesHaveLatinDigitsInEveryLocale();
 
     void theDailyLogHasDotsInItsLinesAndDashesInItsName();
     void eachDayHasItsOwnFile();
@@ -123,6 +142,7 @@ void LoggingTest::cleanup()
 {
     debug = false;
     qunsetenv("TZ");
+    removeMainLog();
 }
 
 void LoggingTest::everyTypeOfMessageIsPrintedAndLogged_data()
@@ -223,6 +243,17 @@ void LoggingTest::aLineIsLoggedInUtf8AndPrintedOnlyWhenDebugging()
     QCOMPARE(mainLog(), bytes + '\n' + bytes + '\n');
 }
 
+void LoggingTest::bytesThatAreNoTextStandAsTheyAre()
+{
+    const QByteArray bytes("a\xff\xc3 b\0c", 8);
+    appendBytesToLog(bytes);
+    QCOMPARE(mainLog(), bytes + '\n');
+    debug = true;
+    CapturedStdout capture;
+    appendBytesToLog("\xff");
+    QCOMPARE(capture.text(), QByteArray("\xff\n"));
+}
+
 void LoggingTest::theStampIsTheLocalTime()
 {
     const auto now = [] { return QDateTime::fromSecsSinceEpoch(time(nullptr)); };
@@ -309,6 +340,135 @@ void LoggingTest::noDescriptorStaysOpen()
     QCOMPARE(count(), before);
 }
 
+void LoggingTest::whatAClientSentNeverMakesALineOrTurnsOne_data()
+{
+    QTest::addColumn<QString>("sent");
+    QTest::addColumn<QString>("logged");
+    for (const char *plain :
+        {"", "ppp0", "b\xc3\xbcro \xe2\x9c\x93 \xf0\x9f\x98\x80", "a b", "%s%n%1", "\\n \"'<>&"}) {
+        QTest::newRow(plain) << QString::fromUtf8(plain) << QString::fromUtf8(plain);
+    }
+    const auto row = [](const char *name, uint character, const char *escaped) {
+        QTest::newRow(name) << QStringLiteral("a%1b").arg(QString::fromUcs4(&character, 1))
+                            << QStringLiteral("a%1b").arg(QLatin1String(escaped));
+    };
+    row("line feed", '\n', "\\u000a");
+    row("carriage return", '\r', "\\u000d");
+    row("escape", 0x1b, "\\u001b");
+    row("delete", 0x7f, "\\u007f");
+    row("C1 control", 0x9b, "\\u009b");
+    row("line separator", 0x2028, "\\u2028");
+    row("paragraph separator", 0x2029, "\\u2029");
+    row("right-to-left override", 0x202e, "\\u202e");
+    row("tag", 0xe0041, "\\ue0041");
+}
+
+void LoggingTest::whatAClientSentNeverMakesALineOrTurnsOne()
+{
+    QFETCH(QString, sent);
+    QTEST(loggable(sent), "logged");
+}
+
+void LoggingTest::whatAClientSentIsCut()
+{
+    const uint face = 0x1f600;
+    for (const QString &character :
+        {QStringLiteral("x"), QString(QChar(0xe9)), QString::fromUcs4(&face, 1)}) {
+        QCOMPARE(loggable(character.repeated(256)), character.repeated(256));
+        QCOMPARE(loggable(character.repeated(257)), character.repeated(256));
+        QCOMPARE(loggable(character.repeated(1000000)), character.repeated(256));
+    }
+}
+
+void LoggingTest::ofALongAttemptBothEndsStay()
+{
+    constexpr int megabyte = 1048576;
+    const QString filling(1000, QLatin1Char('x'));
+    appendToLog(QStringLiteral("before"));
+    QVERIFY(QFile::setPermissions(mainLogPath(), QFile::ReadOwner | QFile::WriteOwner));
+    beginLogAttempt();
+    constexpr int lines = 30000;
+    for (int i = 0; i < lines; ++i) {
+        appendToLog(QStringLiteral("line %1 %2").arg(i).arg(filling));
+        QVERIFY(QFile(mainLogPath()).size() < 4 * megabyte);
+    }
+    const QByteArrayList kept = mainLog().split('\n');
+    QCOMPARE(kept.at(0), QByteArray("before"));
+    const int note = int(std::find_if(kept.begin(), kept.end(), [](const QByteArray &line) {
+        return line.contains("left out here");
+    }) - kept.begin());
+    QVERIFY(note > 1000 && note < 1100);
+    QVERIFY(kept.size() - note > 1000);
+    for (int i = 0; i < note - 1; ++i) {
+        QVERIFY(kept.at(i + 1).startsWith("line " + QByteArray::number(i) + ' '));
+    }
+    for (int i = 0; i < 1000; ++i) {
+        QVERIFY(kept.at(kept.size() - 2 - i)
+                    .startsWith("line " + QByteArray::number(lines - 1 - i) + ' '));
+    }
+    QCOMPARE(QFile::permissions(mainLogPath()),
+        QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    QCOMPARE(QDir(QStringLiteral("/opt/norvix")).entryList(QDir::Files),
+        QStringList{QStringLiteral("daemon.log")});
+}
+
+void LoggingTest::anAttemptAfterALongOneBeginsALogOfItsOwn()
+{
+    const QString filling(100000, QLatin1Char('x'));
+    for (const char *attempt : {"one", "two", "three", "four"}) {
+        beginLogAttempt();
+        appendToLog(QString::fromLatin1(attempt));
+        for (int i = 0; i < 15; ++i) {
+            appendToLog(filling);
+        }
+    }
+    const QString path = mainLogPath();
+    QVERIFY(contentOf(path).mid(20).startsWith("four\n"));
+    QVERIFY(contentOf(path + QStringLiteral(".1")).mid(20).startsWith("three\n"));
+    QVERIFY(contentOf(path + QStringLiteral(".2")).mid(20).startsWith("two\n"));
+    QCOMPARE(QDir(QStringLiteral("/opt/norvix")).entryList(QDir::Files).size(), 3);
+    removeMainLog();
+    beginLogAttempt();
+    appendToLog(QStringLiteral("short"));
+    beginLogAttempt();
+    appendToLog(QStringLiteral("short, too"));
+    QCOMPARE(mainLog(), QByteArray("short\nshort, too\n"));
+}
+
+void LoggingTest::aPipeInTheLogsPlaceHoldsNobodyUp()
+{
+    QCOMPARE(mkfifo("/opt/norvix/daemon.log", 0600), 0);
+    CapturedStdout capture;
+    appendToLog(QStringLiteral("one"));
+    debugHandler(QtWarningMsg, "two");
+    QCOMPARE(capture.text(), QByteArray("Debug: two\n"));
+}
+
+void LoggingTest::stampsAndNamesHaveLatinDigitsInEveryLocale_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const char *locale : {"fa_IR.UTF-8", "ar_EG.UTF-8", "mr_IN.UTF-8"}) {
+        QTest::newRow(locale) << QString::fromLatin1(locale);
+    }
+}
+
+void LoggingTest::stampsAndNamesHaveLatinDigitsInEveryLocale()
+{
+    QFETCH(QString, locale);
+    const std::unique_ptr<QProcess> process(child("log", locale));
+    QCOMPARE(process->exitCode(), 0);
+
+    const QRegularExpression mainLine(QStringLiteral("^[0-9-]{10} [0-9:]{8} x\n$"));
+    QVERIFY(mainLine.match(QString::fromUtf8(contentOf(mainLogPath()))).hasMatch());
+
+    const QDir folder(QString::fromLatin1(dailyFolder));
+    const QString name = folder.entryList(QDir::Files).value(0);
+    const QRegularExpression dailyName(QStringLiteral("^[0-9]{2}-[0-9]{2}-[0-9]{4}\\.log$"));
+    QVERIFY2(dailyName.match(name).hasMatch(), qUtf8Printable(name));
+    const QRegularExpression dailyLine(QStringLiteral("^[0-9.]{10} [0-9:]{8}: x\n$"));
+    QVERIFY(dailyLine.match(QString::fromUtf8(contentOf(folder.filePath(name)))).hasMatch());
+}
+
 void LoggingTest::theDailyLogHasDotsInItsLinesAndDashesInItsName()
 {
     const QString text = QStringLiteral("RX bytes: 5000 ") + QChar(0xe9);
@@ -378,9 +538,10 @@ void LoggingTest::theDailyLogPrintsNothing()
 int main(int argc, char **argv)
 {
     enterPrivateRoot(argv);
-    if (argc == 2 && (qstrcmp(argv[1], "fatal") == 0 || qstrcmp(argv[1], "qFatal") == 0)) {
+    const QByteArray deed = argc == 2 ? argv[1] : "";
+    if (deed == "fatal" || deed == "qFatal" || deed == "log") {
         setvbuf(stdout, nullptr, _IOLBF, 0); // as the daemon does: nothing is lost by abort()
-        return doDeed(argv[1]);
+        return doDeed(deed);
     }
     QCoreApplication application(argc, argv);
     LoggingTest test;

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <climits>
+#include <sys/stat.h>
 
 namespace {
 
@@ -27,6 +28,8 @@ private slots:
     void theFirstLineGivesTheId_data();
     void theFirstLineGivesTheId();
     void aFileThatCannotBeReadGivesNone();
+    void anIdIsTheCodeOfOneCharacter_data();
+    void anIdIsTheCodeOfOneCharacter();
     void aLinknameFileNamesItsInterface_data();
     void aLinknameFileNamesItsInterface();
     void theFirstInterfacePidFileOfAListingCounts_data();
@@ -112,6 +115,40 @@ void PidFileTest::aFileThatCannotBeReadGivesNone()
     QVERIFY(!readPidFile(QString()));
     QCOMPARE(pidInFile(QByteArray(10 * 1024 * 1024, '9')), none);
     QCOMPARE(pidInFile("1234\n" + QByteArray(10 * 1024 * 1024, '9')), 1234);
+    QCOMPARE(pidInFile(QByteArray(64 * 1024 - 2, '0') + "123456"), none); // not 12
+
+    const QString pipe = m_folder.filePath(QStringLiteral("pipe.pid"));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QVERIFY(!readPidFile(pipe));
+    QVERIFY(!readPidFile(QStringLiteral("/dev/zero")));
+}
+
+void PidFileTest::anIdIsTheCodeOfOneCharacter_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::addColumn<QByteArray>("utf8"); // empty: no character
+    QTest::newRow("a digit") << 48 << QByteArray("0");
+    QTest::newRow("a letter") << 955 << QByteArray("\xce\xbb");
+    QTest::newRow("last before the surrogates") << 0xd7ff << QByteArray("\xed\x9f\xbf");
+    QTest::newRow("first surrogate") << 0xd800 << QByteArray();
+    QTest::newRow("last surrogate") << 0xdfff << QByteArray();
+    QTest::newRow("first after them") << 0xe000 << QByteArray("\xee\x80\x80");
+    QTest::newRow("the mark of the byte order") << 0xfeff << QByteArray("\xef\xbb\xbf");
+    QTest::newRow("65535") << 0xffff << QByteArray("\xef\xbf\xbf");
+    QTest::newRow("65536") << 0x10000 << QByteArray("\xf0\x90\x80\x80");
+    QTest::newRow("6 and 65536") << 65536 + '6' << QByteArray("\xf0\x90\x80\xb6");
+    QTest::newRow("the last one") << 0x10ffff << QByteArray("\xf4\x8f\xbf\xbf");
+    QTest::newRow("beyond it") << 0x110000 << QByteArray();
+    QTest::newRow("largest id") << INT_MAX << QByteArray();
+}
+
+void PidFileTest::anIdIsTheCodeOfOneCharacter()
+{
+    QFETCH(int, id);
+    QFETCH(QByteArray, utf8);
+    const std::optional<QString> character = characterOfId(id);
+    QCOMPARE(character.has_value(), !utf8.isEmpty());
+    QCOMPARE(character.value_or(QString()).toUtf8(), utf8);
 }
 
 void PidFileTest::aLinknameFileNamesItsInterface_data()

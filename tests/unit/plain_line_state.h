@@ -50,20 +50,20 @@ struct PlainLineState
         for (int pass = 0; pass < 5; ++pass) {
             const int index = marker.lastIndexIn(text, start);
             if (index < 0) {
-                return {LineUnknown, false, pass + 1};
+                return {LineUnknown, false};
             }
             for (const int state : {0, 1, 3, 2, 4}) {
                 if (states[size_t(state)].indexIn(text, index) == index) {
-                    return {LineState(state), true, pass + 1};
+                    return {LineState(state), true};
                 }
             }
             start = index;
         }
-        return {LineUnknown, true, 5};
+        return {LineUnknown, true};
     }
 };
 
 inline bool sameReport(const LineReport &a, const LineReport &b)
 {
-    return a.state == b.state && a.driverLineFound == b.driverLineFound && a.passes == b.passes;
+    return a.state == b.state && a.driverLineFound == b.driverLineFound;
 }

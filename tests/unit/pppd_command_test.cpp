@@ -20,7 +20,7 @@ class PppdCommandTest : public QObject
 private slots:
     void thePeerFollowsCall();
     void theUsersArgumentsFollowInOrder();
-    void anEmptyArgumentIsNone();
+    void emptyArgumentsStayButAKeyWithoutValueHasNone();
     void theFoldersEndUpInTheEnvironment_data();
     void theFoldersEndUpInTheEnvironment();
 };
@@ -41,13 +41,17 @@ void PppdCommandTest::theUsersArgumentsFollowInOrder()
         words("debug linkname norvix call norvix") + extra);
 }
 
-void PppdCommandTest::anEmptyArgumentIsNone()
+void PppdCommandTest::emptyArgumentsStayButAKeyWithoutValueHasNone()
 {
     QCOMPARE(pppdArguments(QStringLiteral("norvix"), {QString()}),
         words("debug linkname norvix call norvix"));
-    QCOMPARE(pppdArguments(
-                 QStringLiteral("norvix"), {QStringLiteral("a"), QString(), QStringLiteral("b")}),
-        words("debug linkname norvix call norvix a b"));
+    const QStringList usual = words("debug linkname norvix call norvix");
+    const QString a = QStringLiteral("a");
+    const QString none;
+    for (const QStringList &extra :
+        {QStringList{a, none, a}, {none, none}, {none, a}, {a, none}, {none, none, none}}) {
+        QCOMPARE(pppdArguments(QStringLiteral("norvix"), extra), usual + extra);
+    }
 }
 
 void PppdCommandTest::theFoldersEndUpInTheEnvironment_data()

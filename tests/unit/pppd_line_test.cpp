@@ -223,12 +223,18 @@ void PppdLineTest::aLineHasItsMeaning_data()
     row("CHAP authentication failed: permission denied Timeout waiting for PADO packets",
         PppdEvent::AuthenticationFailed);
 
-    // Foreign bytes. The patterns see the text up to its first NUL.
+    // Foreign bytes, each one character; a zero byte ends nothing.
     row("", PppdEvent::None);
     row(QByteArray("a\0Timeout waiting for PADO packets", 34), PppdEvent::DiscoveryTimeout);
     row(QByteArray("\0Connect: ppp0 <--> nas0", 24), PppdEvent::None);
     row(QByteArray("Connect: ppp0 <--> nas0\0x", 25), PppdEvent::Link);
-    row(QByteArray("x\0CHAP authentication failed: permission denied", 47), PppdEvent::None);
+    row(QByteArray("x\0CHAP authentication failed: permission denied", 47),
+        PppdEvent::AuthenticationFailed);
+    row(QByteArray("x\0sent [LCP TermReq id=\0 \"Failed to authenticate ourselves to peer\"]", 68),
+        PppdEvent::AuthenticationFailed);
+    row("rcvd [CHAP Failure id=\xff\xc3\xe4\xfc\xf6 \"permission denied\"]",
+        PppdEvent::AuthenticationFailed);
+    row("rcvd [CHAP Failure id=\xc3\xa4\xc3\xa4\xc3\xa4 \"permission denied\"]", PppdEvent::None);
     row("sent [LCP TermReq id=\xff\xfe \"Failed to authenticate ourselves to peer\"]",
         PppdEvent::AuthenticationFailed);
     row("\xff\xc3 Timeout waiting for PADO packets \x80", PppdEvent::DiscoveryTimeout);

@@ -36,6 +36,16 @@ def test_one_scenario_is_named_with_its_file():
     assert selection.options == ("-k", "never")
 
 
+def test_each_system_that_is_named_runs_everything_that_is_chosen():
+    picked = runner.chosen(["13", "newest", "line::never"])
+    assert [(selection.name, selection.system) for selection in picked] == [
+        ("13-test_line-never", "13"), ("newest-test_line-never", "newest")]
+
+
+def test_without_a_system_the_guests_are_like_the_machine():
+    assert {selection.system for selection in runner.chosen([])} == {None}
+
+
 def test_an_unknown_name_is_told():
     with pytest.raises(SystemExit, match="no file is called nothing"):
         runner.chosen(["nothing"])
