@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Bringing the link up and down, as a client sees it."""
 import os
+import re
 
 import pytest
 
@@ -344,6 +345,14 @@ def test_terminating_without_a_connection_is_announced_all_the_same(bus_machine)
     client.call("terminateConnection")
     client.wait_signal("connectionTerminated")
     assert len(bus_machine.calls("killall")) == 1
+
+
+def test_an_ending_leaves_its_numbered_steps_in_the_log(bus_machine):
+    bus_machine.start_daemon().wait_started()
+    before = len(bus_machine.daemon_log())
+    bus_machine.client().call("terminateConnection")
+    steps = re.findall(r"debugHandler: (\d+) $", bus_machine.daemon_log()[before:], re.M)
+    assert len(steps) > 1 and steps == [str(number + 1) for number in range(len(steps))]
 
 
 @pytest.mark.parametrize("bridge", [955, 65536 + ord("6"), 0x10FFFF])

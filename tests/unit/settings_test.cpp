@@ -194,7 +194,7 @@ void SettingsTest::thePppdArgumentsAreRead_data()
     row("@Invalid()", {});
     row("lock", {"lock"});
     row("mtu, 1400", {"mtu", "1400"});
-    row("mtu,1400,,lock", {"mtu", "1400", "lock"});
+    row("mtu,1400,,lock", {"mtu", "1400", "", "lock"});
     row("\"two words\", b", {"two words", "b"});
     row("\"a, b\"", {"a, b"});
     row("two words", {"two words"});
