@@ -15,9 +15,9 @@ awk '{ print $5 }' /proc/self/mountinfo | grep -vE '^/(proc|sys)(/|$)' | while r
 done
 mount --bind "$writable" "$writable"
 mount -o remount,bind,rw "$writable"
-mount -t tmpfs tmpfs /tmp
+mount -t tmpfs -o size=600m tmpfs /tmp
 chmod 1777 /tmp
-mount -t tmpfs tmpfs /run
+mount -t tmpfs -o size=600m tmpfs /run
 mkdir -p /run/lock
 mount -t tmpfs tmpfs /dev/shm 2>/dev/null || true
 ip link set lo up
