@@ -23,13 +23,14 @@ KEPT_SECONDS = 7 * 24 * 3600
 # Where a kernel is: in one package with its modules, or in newer suites in one of its own.
 KERNEL_PACKAGES = ("linux-image-", "linux-binary-", "linux-modules-")
 
-# A kernel unpacks to 400 MB. A machine without hardware but with a modem needs this much.
+# A kernel unpacks to 400 MB. A machine without hardware but with a modem needs this much; depmod
+# unpacks each of the compressed modules anew, which an emulated processor does slowly.
 KERNEL_FOLDERS = (
-    "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/input",
-    "drivers/net/dummy.ko", "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko",
-    "drivers/net/veth.ko", "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common",
-    "drivers/usb/core", "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs",
-    "fs/overlayfs", "lib", "net",
+    "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/net/dummy.ko",
+    "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko", "drivers/net/veth.ko",
+    "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common", "drivers/usb/core",
+    "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs", "fs/overlayfs", "lib",
+    "net/9p", "net/atm", "net/core", "net/ipv4/gre.ko", "net/packet", "net/unix",
 )
 
 # Loaded before the root file system is there.
