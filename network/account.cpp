@@ -2,7 +2,7 @@
 // The PPP account on the bus: reads and writes pppd's secrets and peer files.
 #include "daemon/norvix_daemon.h"
 #include "network/account_files.h"
-#include "support/file_bytes.h"
+#include "support/safe_file.h"
 
 #include <cerrno>
 #include <cstring>

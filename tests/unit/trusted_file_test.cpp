@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What root may act upon, and folders that root makes where others can write.
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 #include "support/trusted_file.h"
 
 #include <QDir>
