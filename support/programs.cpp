@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "support/programs.h"
 
+#include "support/my_process.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QProcess>
+#include <memory>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
+
+// How long a killed process may take to be gone; it does not need a hundredth of it.
+constexpr int killedWithinMs = 250;
 
 bool isExecutableFile(const QString &path)
 {
@@ -14,16 +22,29 @@ bool isExecutableFile(const QString &path)
     return info.isFile() && info.isExecutable();
 }
 
-/// Leaves a process that exceeded its time to the main thread, which reaps it. Deleting it here
-/// would kill it: a bridge daemon that is merely slow would be lost.
-void letGo(QProcess *process)
+/// Whose child leads a process group of its own.
+class GroupLeader : public QProcess
 {
-    process->setParent(nullptr);
-    QObject::connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
-        process, &QObject::deleteLater);
-    if (QCoreApplication::instance() != nullptr) {
-        process->moveToThread(QCoreApplication::instance()->thread());
+protected:
+    void setupChildProcess() override { setpgid(0, 0); }
+};
+
+/// Ends a process that exceeded its time. One that does not even go by SIGKILL waits in the kernel,
+/// perhaps for ever: the main thread reaps it, and we do not wait. The descriptor tells its end.
+FileDescriptor endOrLeave(std::unique_ptr<QProcess> process)
+{
+    process->kill();
+    if (process->waitForFinished(killedWithinMs)) {
+        return FileDescriptor();
     }
+    FileDescriptor end(int(syscall(SYS_pidfd_open, pid_t(process->processId()), 0)));
+    QProcess *left = process.release();
+    QObject::connect(left, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), left,
+        &QObject::deleteLater);
+    if (QCoreApplication::instance() != nullptr) {
+        left->moveToThread(QCoreApplication::instance()->thread());
+    }
+    return end;
 }
 
 /// Reads until @p maxOutput bytes are there, the program ends or the time is over; what comes after
@@ -38,6 +59,43 @@ QByteArray readBeginning(QProcess &process, int maxOutput, const QDeadlineTimer 
     QByteArray beginning = process.read(maxOutput);
     process.closeReadChannel(QProcess::StandardOutput);
     return beginning;
+}
+
+/// Runs @p program with @p process, an object that nothing has been started with.
+ProgramResult run(std::unique_ptr<QProcess> process, const QString &program,
+    const QStringList &arguments, int timeoutMs, const QStringList &environment, int maxOutput)
+{
+    const QDeadlineTimer deadline(timeoutMs, Qt::PreciseTimer);
+    ProgramResult result;
+
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    if (maxOutput == 0) {
+        process->setStandardOutputFile(QProcess::nullDevice());
+    }
+    QString path = program;
+    if (!environment.isEmpty()) {
+        process->setEnvironment(environment);
+        path = findProgram(program, environment);
+    }
+    childStarts.ref();
+    process->start(path, arguments, maxOutput == 0 ? QIODevice::ReadWrite : QIODevice::ReadOnly);
+    childStarts.deref();
+    result.processId = process->processId();
+    if (maxOutput > 0) {
+        result.output = readBeginning(*process, maxOutput, deadline);
+    }
+    if (process->state() != QProcess::NotRunning) {
+        process->waitForFinished(int(deadline.remainingTime()));
+    }
+    if (process->state() != QProcess::NotRunning) {
+        result.leftBehind = endOrLeave(std::move(process));
+    } else if (process->error() == QProcess::FailedToStart) {
+        result.processId = 0; // it was that of the child which could not become the program
+    } else if (process->exitStatus() == QProcess::NormalExit) {
+        result.exitCode = process->exitCode();
+    }
+    return result;
 }
 
 } // namespace
@@ -74,38 +132,12 @@ QString findProgram(const QString &name, const QStringList &environment)
 ProgramResult runProgram(const QString &program, const QStringList &arguments, int timeoutMs,
     const QStringList &environment, int maxOutput)
 {
-    const QDeadlineTimer deadline(timeoutMs, Qt::PreciseTimer);
-    ProgramResult result;
-
     // Exactly QProcess, no subclass: its child never waits for us between fork and exec.
-    auto *process = new QProcess;
-    process->setStandardInputFile(QProcess::nullDevice());
-    process->setStandardErrorFile(QProcess::nullDevice());
-    if (maxOutput == 0) {
-        process->setStandardOutputFile(QProcess::nullDevice());
-    }
-    QString path = program;
-    if (!environment.isEmpty()) {
-        process->setEnvironment(environment);
-        path = findProgram(program, environment);
-    }
-    process->start(path, arguments, maxOutput == 0 ? QIODevice::ReadWrite : QIODevice::ReadOnly);
-    result.processId = process->processId();
-    if (maxOutput > 0) {
-        result.output = readBeginning(*process, maxOutput, deadline);
-    }
-    if (process->state() != QProcess::NotRunning) {
-        process->waitForFinished(int(deadline.remainingTime()));
-    }
-    if (process->state() != QProcess::NotRunning) {
-        letGo(process);
-        return result;
-    }
-    if (process->error() == QProcess::FailedToStart) {
-        result.processId = 0; // it was that of the child which could not become the program
-    } else if (process->exitStatus() == QProcess::NormalExit) {
-        result.exitCode = process->exitCode();
-    }
-    delete process;
-    return result;
+    return run(std::make_unique<QProcess>(), program, arguments, timeoutMs, environment, maxOutput);
+}
+
+ProgramResult runProgramInOwnGroup(
+    const QString &program, const QStringList &arguments, int timeoutMs)
+{
+    return run(std::make_unique<GroupLeader>(), program, arguments, timeoutMs, QStringList(), 0);
 }
