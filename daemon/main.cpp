@@ -6,6 +6,7 @@
 #include "daemon/settings.h"
 #include "support/debug.h"
 #include "support/lock_file.h"
+#include "support/safe_file.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -93,6 +94,7 @@ int main(int argc, char **argv)
         fputs("Norvix Daemon: It seems that the daemon is already running.\n", stderr);
         return alreadyRunningStatus;
     }
-    removeStaleSettingsLocks();
+    clearStaleSettingsFiles();
+    clearUnfinished(QStringLiteral("/etc/resolv.conf"));
     return runDaemon(argc, argv);
 }

@@ -88,6 +88,7 @@ void Norvix_Daemon::startLog()
         const QString value = settings()->value(key).toString();
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
+    logSettingsTrouble();
 }
 
 void Norvix_Daemon::checkPolicyFile()
