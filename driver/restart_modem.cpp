@@ -2,6 +2,7 @@
 #include "driver/restart_modem.h"
 
 #include "daemon/settings.h"
+#include "support/programs.h"
 
 #include <QProcess>
 
@@ -17,9 +18,17 @@ QString moduleToReload(int vendorId)
     case 0x0483:
         return QStringLiteral("unicorn_usb_eth");
     default:
-        // One family of the catalogue has many vendors; they end here, and so do unknown ones.
+        // One family of the catalogue has many vendors; they end here, and so do unknown ones: a
+        // client may have stored the vendor of a modem that is sold under another name.
         return QStringLiteral("cxacru");
     }
+}
+
+void reloadModule(const QString &module, int timeoutMs)
+{
+    // Whether they succeed does not matter here: the line state tells.
+    runProgram(QStringLiteral("rmmod"), {module}, timeoutMs);
+    runProgram(QStringLiteral("modprobe"), {module}, timeoutMs);
 }
 
 RestartModem::RestartModem(QSettings *settings, QObject *parent)
@@ -39,7 +48,5 @@ void RestartModem::run()
     if (module.isEmpty()) {
         return;
     }
-    // Both wait as long as the kernel needs, and whether they succeed does not matter here.
-    QProcess::execute(QStringLiteral("rmmod"), {module});
-    QProcess::execute(QStringLiteral("modprobe"), {module});
+    reloadModule(module, moduleTimeoutMs);
 }
