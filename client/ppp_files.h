@@ -24,7 +24,7 @@ bool hasEntryAtStart(const QByteArray &content);
 QByteArray placeholderLogin();
 
 /// The comment that stands behind the account at the beginning: the daemon's pattern reaches over
-/// line ends and would take a short entry that follows at once with it.
+/// line ends, and once a value of the account is empty would take from the entry that follows.
 QByteArray guardLines();
 
 /// @p content with its newest entry moved to the very beginning and older entries of the same login

@@ -95,6 +95,7 @@ void Norvix_Daemon::startLog()
         const QString value = settingText(settings()->value(key));
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
+    logSettingsTrouble();
 }
 
 void Norvix_Daemon::checkPolicyFile()

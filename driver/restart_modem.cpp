@@ -3,6 +3,7 @@
 
 #include "daemon/settings.h"
 #include "support/modem_families.h"
+#include "support/programs.h"
 
 #include <QProcess>
 
@@ -18,9 +19,17 @@ QString moduleToReload(int vendorId)
     case unicornVendorId:
         return QString::fromLatin1(unicornModule);
     default:
-        // One family of the catalogue has many vendors; they end here, and so do unknown ones.
+        // One family of the catalogue has many vendors; they end here, and so do unknown ones: a
+        // client may have stored the vendor of a modem that is sold under another name.
         return QString::fromLatin1(cxacruModule);
     }
+}
+
+void reloadModule(const QString &module, int timeoutMs)
+{
+    // Whether they succeed does not matter here: the line state tells.
+    runProgram(QStringLiteral("rmmod"), {module}, timeoutMs);
+    runProgram(QStringLiteral("modprobe"), {module}, timeoutMs);
 }
 
 RestartModem::RestartModem(QSettings *settings, QObject *parent)
@@ -40,7 +49,5 @@ void RestartModem::run()
     if (module.isEmpty()) {
         return;
     }
-    // Both wait as long as the kernel needs, and whether they succeed does not matter here.
-    QProcess::execute(QStringLiteral("rmmod"), {module});
-    QProcess::execute(QStringLiteral("modprobe"), {module});
+    reloadModule(module, moduleTimeoutMs);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "support/compiler_work.h"
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -46,7 +46,7 @@ int Compiler::Work::publish(const char *step)
     }
     for (const QString &file : files) {
         const QString staged = staging + QLatin1Char('/') + prefix + file;
-        const std::optional<FileFacts> facts = factsOf(staged);
+        const std::optional<FileAttributes> facts = attributesOf(staged);
         if (!facts || !copyIntoPlace(staged, tree.absolute(file), *facts)) {
             complain(step, QStringLiteral("%1 cannot be installed").arg(tree.absolute(file)));
             return Compiler::InstallIncomplete;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/module_tree.h"
 
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 
 #include <QFileInfo>
 #include <sys/utsname.h>
