@@ -12,7 +12,7 @@ import subprocess
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
-PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
+PACKAGE_LIST = HERE.parent.parent / "debian-packages"
 
 DOWNLOAD_SECONDS = 600
 KEPT_SECONDS = 7 * 24 * 3600
@@ -31,9 +31,16 @@ BOOT_MODULES = ["virtio_pci", "9pnet_virtio", "9p", "overlay"]
 
 
 def package_names(kind):
-    """The packages of one kind ("host" or "guest") in the list."""
+    """The packages of one kind ("kernel", on the host, or "guest") in the list; of several names
+    the first that the package lists know."""
     lines = PACKAGE_LIST.read_text().splitlines()
-    return [words[1] for words in map(str.split, lines) if len(words) == 2 and words[0] == kind]
+    entries = [words[1].split("|") for words in map(str.split, lines) if words[:1] == [kind]]
+    return [names[0] if len(names) == 1 else next(filter(is_known, names)) for names in entries]
+
+
+def is_known(package):
+    """Whether the package lists have it."""
+    return run("apt-cache", "madison", package, capture_output=True).stdout != b""
 
 
 def cache_folder():
@@ -53,7 +60,7 @@ def run(*command, **options):
 
 def install_host_packages():
     """Installs what runs on the host itself, when it is missing."""
-    missing = [name for name in package_names("host") if not is_installed(name)]
+    missing = [name for name in package_names("kernel") if not is_installed(name)]
     if missing:
         run("apt-get", "install", "-y", "--no-install-recommends", *missing,
             env=dict(os.environ, DEBIAN_FRONTEND="noninteractive"))
@@ -103,8 +110,9 @@ def prepare():
     """Returns the image: the one that there is, unless it is a week old or its recipe has changed.
     Asking the package lists what is newest takes long on a busy machine. Whoever comes while it is
     being made waits for it."""
-    recipe = [PACKAGE_LIST, HERE / "boot.sh", pathlib.Path(__file__)]
-    key = hashlib.sha256(b"".join(path.read_bytes() for path in recipe)).hexdigest()[:16]
+    recipe = [HERE / "boot.sh", pathlib.Path(__file__)]
+    key = hashlib.sha256(b"".join([" ".join(package_names("guest")).encode(),
+                                   *(path.read_bytes() for path in recipe)])).hexdigest()[:16]
     image = Image(cache_folder() / f"guest-{key}")
     cache_folder().mkdir(parents=True, exist_ok=True)
     with open(cache_folder() / "being-made", "w") as lock:
