@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
 """Fills the private folders of a machine before anything runs in it."""
-import os
 import shutil
+import uuid
 from pathlib import Path
 
-from .standin_control import install_standins
+from .standin_control import install, install_standins
 
 HERE = Path(__file__).resolve().parent
 NORVIX_GROUP = 64999
@@ -12,9 +12,21 @@ INSTALLED = {"bin": ("norvix-daemon", "norvix-hald", "norvixctl"),
              "lib": ("libnorvix-support.so",)}
 EMPTY_FOLDERS = ("/opt/norvix/bin", "/opt/norvix/lib", "/run/dbus", "/run/lab/standins",
                  "/run/lab/triggers", "/run/lock")
-FOR_EVERYONE = ("/tmp", "/run/lock", "/run/lab")
-# What of /etc the daemon or a test changes.
-OWN_ETC = ("ppp", "dbus-1", "resolv.conf", "group", "passwd")
+FOR_EVERYONE = ("/tmp", "/var/tmp", "/run/lock", "/run/lab")
+# What the host's programs are found and started by, and nothing that says whose machine it is.
+ETC_OF_THE_HOST = ("alternatives", "ld.so.cache", "ld.so.conf", "ld.so.conf.d")
+USERS = {"root": (0, "/root"), "user": (1000, "/tmp"), "nobody": (65534, "/nonexistent")}
+GROUPS = {"root": 0, "tty": 5, "user": 1000, "norvix": NORVIX_GROUP, "nogroup": 65534}
+TEXTS = {
+    "resolv.conf": "nameserver 192.0.2.53\n",
+    "nsswitch.conf": "passwd: files\ngroup: files\nhosts: files dns\n",
+    "hostname": "norvix-lab\n",
+    "hosts": "127.0.0.1 localhost norvix-lab\n::1 localhost\n",
+    "timezone": "Etc/UTC\n",
+    "passwd": "".join("%s:x:%d:%d::%s:/bin/sh\n" % (name, number, number, home)
+                      for name, (number, home) in USERS.items()),
+    "group": "".join("%s:x:%d:\n" % entry for entry in GROUPS.items()),
+}
 
 
 def furnish(state, path, folders, build):
@@ -28,32 +40,32 @@ def furnish(state, path, folders, build):
     for folder in FOR_EVERYONE:
         path(folder).chmod(0o1777)
     _furnish_etc(path("/etc"))
+    path("/var/lib/dbus/machine-id").symlink_to("/etc/machine-id")
     _install_build(build, path("/opt/norvix"), state / "lib")
     install_standins(HERE / "standins", state / "lib", path)
 
 
 def _furnish_etc(etc):
-    """The host's /etc by links, and files of its own for what changes."""
-    for entry in os.scandir("/etc"):
-        if entry.name not in OWN_ETC:
-            target = os.readlink(entry.path) if entry.is_symlink() else "/mnt/host-etc/" + entry.name
-            (etc / entry.name).symlink_to(target)
+    """An /etc of the machine's own, with links to the little that the host's programs need."""
+    for name in ETC_OF_THE_HOST:
+        (etc / name).symlink_to("/mnt/host-etc/" + name)
+    for name, text in TEXTS.items():
+        (etc / name).write_text(text, encoding="ascii")
+    (etc / "machine-id").write_text(uuid.uuid4().hex + "\n", encoding="ascii")
+    (etc / "localtime").symlink_to("/usr/share/zoneinfo/Etc/UTC")
+    (etc / "os-release").symlink_to("../usr/lib/os-release")
     (etc / "ppp/peers").mkdir(parents=True)
     (etc / "dbus-1/system.d").mkdir(parents=True)
     shutil.copy(HERE / "system-bus.conf", etc / "dbus-1/system.conf")
-    (etc / "resolv.conf").write_text("nameserver 192.0.2.53\n", encoding="ascii")
     for name in ("pap-secrets", "chap-secrets"):
         (etc / "ppp" / name).touch(0o600)
-    groups = Path("/etc/group").read_text(encoding="utf-8").rstrip("\n")
-    (etc / "group").write_text("%s\nnorvix:x:%d:\n" % (groups, NORVIX_GROUP), encoding="utf-8")
-    shutil.copy("/etc/passwd", etc / "passwd")
 
 
 def _install_build(build, prefix, library):
     for folder, names in INSTALLED.items():
         for name in names:
             if (build / folder / name).exists():
-                shutil.copy(build / folder / name, prefix / folder)
+                install(build / folder / name, prefix / folder / name)
     preloaded = build / "lab/libklogctl-standin.so"
     if preloaded.exists():
-        shutil.copy(preloaded, library)
+        install(preloaded, library / preloaded.name)

@@ -12,6 +12,7 @@ import select
 import shutil
 import signal
 import socket
+import stat
 import sys
 import time
 
@@ -20,9 +21,14 @@ from netlink import Netlink  # noqa: E402
 
 MS_RDONLY, MS_NOSUID, MS_NODEV, MS_NOEXEC = 1, 2, 4, 8
 MS_REMOUNT, MS_NOATIME, MS_NODIRATIME, MS_BIND, MS_REC = 32, 1024, 2048, 4096, 16384
-MS_RELATIME, MNT_DETACH = 1 << 21, 2
+MS_MOVE, MS_RELATIME, MNT_DETACH = 8192, 1 << 21, 2
 FLAG_NAMES = {"nosuid": MS_NOSUID, "nodev": MS_NODEV, "noexec": MS_NOEXEC, "noatime": MS_NOATIME,
               "nodiratime": MS_NODIRATIME, "relatime": MS_RELATIME}
+HOST_NAME = "norvix-lab"
+DEVICES = {"null": (1, 3), "zero": (1, 5), "full": (1, 7), "random": (1, 8), "urandom": (1, 9),
+           "tty": (5, 0), "net/tun": (10, 200)}
+DEVICE_LINKS = {"fd": "/proc/self/fd", "stdin": "fd/0", "stdout": "fd/1", "stderr": "fd/2",
+                "ptmx": "pts/ptmx"}
 libc = ctypes.CDLL(None, use_errno=True)
 
 
@@ -59,27 +65,94 @@ def make_read_only(points):
                     raise
 
 
-def arrange_files(state, folders):
+def show_of_the_host(names):
+    """Shows these entries of the host's /etc, those that are there, under /mnt/host-etc, where links
+    of the private /etc lead. Returns the places that this makes."""
+    os.mkdir("/mnt/host-etc")
+    shown = ["/mnt/host-etc/" + name for name in names if os.path.exists("/etc/" + name)]
+    for place in shown:
+        source = "/etc/" + os.path.basename(place)
+        if os.path.isdir(source):
+            os.mkdir(place)
+        else:
+            os.mknod(place)
+        bind(source, place)
+    return shown
+
+
+def make_mount_points(places):
+    """A small host lacks some of the folders that the machine lays its own over. They are added to
+    their parents by an overlay, as nothing may be made on the host."""
+    layers = {}
+    for place in places:
+        parent = place = os.path.realpath(place)
+        while not os.path.isdir(parent):
+            parent = os.path.dirname(parent)
+        if parent != place:
+            layer = layers.setdefault(parent, "/mnt/layer-%d" % len(layers))
+            os.makedirs(layer + place[len(parent):])
+    for parent, layer in layers.items():
+        mount("overlay", parent, "overlay", MS_RDONLY, "lowerdir=%s:%s" % (layer, parent))
+
+
+def make_devices():
+    """The machine's own /dev. What is done to a node of it is done to no node of the host's."""
+    os.mkdir("/mnt/dev")
+    mount("tmpfs", "/mnt/dev", "tmpfs", MS_NOSUID, "mode=755")
+    for name in ("net", "pts", "shm"):
+        os.mkdir("/mnt/dev/" + name)
+    for name, number in DEVICES.items():
+        node, of_the_host = "/mnt/dev/" + name, "/dev/" + name
+        try:
+            os.mknod(node, stat.S_IFCHR, os.makedev(*number))
+            os.chmod(node, 0o666)
+        except PermissionError:  # an ordinary user's namespace: the host's node, as a mount point
+            if os.path.exists(of_the_host):
+                os.mknod(node)
+                bind(of_the_host, node)
+    for name, target in DEVICE_LINKS.items():
+        os.symlink(target, "/mnt/dev/" + name)
+    mount("devpts", "/mnt/dev/pts", "devpts", MS_NOSUID | MS_NOEXEC,
+          "newinstance,ptmxmode=0666,mode=620")
+    mount("tmpfs", "/mnt/dev/shm", "tmpfs", MS_NOSUID | MS_NODEV, "mode=1777")
+    mount("/mnt/dev", "/dev", flags=MS_MOVE)
+
+
+def show_the_kernel():
+    """/proc and /sys as these namespaces see them. What of their settings has no namespace is the
+    host's and cannot be changed."""
+    safe = MS_NOSUID | MS_NODEV | MS_NOEXEC
+    mount("proc", "/proc", "proc", safe)
+    mount("sysfs", "/sys", "sysfs", safe | MS_RDONLY)
+    os.mkdir("/mnt/proc-sys-net")
+    bind("/proc/sys/net", "/mnt/proc-sys-net")
+    for place in ("/proc/sys", "/proc/sysrq-trigger"):
+        if os.path.exists(place):
+            bind(place, place)
+            mount(None, place, flags=MS_REMOUNT | MS_BIND | MS_RDONLY | MS_RELATIME | safe)
+    mount("/mnt/proc-sys-net", "/proc/sys/net", flags=MS_MOVE)
+
+
+def arrange_files(state, folders, etc_of_the_host):
     """Lays the state folder's parts over the host's places. Returns a descriptor of the folder that
     the state folder lies in, by which it can be removed although the path is out of sight."""
     of_the_host = list(mounts_of_the_host())
     mount("tmpfs", "/mnt", "tmpfs", data="mode=755")
-    for name in ("lab", "host-etc"):
-        os.mkdir("/mnt/" + name)
-    bind("/etc", "/mnt/host-etc")
+    os.mkdir("/mnt/lab")
+    shown = show_of_the_host(etc_of_the_host)
     bind(os.path.dirname(state), "/mnt/lab")
     parent = os.open("/mnt/lab", os.O_RDONLY | os.O_DIRECTORY)
     libc.umount2(b"/mnt/lab", MNT_DETACH)
     bind(state, "/mnt/lab")
     # The state folder itself lies in /tmp, so its parts are taken from the new place from here on.
-    make_read_only(of_the_host + [("/mnt/host-etc", MS_RELATIME)])
-    mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC)
-    mount("sysfs", "/sys", "sysfs", MS_NOSUID | MS_NODEV | MS_NOEXEC)
-    for place in folders:
-        source = "/mnt/lab/root" + place
-        if not os.path.islink(place):
-            bind(source, place)
-    mount("tmpfs", "/dev/shm", "tmpfs", data="mode=1777")
+    make_read_only(of_the_host + [(place, MS_RELATIME) for place in shown])
+    show_the_kernel()
+    make_devices()
+    places = [place for place in folders if not os.path.islink(place)]
+    make_mount_points(places)
+    for place in places:
+        bind("/mnt/lab/root" + place, place)
+    make_read_only([("/mnt", MS_RELATIME)])
     os.chdir("/")
     return parent
 
@@ -172,9 +245,10 @@ class Init:
         for descriptor in descriptors:
             os.close(descriptor)
 
-    def do_arrange(self, folders):
+    def do_arrange(self, folders, etc_of_the_host):
         """The maker has filled the state folder: from here on the machine is as it shall be."""
-        self.parent = arrange_files(self.state, folders)
+        self.parent = arrange_files(self.state, folders, etc_of_the_host)
+        socket.sethostname(HOST_NAME)
         Netlink().set_up("lo")
 
     def do_spawn(self, argv, env, cwd, stdout, stderr, uid, gid, groups):

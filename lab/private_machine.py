@@ -2,8 +2,9 @@
 """A machine of its own for the daemon: own processes, network, files and system bus, one call away.
 
 Everything happens in namespaces. What the daemon finds under /opt, /run, /tmp, /var/log, /etc and
-/usr/local/sbin are folders of a state folder, which tests read and write from outside; the rest of
-the host's files is there read-only. When the machine is left, or its maker dies, all of it vanishes.
+/usr/local/sbin are folders of a state folder, which tests read and write from outside; accounts,
+names, zone, locales, firmware and devices are the machine's own; programs and libraries are the
+host's, read-only. When the machine is left, or its maker dies, all of it vanishes.
 """
 import base64
 import errno
@@ -20,7 +21,7 @@ from pathlib import Path
 
 from .bus_client import Client
 from .daemon_process import Daemon, Process
-from .furnishing import furnish
+from .furnishing import ETC_OF_THE_HOST, furnish
 from .kernel_log import KernelLog, RealKernelLog
 from .scenario import Pppd
 from .standin_control import Standin, read_calls
@@ -34,7 +35,8 @@ REAL_PATH = "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 USUAL_PATH = "/usr/local/sbin:" + REAL_PATH  # the stand-ins come first
 BUS_SOCKET = "/run/dbus/system_bus_socket"
 # Private folders. /var/run and /var/lock are links into /run on Debian; elsewhere they are bound.
-FOLDERS = ("/etc", "/opt", "/run", "/tmp", "/usr/local/sbin", "/var/log", "/var/run", "/var/lock")
+FOLDERS = ("/etc", "/opt", "/run", "/tmp", "/usr/lib/firmware", "/usr/lib/locale", "/usr/local/sbin",
+           "/var/lib/dbus", "/var/log", "/var/run", "/var/lock", "/var/tmp")
 
 Completed = namedtuple("Completed", "status stdout stderr")
 
@@ -45,7 +47,7 @@ class PrivateMachine:
     private_folders: further places of the host that shall be empty and writable inside."""
 
     def __init__(self, private_folders=(), real_kernel_log=False):
-        self._folders = FOLDERS + tuple(private_folders)
+        self._folders = tuple(dict.fromkeys(FOLDERS + tuple(private_folders)))
         self._lock = threading.Lock()
         self._exits_lock = threading.Lock()
         self._spawned = 0
@@ -55,7 +57,7 @@ class PrivateMachine:
         self.rooted = os.geteuid() == 0
         self.keep = bool(os.environ.get("NORVIX_LAB_KEEP"))
         self.daemons = []
-        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid(), dir="/tmp"))
+        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid()))
         self.uses_real_kernel_log = real_kernel_log
         self.kernel_log = (RealKernelLog() if real_kernel_log
                            else KernelLog(self.path("/run/lab/kernel-log")))
@@ -68,7 +70,7 @@ class PrivateMachine:
             self._boot()
             furnish(self.state, self.path, self._folders, BUILD)
             self.pppd.play()
-            self.request("arrange", folders=self._folders)
+            self.request("arrange", folders=self._folders, etc_of_the_host=ETC_OF_THE_HOST)
         except BaseException:
             self._end()
             raise
@@ -83,7 +85,8 @@ class PrivateMachine:
     def _boot(self):
         """Starts process 1. First of all, because it clears up when its maker dies."""
         self._control, theirs = socket.socketpair()
-        command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--fork", "--kill-child=KILL"]
+        command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--uts", "--fork",
+                   "--kill-child=KILL"]
         command += [] if self.rooted else ["--user", "--map-root-user"]
         command += ["/usr/bin/python3", "-B", str(HERE / "machine_init.py"), str(self.state),
                     str(theirs.fileno()), "keep" if self.keep else "remove"]
@@ -125,7 +128,10 @@ class PrivateMachine:
     def request(self, do, **arguments):
         """One request to process 1 of the machine; see machine_init.py."""
         with self._lock:
-            self._control.sendall(json.dumps({"do": do, **arguments}).encode() + b"\n")
+            try:
+                self._control.sendall(json.dumps({"do": do, **arguments}).encode() + b"\n")
+            except BrokenPipeError:
+                raise RuntimeError("the private machine has ended, or did not begin") from None
             return self._receive()
 
     # ---- files
@@ -149,6 +155,13 @@ class PrivateMachine:
     def write(self, inside, content):
         """Writes any file as seen inside, in one write."""
         self.request("write", path=inside, content=base64.b64encode(content).decode())
+
+    def add_locale(self, name):
+        """Generates a locale, for example "fa_IR": inside there is only C, and C.UTF-8, without."""
+        result = self.run(["/usr/bin/localedef", "--no-archive", "-i", name, "-f", "UTF-8",
+                           "/usr/lib/locale/%s.utf8" % name], label="localedef")
+        if result.status != 0:
+            raise RuntimeError("localedef has failed:\n" + result.stderr)
 
     def settings(self, **keys):
         """Writes the daemon's settings file anew with these keys, as a client would have left it."""

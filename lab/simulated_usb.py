@@ -26,7 +26,7 @@ class SimulatedUsb:
         self._process = machine.spawn(
             ["/usr/bin/umockdev-wrapper", "/usr/bin/python3", "-B",
              "/mnt/lab/lib/usb_simulator.py", SOCKET],
-            env={"TMPDIR": "/mnt"}, label="usb")  # in memory: its devices are many small files
+            env={"TMPDIR": "/dev/shm"}, label="usb")  # in memory: its devices are many small files
         wait_until(lambda: machine.path(SOCKET).exists() or self._process.ended(),
                    what="the USB simulator listens", detail=self._process.errors)
         connection = socket.socket(

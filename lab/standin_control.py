@@ -16,15 +16,21 @@ Call = namedtuple("Call", "time program argv env pid ppid fds")
 Call.command = property(lambda call: [call.program] + call.argv)
 
 
+def install(source, target):
+    """Copies a file to where everybody can read and start it, whoever may at its old place."""
+    shutil.copyfile(source, target)
+    target.chmod(0o755)
+
+
 def install_standins(source, library, path):
     """Puts all stand-ins in their places in a machine's private folders."""
     for name in LIBRARY:
-        shutil.copy(source / name, library)
-    shutil.copy(source / "pppd", path(SBIN))
+        install(source / name, library / name)
+    install(source / "pppd", path(SBIN) / "pppd")
     for name in RECORDED:
-        shutil.copy(source / "recorder", path(SBIN) / name)
+        install(source / "recorder", path(SBIN) / name)
     for name in FOLDER_OF:
-        shutil.copy(source / "br2684ctl", path(NORVIX_BIN) / name)
+        install(source / "br2684ctl", path(NORVIX_BIN) / name)
 
 
 def read_calls(file, program=None):

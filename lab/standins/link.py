@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Interfaces that live as long as the program that made them, and the far end's answers."""
 import ctypes
+import errno
 import fcntl
 import os
 import select
@@ -13,6 +14,8 @@ TUNSETIFF = 0x400454CA
 IFF_TUN, IFF_TAP, IFF_NO_PI = 0x1, 0x2, 0x1000
 CLONE_NEWNET = 0x40000000
 ETH_P_IP = 0x0800
+# No leave to open the node, no node, no driver behind it.
+NO_TUN = (errno.EPERM, errno.EACCES, errno.ENOENT, errno.ENODEV, errno.ENXIO)
 ICMP, UDP = 1, 17
 LARGEST_PACKET = 65536
 
@@ -114,7 +117,9 @@ def make_link(name, kind=IFF_TUN):
     """An interface of that name, by whatever this machine allows."""
     try:
         return TunLink(name, kind)
-    except (PermissionError, FileNotFoundError):
+    except OSError as error:
+        if error.errno not in NO_TUN:
+            raise
         return VethLink(name)
 
 

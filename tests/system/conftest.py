@@ -1,12 +1,19 @@
 # SPDX-License-Identifier: MIT
 """What all system tests share: machines to run in, and the evidence when one fails."""
+import os
 import sys
+import time
 from pathlib import Path
 
 import pytest
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(REPOSITORY))
+
+# Times and programs outside of the machines are as inside, whatever the shell of the developer holds.
+os.environ.update(TZ="UTC", LC_ALL="C.UTF-8")
+time.tzset()
+os.umask(0o022)
 
 from lab.private_machine import PrivateMachine  # noqa: E402
 

@@ -4,6 +4,7 @@ import os
 import re
 import signal
 import subprocess
+import tempfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -33,7 +34,7 @@ def ending(demo):
 def leftovers(pid):
     """State folders of that demo, and processes that still know of them."""
     pattern = "nvx-%d-" % pid
-    left = [str(path) for path in Path("/tmp").glob(pattern + "*")]
+    left = [str(path) for path in Path(tempfile.gettempdir()).glob(pattern + "*")]
     for process in Path("/proc").glob("[0-9]*/cmdline"):
         try:
             if pattern in process.read_bytes().decode(errors="replace"):

@@ -73,6 +73,124 @@ def test_what_is_not_private_is_read_only(machine):
         assert not os.path.exists(folder + "/written-by-norvix-lab")
 
 
+def printed(machine, *argv, **options):
+    """What a program inside prints; it has to end well."""
+    result = machine.run(argv, **options)
+    assert result.status == 0, result.stderr
+    return result.stdout
+
+
+def test_no_account_of_the_host_is_known_inside(machine):
+    users = [line.split(":")[0] for line in printed(machine, "getent", "passwd").splitlines()]
+    groups = [line.split(":")[0] for line in printed(machine, "getent", "group").splitlines()]
+    assert users == ["root", "user", "nobody"]
+    assert groups == ["root", "tty", "user", "norvix", "nogroup"]
+    assert printed(machine, "id", "-un", "1000") == "user\n"
+
+
+def test_the_hosts_name_and_identity_are_not_known_inside(machine):
+    assert printed(machine, "uname", "-n") == "norvix-lab\n"
+    assert printed(machine, "cat", "/etc/hostname") == "norvix-lab\n"
+    assert printed(machine, "getent", "hosts", "norvix-lab").startswith("127.0.0.1 ")
+    own = printed(machine, "cat", "/etc/machine-id", "/var/lib/dbus/machine-id").split()
+    assert own[0] == own[1] and len(own[0]) == 32
+    hosts = [Path(name) for name in ("/etc/machine-id", "/var/lib/dbus/machine-id")]
+    assert own[0] not in [file.read_text(encoding="ascii").strip() for file in hosts if file.exists()]
+
+
+def test_a_machine_takes_no_file_of_etc_but_what_programs_are_found_by(machine):
+    links = printed(machine, "find", "/etc", "-type", "l", "-lname", "/mnt/*").split()
+    assert sorted(links) == ["/etc/alternatives", "/etc/ld.so.cache", "/etc/ld.so.conf",
+                             "/etc/ld.so.conf.d"]
+    shown = printed(machine, "ls", "/mnt/host-etc").split()
+    assert set(shown) <= {os.path.basename(link) for link in links}
+
+
+def test_it_is_utc_inside_whatever_the_zone_of_the_host(new_machine, monkeypatch):
+    monkeypatch.setenv("TZ", "Asia/Kathmandu")
+    assert printed(new_machine(), "date", "+%Z %z") == "UTC +0000\n"
+
+
+def test_no_locale_but_that_of_c_is_there_until_it_is_added(new_machine, monkeypatch):
+    monkeypatch.setenv("LC_ALL", "de_DE.UTF-8")
+    machine = new_machine()
+    assert set(printed(machine, "locale", "-a").split()) <= {"C", "C.utf8", "C.UTF-8", "POSIX"}
+    assert "LC_ALL=\n" in printed(machine, "locale")
+
+
+@pytest.mark.parametrize("name", ["de_DE", "tr_TR", "fa_IR"])
+def test_an_added_locale_is_accepted(machine, name):
+    machine.add_locale(name)
+    code = "import locale; print(locale.setlocale(locale.LC_ALL, '%s.UTF-8'))" % name
+    assert printed(machine, "/usr/bin/python3", "-c", code) == name + ".UTF-8\n"
+
+
+def test_no_firmware_of_the_host_is_there(machine):
+    assert printed(machine, "ls", "-A", "/lib/firmware/") == ""
+    machine.path("/usr/lib/firmware/cxacru-fw.bin").write_bytes(b"firmware")
+    assert printed(machine, "cat", "/lib/firmware/cxacru-fw.bin") == "firmware"
+
+
+def test_a_folder_that_the_host_lacks_can_be_private(new_machine):
+    missing = ["/usr/lib/norvix-lab-missing/deep", "/usr/lib/norvix-lab-missing/deeper",
+               "/var/lib/norvix-lab-missing"]
+    machine = new_machine(private_folders=missing)
+    for folder in missing:
+        machine.run(["/bin/sh", "-c", "echo inside > %s/file" % folder])
+        assert machine.path(folder + "/file").read_text(encoding="ascii") == "inside\n"
+        assert not os.path.exists(folder)
+    assert machine.run(["/usr/bin/touch", "/usr/lib/written-by-norvix-lab"]).status != 0
+
+
+def test_only_a_few_devices_are_there(machine):
+    nodes = printed(machine, "sh", "-c", "cd /dev && for name in * */*; do"
+                    " { [ -b $name ] || [ -c $name ]; } && [ ! -L $name ] && echo $name; done; true")
+    allowed = {"null", "zero", "full", "random", "urandom", "tty", "net/tun", "pts/ptmx"}
+    assert allowed - {"net/tun"} <= set(nodes.split()) <= allowed
+
+
+def test_devices_can_be_used_by_everyone(machine):
+    uid = 1000 if machine.rooted else 0
+    assert printed(machine, "sh", "-c", "head -c 3 /dev/zero > /dev/null; echo $?", uid=uid) == "0\n"
+    code = "import os, pty; print(os.ttyname(pty.openpty()[1]))"
+    assert printed(machine, "/usr/bin/python3", "-c", code, uid=uid).startswith("/dev/pts/")
+    assert machine.run(["sh", "-c", "echo x > /dev/full"], uid=uid).status != 0
+    assert printed(machine, "sh", "-c", "touch /dev/shm/x && ls /dev/shm", uid=uid) == "x\n"
+    assert not os.path.exists("/dev/shm/x")
+
+
+def test_a_replaced_device_is_replaced_inside_only(machine):
+    before = [os.stat("/dev/" + name) for name in ("zero", "null")]
+    machine.run(["sh", "-c", "echo no device > /dev/new && mv -f /dev/new /dev/zero; rm -f /dev/null"])
+    if machine.rooted:
+        assert machine.read("/dev/zero") == b"no device\n"
+    after = [os.stat("/dev/" + name) for name in ("zero", "null")]
+    assert [(one.st_ino, one.st_rdev) for one in after] == [(one.st_ino, one.st_rdev) for one in before]
+    assert not os.path.exists("/dev/new")
+
+
+def test_of_the_kernels_settings_only_those_of_the_own_network_can_be_written(machine):
+    for file in ("/sys/class/net/lo/mtu", "/proc/sys/kernel/printk", "/proc/sysrq-trigger"):
+        assert machine.run(["sh", "-c", ": >> " + file]).status != 0, file
+    machine.write("/proc/sys/net/ipv4/ip_forward", b"1\n")
+    assert machine.read("/proc/sys/net/ipv4/ip_forward") == b"1\n"
+
+
+def test_a_pppd_of_the_host_survives_what_the_daemon_kills(bus_machine):
+    code = "open('/proc/self/comm', 'w').write('pppd'); print('named', flush=True); input()"
+    with subprocess.Popen(["/usr/bin/python3", "-c", code], stdin=subprocess.PIPE,
+                          stdout=subprocess.PIPE) as namesake:
+        assert namesake.stdout.readline() == b"named\n"
+        assert Path("/proc/%d/comm" % namesake.pid).read_text(encoding="ascii") == "pppd\n"
+        bus_machine.start_daemon()
+        bus_machine.client().call("terminateConnection")
+        bus_machine.wait_call("killall")
+        assert bus_machine.calls("killall")[0].argv[:2] == ["-9", "pppd"]
+        wait_until(lambda: not bus_machine.processes("killall"), what="killall has ended")
+        assert namesake.poll() is None
+        namesake.stdin.write(b"\n")
+
+
 def test_files_written_inside_are_seen_outside_and_the_other_way_round(machine):
     machine.run(["/bin/sh", "-c", "echo inside > /var/run/one"])
     assert machine.path("/run/one").read_text(encoding="ascii") == "inside\n"

@@ -46,17 +46,25 @@ void enterPrivateRoot(char **argv)
     if (access(marker, F_OK) == 0) {
         return;
     }
-    if (geteuid() != 0) {
+    // Its name, because the link leads astray in a new namespace below a changed root.
+    const QByteArray self = QFile::symLinkTarget(QStringLiteral("/proc/self/exe")).toLocal8Bit();
+    const bool isRoot = geteuid() == 0;
+    if (!isRoot) {
         becomeRoot();
     }
     need(unshare(CLONE_NEWNS | CLONE_NEWNET) == 0, "unshare mount and network");
     need(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "make / private");
+    if (isRoot) { // devices can be used, not replaced: they are the host's
+        need(mount("/dev", "/dev", nullptr, MS_BIND | MS_REC, nullptr) == 0, "bind /dev");
+        need(mount("none", "/dev", nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0,
+            "make /dev read-only");
+    }
     need(mount("tmpfs", "/opt", "tmpfs", 0, nullptr) == 0, "mount /opt");
     need(mount("tmpfs", "/var/log", "tmpfs", 0, nullptr) == 0, "mount /var/log");
     need(mkdir("/opt/norvix", 0755) == 0, "mkdir");
     writeFile(marker, QByteArray());
     // From the start, so that static objects find their files in the new place.
-    execv("/proc/self/exe", argv);
+    execv(self.constData(), argv);
     need(false, "exec");
 }
 
