@@ -38,6 +38,16 @@ QString ModuleTree::absolute(const QString &relative) const
     return m_root + QLatin1Char('/') + relative;
 }
 
+std::optional<QString> ModuleTree::placeOf(const QString &path) const
+{
+    for (const QString &folder : {m_root, QStringLiteral("/usr") + m_root}) {
+        if (path.startsWith(folder + QLatin1Char('/'))) {
+            return path.mid(folder.size() + 1);
+        }
+    }
+    return std::nullopt;
+}
+
 QString ModuleTree::buildFolder() const
 {
     return absolute(QStringLiteral("build"));

@@ -46,8 +46,12 @@ def exposure():
 def test_the_unit_exposes_less_than_its_like():
     [level] = re.findall(r"Overall exposure level for norvix-daemon.service: ([0-9.]+)", exposure())
     assert float(level) <= 6.5
-    assert "gives %s " % level in (PACKAGING / "norvix-daemon.service.md").read_text(
-        encoding="utf-8")
+    # Each systemd has its own idea of what counts how much.
+    told = dict((version, value) for value, version in re.findall(
+        r"([0-9.]+) with systemd (\d+)",
+        (PACKAGING / "norvix-daemon.service.md").read_text(encoding="utf-8")))
+    [version] = re.findall(r"^systemd (\d+)", run("systemd-analyze", "--version").stdout)
+    assert {"252", "257"} <= set(told) and told.get(version, level) == level
 
 
 def test_each_protection_that_is_off_has_its_reason():

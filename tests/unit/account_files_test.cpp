@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The texts of pppd's secrets and peer files: what is edited, and what stays.
 #include "network/account_files.h"
+#include "test_data.h"
 
 #include <QFile>
 #include <QRegExp>
@@ -13,7 +14,7 @@ const QByteArray comment = "# client\tserver\tsecret\n";
 
 QByteArray shippedFile(const char *name)
 {
-    QFile file(QStringLiteral(NORVIX_TEST_DATA "/ppp/") + QLatin1String(name));
+    QFile file(testDataFolder() + QStringLiteral("/ppp/") + QLatin1String(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 

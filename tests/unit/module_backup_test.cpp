@@ -83,6 +83,52 @@ private slots:
         QCOMPARE(found, expected);
     }
 
+    void aFileIsInTheTreeUnderEitherNameOfItsFolder()
+    {
+        const ModuleTree tree(QStringLiteral("/lib/modules/6.12"));
+        const QString module = QStringLiteral("updates/ueagle-atm.ko.xz");
+        QCOMPARE(tree.placeOf(QStringLiteral("/lib/modules/6.12/") + module).value_or(QString()),
+            module);
+        QCOMPARE(
+            tree.placeOf(QStringLiteral("/usr/lib/modules/6.12/") + module).value_or(QString()),
+            module);
+        for (const char *elsewhere :
+            {"/lib/modules/6.1/extra/a.ko", "/lib/modules/6.12.1/extra/a.ko",
+                "/opt/lib/modules/6.12/extra/a.ko", "/lib/modules/6.12"}) {
+            QVERIFY2(!tree.placeOf(QString::fromLatin1(elsewhere)), elsewhere);
+        }
+    }
+
+    void aModuleComesBackWhateverCompressionTookItsPlace_data()
+    {
+        QTest::addColumn<QString>("former");
+        QTest::addColumn<QString>("built");
+        QTest::newRow("a compressed one for a plain one") << "extra/ueagle-atm.ko"
+                                                          << "updates/ueagle-atm.ko.xz";
+        QTest::newRow("a plain one for a compressed one") << "updates/ueagle-atm.ko.xz"
+                                                          << "extra/ueagle-atm.ko";
+        QTest::newRow("in the same folder") << "kernel/ueagle-atm.ko.xz"
+                                            << "kernel/ueagle-atm.ko";
+        QTest::newRow("over itself") << "updates/ueagle-atm.ko.xz"
+                                     << "updates/ueagle-atm.ko.xz";
+    }
+
+    void aModuleComesBackWhateverCompressionTookItsPlace()
+    {
+        QFETCH(QString, former);
+        QFETCH(QString, built);
+        write(inTree(former), QByteArray("\3757zXZ\0old", 9), 0640);
+        const auto before = contents(m_root);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({built}));
+        write(inTree(built), "new");
+        if (built != former) {
+            QVERIFY(QFile::remove(inTree(former)));
+        }
+        QVERIFY(backup().putBack());
+        QCOMPARE(contents(m_root), before);
+    }
+
     void aReplacedModuleComesBackByteForByteWithItsMode()
     {
         const QString file = inTree(QStringLiteral("kernel/ueagle-atm.ko.xz"));
