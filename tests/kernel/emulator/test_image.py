@@ -73,10 +73,3 @@ def test_of_a_kernel_only_what_the_guest_needs_is_unpacked(name, wanted):
 def test_the_list_names_what_the_host_and_the_guest_need():
     assert "qemu-system-x86" in image.package_names("kernel")
     assert "linux-image-amd64" in image.package_names("guest")
-
-
-def test_of_several_names_the_one_that_the_release_has_is_taken(tmp_path, monkeypatch):
-    (tmp_path / "list").write_text("# guest no\nguest one\nguest new|old\nkernel two\n")
-    monkeypatch.setattr(image, "PACKAGE_LIST", tmp_path / "list")
-    monkeypatch.setattr(image, "is_known", lambda name: name == "old")
-    assert image.package_names("guest") == ["one", "old"]
