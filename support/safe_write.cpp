@@ -170,7 +170,8 @@ void clearUnfinished(const std::string &path)
     const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(folder.c_str()), closedir);
     while (const dirent *entry = entries ? readdir(entries.get()) : nullptr) {
         const std::string name = entry->d_name;
-        const std::string found = folder + '/' + name;
+        std::string found = folder;
+        found.append("/").append(name);
         if (name.size() == beginning.size() + anyEnding.size() && name.find(beginning) == 0
             && isAbandoned(found)) {
             unlink(found.c_str());
