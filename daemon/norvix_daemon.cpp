@@ -6,6 +6,7 @@
 #include "connection/pppd_line.h"
 #include "daemon/logging.h"
 #include "daemon/settings.h"
+#include "daemon/setup.h"
 #include "dbus/daemon_adaptor.h"
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
@@ -127,6 +128,18 @@ void Norvix_Daemon::registerOnBus()
             fputs("Failed to register the object!\n", stderr);
         }
         exit(objectRefusedStatus);
+    }
+    registerSetup();
+}
+
+void Norvix_Daemon::registerSetup()
+{
+    // Beside the object above, whose interface stays as its clients know it.
+    auto *object = new QObject(this);
+    new SetupAdaptor(object, this);
+    if (!m_connection.registerObject(
+            QStringLiteral("/com/norvix/Setup"), object, QDBusConnection::ExportAdaptors)) {
+        writeLog(constructorText(QStringLiteral("failed to register the setup object!")));
     }
 }
 

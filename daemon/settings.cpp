@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QMutexLocker>
 #include <QStringList>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
@@ -124,12 +125,27 @@ private:
             m_isPending = readFileBytes(fileName()) != lastWritten;
             // A new name in the folder is to outlive a power failure, as the file itself does.
             syncFolder(QFile::encodeName(QFileInfo(fileName()).path()).toStdString());
+        } else if (m_isPending) {
+            m_isPending = !isOnDisk(); // taken back before it could be written
         }
         if (m_isPending && !m_hasFailed) {
             tell(QStringLiteral("Settings: %1 could not be written").arg(fileName()));
         }
         m_hasFailed = m_isPending;
         return !m_isPending;
+    }
+
+    /// Whether the file holds what the store holds.
+    bool isOnDisk() const
+    {
+        const QByteArray text
+            = readFileBytes(fileName(), Links::Follow, mostSettingsBytes).value_or(QByteArray());
+        const QSettings::SettingsMap values = settingsFrom(text).values;
+        const QStringList keys = allKeys();
+        return keys.size() == values.size()
+            && std::all_of(keys.begin(), keys.end(), [&](const QString &key) {
+                   return settingText(values.value(key)) == settingText(value(key));
+               });
     }
 
     static void tell(const QString &text)
@@ -155,6 +171,8 @@ SettingsStore *openStore()
 
 // Created before main() and never deleted: worker threads may still read while the process ends.
 SettingsStore *const store = openStore();
+
+std::function<void()> settingWritten;
 
 QRecursiveMutex *mutexOf(QSettings *settings)
 {
@@ -191,11 +209,25 @@ QString readSettingText(QSettings *store, const char *key, const QVariant &fallb
 // they wrote.
 void writeSetting(QSettings *store, const char *key, const QVariant &value)
 {
-    const QMutexLocker lock(mutexOf(store));
-    store->setValue(QLatin1String(key), value);
-    if (auto *own = dynamic_cast<SettingsStore *>(store)) {
-        own->setPending();
+    {
+        const QMutexLocker lock(mutexOf(store));
+        if (value.isValid()) {
+            store->setValue(QLatin1String(key), value);
+        } else {
+            store->remove(QLatin1String(key));
+        }
+        if (auto *own = dynamic_cast<SettingsStore *>(store)) {
+            own->setPending();
+        }
     }
+    if (settingWritten) {
+        settingWritten();
+    }
+}
+
+void onSettingWritten(std::function<void()> listener)
+{
+    settingWritten = std::move(listener);
 }
 
 bool syncSettings(QSettings *store)

@@ -4,6 +4,7 @@
 
 #include <QSettings>
 #include <QVariant>
+#include <functional>
 
 /// The process's one settings object. It exists before main() and is never deleted.
 QSettings *settings();
@@ -18,8 +19,12 @@ QString settingText(const QVariant &value);
 /// The same as readSetting(), as settingText().
 QString readSettingText(QSettings *store, const char *key, const QVariant &fallback = QVariant());
 
-/// Stores @p value under @p key. It reaches the disk when the main loop runs next. Main thread.
+/// Stores @p value under @p key; an invalid value takes the key away. It reaches the disk when the
+/// main loop runs next. Main thread.
 void writeSetting(QSettings *store, const char *key, const QVariant &value);
+
+/// From now on @p listener is called after each setting that is stored; on the main thread.
+void onSettingWritten(std::function<void()> listener);
 
 /// Reads changes that others made to the file, and writes pending ones. Whether the file then holds
 /// what the store holds: a write that failed leaves the old file, and is tried again at the next
