@@ -1240,7 +1240,7 @@
         <translation>Alles prüfen, was eine Verbindung verhindern kann, und die Abhilfe nennen</translation>
     </message>
     <message>
-        <source>mend pppd's account and peer files (as root)</source>
+        <source>mend pppd&apos;s account and peer files (as root)</source>
         <translation>die Konto- und Peer-Dateien von pppd richten (als root)</translation>
     </message>
     <message>
@@ -1534,6 +1534,14 @@
     <message>
         <source>%1 is now the one for this modem and protocol.</source>
         <translation>%1 ist jetzt die für dieses Modem und Protokoll.</translation>
+    </message>
+    <message>
+        <source>The daemon still connects. Repeat the command, or look at “norvixctl log”.</source>
+        <translation>Der Dienst verbindet noch. Den Befehl wiederholen, oder in „norvixctl log“ nachsehen.</translation>
+    </message>
+    <message>
+        <source>A connection is still being made: it can be ended for good only when the line is up or has failed. Waiting for that…</source>
+        <translation>Eine Verbindung wird noch aufgebaut: Endgültig beendet werden kann sie erst, wenn die Leitung steht oder ausgefallen ist. Warten darauf …</translation>
     </message>
 </context>
 </TS>
