@@ -123,8 +123,8 @@ void lookAtDriver(Facts &facts)
     facts.kernel = QString::fromLocal8Bit(system.release);
     const ModemFamily *family
         = facts.modems.isEmpty() ? familyOf(facts.configured) : facts.modems.constFirst().family;
-    facts.driver = family != nullptr ? QString::fromLatin1(family->driver)
-                                     : driverOfVendor(facts.configured.vendor);
+    facts.driver = QString::fromLatin1(
+        family != nullptr ? family->driver : driverOfVendor(facts.configured.vendor));
     if (!facts.driver.isEmpty()) {
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
     }
@@ -133,9 +133,11 @@ void lookAtDriver(Facts &facts)
                                 && sources.exists(QStringLiteral("unicorn-neo.tar")))
         || (facts.driver == QLatin1String("ueagle-atm")
             && sources.exists(QStringLiteral("ueagle-atm-1.4.tar")));
-    if (family != nullptr && family->firmware != nullptr) {
-        facts.firmware = QString::fromLatin1(family->firmware);
-        facts.firmwarePackage = QString::fromLatin1(family->firmwarePackage);
+    const ModemFirmware firmware
+        = family != nullptr ? firmwareOf(*family) : ModemFirmware{nullptr, nullptr};
+    if (firmware.file != nullptr) {
+        facts.firmware = QString::fromLatin1(firmware.file);
+        facts.firmwarePackage = QString::fromLatin1(firmware.package);
         const QString installed = QStringLiteral("/lib/firmware/") + facts.firmware;
         facts.hasFirmware
             = QFile::exists(installed) || QFile::exists(installed + QLatin1String(".xz"));

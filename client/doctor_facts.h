@@ -84,7 +84,7 @@ struct Facts
     QList<Pppd> pppds;
     FileFacts log;
 
-    bool isUnicorn() const { return configured.vendor == 0x0483; }
+    bool isUnicorn() const { return configured.vendor == unicornVendorId; }
     bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }
 
     /// Which peer file the configured modem and protocol ask for.

@@ -8,19 +8,7 @@
 
 QString moduleToReload(int vendorId)
 {
-    switch (vendorId) {
-    case 0:
-        return QString();
-    case eagleVendorId:
-        return QString::fromLatin1(eagleModule);
-    case speedtouchVendorId:
-        return QString::fromLatin1(speedtouchModule);
-    case unicornVendorId:
-        return QString::fromLatin1(unicornModule);
-    default:
-        // One family of the catalogue has many vendors; they end here, and so do unknown ones.
-        return QString::fromLatin1(cxacruModule);
-    }
+    return QString::fromLatin1(driverOfVendor(vendorId));
 }
 
 RestartModem::RestartModem(QSettings *settings, QObject *parent)

@@ -8,6 +8,7 @@ import pytest
 from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, SCHEMA, USAGE, Ctl,
                        golden, without_times)
 
+from lab.modem_families import FAMILIES, identity
 from lab.waiting import wait_for_line
 from lab.scenario import link_up, stay
 
@@ -65,6 +66,16 @@ def test_every_reading_command_prints_text_lines_and_json(set_up, path):
         if form == "json":
             for line in [result.stdout] if path != "log" else result.stdout.splitlines():
                 check_schema(path, json.loads(line))
+
+
+def test_the_laboratorys_modems_are_those_that_are_supported(machine):
+    supported = {modem["name"]: modem for modem in Ctl(machine).json("modem", "known")["modems"]}
+    assert sorted(family.name for family in FAMILIES.values()) == sorted(supported)
+    for family in FAMILIES.values():
+        modem = supported[family.name]
+        products = [family.product] + [family.product_before] * bool(family.product_before)
+        assert family.driver == modem["driver"]
+        assert {identity(family.vendor, product) for product in products} <= set(modem["ids"])
 
 
 def test_doctor_prints_text_lines_and_json(set_up):

@@ -124,7 +124,8 @@ private slots:
             QCOMPARE(int(family.ids.size()), catalogue.at(position).ids.size());
             for (const UsbId &id : family.ids) {
                 QVERIFY(catalogue.at(position).ids.contains(id.vendor, id.product));
-                QCOMPARE(driverOfVendor(id.vendor), catalogue.at(position).driver);
+                QCOMPARE(
+                    QString::fromLatin1(driverOfVendor(id.vendor)), catalogue.at(position).driver);
                 QCOMPARE(familyOf(id), &family);
             }
         }
