@@ -20,14 +20,6 @@
         <translation>%1 enthält ein Steuerzeichen.</translation>
     </message>
     <message>
-        <source>%1 contains a double quote, which ends the value in pppd&apos;s files.</source>
-        <translation>%1 enthält ein Anführungszeichen, das in den Dateien von pppd den Wert beendet.</translation>
-    </message>
-    <message>
-        <source>%1 contains a backslash, which pppd&apos;s files take for an escape sign.</source>
-        <translation>%1 enthält einen Rückstrich, der in den Dateien von pppd eine eigene Bedeutung hat.</translation>
-    </message>
-    <message>
         <source>%1 contains a character that is not valid text.</source>
         <translation>%1 enthält ein Zeichen, das kein gültiger Text ist.</translation>
     </message>
@@ -1542,6 +1534,18 @@
     <message>
         <source>A connection is still being made: it can be ended for good only when the line is up or has failed. Waiting for that…</source>
         <translation>Eine Verbindung wird noch aufgebaut: Endgültig beendet werden kann sie erst, wenn die Leitung steht oder ausgefallen ist. Warten darauf …</translation>
+    </message>
+    <message>
+        <source>%1 has %2 characters in pppd&apos;s files, where a double quote and a backslash take up to four; more than %3 would not be recognised again.</source>
+        <translation>%1 hat in pppds Dateien %2 Zeichen, denn ein Anführungszeichen und ein Rückstrich nehmen dort bis zu vier ein; mehr als %3 würden nicht wiedererkannt.</translation>
+    </message>
+    <message>
+        <source>%1 begins with “@/”, which pppd takes for the name of a file.</source>
+        <translation>%1 beginnt mit „@/“, was pppd für den Namen einer Datei hält.</translation>
+    </message>
+    <message>
+        <source>Login and password make a line of %1 bytes; more than %2 would not be recognised again.</source>
+        <translation>Benutzername und Passwort ergeben eine Zeile von %1 Byte; mehr als %2 würden nicht wiedererkannt.</translation>
     </message>
 </context>
 </TS>
