@@ -9,7 +9,6 @@
 #include "client/watch_view.h"
 
 #include <QEventLoop>
-#include <QJsonDocument>
 #include <QTimer>
 
 namespace {
@@ -127,8 +126,7 @@ private:
             return words.join(QLatin1Char('\t'));
         }
         case Form::Json:
-            return QString::fromUtf8(
-                QJsonDocument(watchObject(m_state)).toJson(QJsonDocument::Compact));
+            return jsonText(watchObject(m_state), true);
         case Form::Human:
             break;
         }

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int widestParagraph = 100;
+constexpr const char *plainAgain = "\x1b[0m";
 
 winsize terminalSize()
 {
@@ -33,13 +34,6 @@ QString plainMarks(QString text)
         .replace(QChar(0x2013), QLatin1Char('-'));
 }
 
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8() + '\n';
-    fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-    fflush(stream);
-}
-
 const char *sequenceOf(Tone tone)
 {
     switch (tone) {
@@ -57,6 +51,27 @@ const char *sequenceOf(Tone tone)
         break;
     }
     return "";
+}
+
+/// The only sequences that may reach the terminal in a line.
+const QStringList &ownSequences()
+{
+    static const QStringList sequences = [] {
+        QStringList all = {QLatin1String(plainAgain)};
+        for (const Tone tone : {Tone::Strong, Tone::Good, Tone::Doubtful, Tone::Bad, Tone::Faint}) {
+            all.append(QLatin1String(sequenceOf(tone)));
+        }
+        return all;
+    }();
+    return sequences;
+}
+
+/// The one way out: whatever foreign text has found its way into a line steers nothing.
+void print(FILE *stream, const QString &text, const QStringList &sequences)
+{
+    const QByteArray bytes = printableLines(text, sequences).toUtf8() + '\n';
+    fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+    fflush(stream);
 }
 
 bool localeIsUtf8()
@@ -87,12 +102,13 @@ QString Terminal::toned(const QString &text, Tone tone) const
     if (!hasColour || tone == Tone::Plain || text.isEmpty()) {
         return text;
     }
-    return QLatin1String(sequenceOf(tone)) + text + QLatin1String("\x1b[0m");
+    return QLatin1String(sequenceOf(tone)) + text + QLatin1String(plainAgain);
 }
 
 void Terminal::line(const QString &text) const
 {
-    print(stdout, hasGlyphs || form != Form::Human ? text : plainMarks(text));
+    print(stdout, hasGlyphs || form != Form::Human ? text : plainMarks(text),
+        hasColour ? ownSequences() : QStringList());
 }
 
 void Terminal::paragraph(const QString &text, int indent) const
@@ -103,7 +119,7 @@ void Terminal::paragraph(const QString &text, int indent) const
 void Terminal::note(const QString &text) const
 {
     const QString lines = wrapped(text, width()).join(QLatin1Char('\n'));
-    print(stderr, hasGlyphs ? lines : plainMarks(lines));
+    print(stderr, hasGlyphs ? lines : plainMarks(lines), {});
 }
 
 ExitCode Terminal::fail(ExitCode code, const QString &text) const

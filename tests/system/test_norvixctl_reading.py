@@ -172,6 +172,33 @@ def test_control_characters_of_the_log_do_not_reach_the_terminal(machine):
     assert text.startswith("a\x1b[2Jb")
 
 
+STEERING = "\x1b[2J\x7f\x85\x9b\u061c\u200e\u202e\u2066\u2028"
+
+
+@pytest.mark.parametrize("form", FORMS.values(), ids=FORMS)
+def test_nothing_that_others_wrote_steers_the_terminal(machine, form):
+    machine.settings(service="home")
+    settings = machine.path("/opt/norvix/.daemon_ng.ini")
+    escaped = "".join(sign if sign in "[2J" else "\\x%x" % ord(sign) for sign in STEERING)
+    settings.write_text(settings.read_text().replace("home", '"a%sz"' % escaped))
+    machine.path("/opt/norvix/daemon.log").write_text("01-01-2026 00:00:00 a%sz\n" % STEERING)
+    for command in ("line", "log", "doctor"):
+        result = Ctl(machine)(command, *form)
+        shown_now = result.stdout + result.stderr
+        assert "a" in shown_now
+        assert not set(STEERING) - set("[2J") & set(shown_now), (command, ascii(shown_now))
+    if "--json" in form:
+        assert Ctl(machine).json("line")["service"] == "a%sz" % STEERING
+
+
+def test_nothing_on_the_command_line_steers_the_terminal(machine):
+    for words in (["a%sz" % STEERING], ["status", "--a%sz" % STEERING], ["help", "a%sz" % STEERING],
+                  ["status", "a%sz" % STEERING], ["--color=a%sz" % STEERING, "status"]):
+        result = Ctl(machine)(*words)
+        assert result.status == USAGE
+        assert not set(STEERING) - set("[2J") & set(result.stdout + result.stderr), result
+
+
 def test_todays_facts_are_printed(machine):
     assert Ctl(machine)("log", "--daily").status == FAILED
     machine.path("/var/log/norvix").mkdir()
