@@ -19,9 +19,9 @@ namespace {
 
 constexpr int shortTimeoutMs = 4000;
 
-FileFacts fileFacts(const QString &path)
+SeenFile seenFile(const QString &path)
 {
-    FileFacts facts;
+    SeenFile facts;
     facts.path = path;
     struct stat info = {};
     if (stat(QFile::encodeName(path).constData(), &info) == 0) {
@@ -156,10 +156,11 @@ void lookAtPpp(Facts &facts)
     facts.bridgeTool = QStringLiteral("/opt/norvix/bin/")
         + QLatin1String(sizeof(void *) == 4 ? "br2684ctl_i386" : "br2684ctl_amd64");
     facts.hasBridgeTool = QFileInfo(facts.bridgeTool).isExecutable();
-    facts.peer = fileFacts(QLatin1String(
+    facts.hasShippedPeers = QFile::exists(QStringLiteral("/opt/norvix/share/peers/norvix"));
+    facts.peer = seenFile(QLatin1String(
         facts.isUnicorn() ? "/etc/ppp/peers/norvix_unicorn" : "/etc/ppp/peers/norvix"));
-    facts.papSecrets = fileFacts(QStringLiteral("/etc/ppp/pap-secrets"));
-    facts.chapSecrets = fileFacts(QStringLiteral("/etc/ppp/chap-secrets"));
+    facts.papSecrets = seenFile(QStringLiteral("/etc/ppp/pap-secrets"));
+    facts.chapSecrets = seenFile(QStringLiteral("/etc/ppp/chap-secrets"));
 }
 
 } // namespace
@@ -219,6 +220,6 @@ Facts gatherFacts(const DaemonBus &bus)
     lookAtPpp(facts);
     facts.resolver = resolver();
     facts.pppds = runningPppds();
-    facts.log = fileFacts(QStringLiteral("/opt/norvix/daemon.log"));
+    facts.log = seenFile(QStringLiteral("/opt/norvix/daemon.log"));
     return facts;
 }

@@ -568,8 +568,8 @@
         <translation>Der Systembus ist nicht erreichbar: Läuft dbus-daemon?</translation>
     </message>
     <message>
-        <source>The system bus does not let you do this. Members of the group “norvix” and root may: “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Der Systembus lässt Sie das nicht tun. Mitglieder der Gruppe „norvix“ und root dürfen es: „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>The system bus does not let you do this. Members of the group “norvix” and root may: “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Der Systembus lässt Sie das nicht tun. Mitglieder der Gruppe „norvix“ und root dürfen es: „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>The daemon does not answer. It may be waiting for another program; see “norvixctl log”.</source>
@@ -656,8 +656,8 @@
         <translation>Der Bus weist diesen Benutzer ab, und die Gruppe „norvix“ gibt es nicht.</translation>
     </message>
     <message>
-        <source>Create the group and join it: “sudo addgroup --system norvix”, “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Legen Sie die Gruppe an und treten Sie ihr bei: „sudo addgroup --system norvix“, „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>Create the group and join it: “sudo groupadd --system norvix”, “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Legen Sie die Gruppe an und treten Sie ihr bei: „sudo groupadd --system norvix“, „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>This user is in the group “norvix”, but this session began earlier.</source>
@@ -672,8 +672,8 @@
         <translation>Der Bus weist diesen Benutzer ab: Nur root und die Gruppe „norvix“ dürfen.</translation>
     </message>
     <message>
-        <source>Join the group: “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Treten Sie der Gruppe bei: „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>Join the group: “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Treten Sie der Gruppe bei: „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>No modem that the daemon knows is plugged in.</source>
@@ -1546,6 +1546,14 @@
     <message>
         <source>Login and password make a line of %1 bytes; more than %2 would not be recognised again.</source>
         <translation>Benutzername und Passwort ergeben eine Zeile von %1 Byte; mehr als %2 würden nicht wiedererkannt.</translation>
+    </message>
+    <message>
+        <source>The peer files that are shipped in /opt/norvix/share/peers are missing, too: install norvix again, or write this one by hand (norvix-daemon(8) shows one that works).</source>
+        <translation>Auch die mitgelieferten Gegenstellendateien in /opt/norvix/share/peers fehlen: norvix neu installieren oder diese Datei von Hand schreiben (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
+    </message>
+    <message>
+        <source>The output can not be written: %1.</source>
+        <translation>Die Ausgabe kann nicht geschrieben werden: %1.</translation>
     </message>
 </context>
 </TS>
