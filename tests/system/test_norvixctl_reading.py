@@ -5,8 +5,8 @@ import os
 
 import jsonschema
 import pytest
-from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, SCHEMA, USAGE, Ctl,
-                       golden, without_times)
+from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, PROGRAM, SCHEMA, USAGE,
+                       Ctl, golden, without_times)
 
 from lab.modem_families import FAMILIES, identity
 from lab.waiting import wait_for_line
@@ -163,6 +163,35 @@ def test_the_log_is_printed_from_its_end(set_up):
     set_up.path("/opt/norvix/daemon.log").chmod(0o600)
     refused = Ctl(set_up, uid=1000)("log")
     assert (refused.status, "sudo" in refused.stderr) == (NOT_PERMITTED, True)
+
+
+@pytest.mark.parametrize("content", ["", "one", "one\n", "one\ntwo", "one\n\nthree\n\n",
+                                     "x" * 70000 + "\n" + "y" * 140000 + "\nz\n"])
+def test_the_last_lines_are_those_at_the_end(machine, content):
+    machine.path("/opt/norvix/daemon.log").write_text(content)
+    for count in range(5):
+        expected = content.splitlines()[-count:] if count else []
+        assert Ctl(machine)("log", "-n", str(count)).stdout.splitlines() == expected
+
+
+def peak_memory(machine, *words):
+    """In kB, of a run whose output nobody keeps."""
+    script = ("import resource, subprocess, sys; subprocess.run(sys.argv[1:], check=True, "
+              "stdout=subprocess.DEVNULL); "
+              "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
+    result = machine.run(["/usr/bin/python3", "-IBc", script, PROGRAM, *words],
+                         env=Ctl(machine).environment())
+    return int(result.stdout)
+
+
+@pytest.mark.parametrize("words", [["-n", "3"], ["-n", "100000"], []])
+def test_a_large_log_takes_no_more_memory_than_a_small_one(machine, words):
+    file = machine.path("/opt/norvix/daemon.log")
+    file.write_bytes(b"01-01-2026 00:00:00 a line\n")
+    small = peak_memory(machine, "log", *words)
+    file.write_bytes(b"x" * 2000000 + b"\n" + b"01-01-2026 00:00:00 a line\n" * 200000
+                     + b"y" * 15000000)
+    assert peak_memory(machine, "log", *words) < small + 10000
 
 
 def test_control_characters_of_the_log_do_not_reach_the_terminal(machine):
