@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "client/report.h"
 
+#include "client/charset.h"
 #include "client/text_format.h"
 
 #include <QJsonDocument>
@@ -54,7 +55,8 @@ QString jsonText(const QJsonObject &object, bool compact)
     // The library escapes the controls below the blank; line feeds are left between the values.
     QString text;
     for (const QChar character : QString::fromUtf8(bytes.trimmed())) {
-        if (isSteering(character) && character != QLatin1Char('\n')) {
+        const bool isForeign = isLocaleEightBit() && character.unicode() > 0x7e;
+        if (isForeign || (isSteering(character) && character != QLatin1Char('\n'))) {
             text += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
         } else {
             text += character;

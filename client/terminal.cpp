@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "client/terminal.h"
 
+#include "client/charset.h"
+#include "client/say.h"
 #include "client/text_format.h"
 
 #include <QByteArray>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -66,23 +70,29 @@ const QStringList &ownSequences()
     return sequences;
 }
 
+void print(FILE *stream, const QString &text, const QStringList &sequences);
+
+/// Whoever waits for the output must not take a cut one for the whole. As with a pipe that is
+/// closed, nothing more is done.
+[[noreturn]] void endWithoutOutput()
+{
+    const QString reason = QString::fromLocal8Bit(strerror(errno));
+    print(stderr,
+        QLatin1String("norvixctl: ") + Say::tr("The output can not be written: %1.").arg(reason),
+        {});
+    _exit(Failed);
+}
+
 /// The one way out: whatever foreign text has found its way into a line steers nothing.
 void print(FILE *stream, const QString &text, const QStringList &sequences)
 {
-    const QByteArray bytes = printableLines(text, sequences).toUtf8() + '\n';
-    fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-    fflush(stream);
-}
-
-bool localeIsUtf8()
-{
-    for (const char *name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const QByteArray value = qgetenv(name).toUpper();
-        if (!value.isEmpty()) {
-            return value.contains("UTF-8") || value.contains("UTF8");
-        }
+    const QByteArray bytes = toLocale(printableLines(text, sequences)) + '\n';
+    const bool isWritten
+        = fwrite(bytes.constData(), 1, size_t(bytes.size()), stream) == size_t(bytes.size())
+        && fflush(stream) == 0;
+    if (!isWritten && stream == stdout) {
+        endWithoutOutput();
     }
-    return false;
 }
 
 } // namespace
@@ -136,6 +146,6 @@ Terminal makeTerminal(const QString &when)
     terminal.hasColour = when == QLatin1String("always")
         || (when != QLatin1String("never") && terminal.isTerminal
             && qEnvironmentVariableIsEmpty("NO_COLOR"));
-    terminal.hasGlyphs = localeIsUtf8();
+    terminal.hasGlyphs = isLocaleUtf8();
     return terminal;
 }

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """What norvixctl prints: every reading command in every form, compared with recorded outputs."""
+import base64
 import json
 import os
 
@@ -194,6 +195,23 @@ def test_a_large_log_takes_no_more_memory_than_a_small_one(machine, words):
     assert peak_memory(machine, "log", *words) < small + 10000
 
 
+@pytest.mark.parametrize("words", ["status", "status --json", "--help", "--version", "help status",
+                                   "completion bash", "line providers --terse", "log"])
+@pytest.mark.parametrize("where", [">/dev/full", ">&-"])
+def test_output_that_can_not_be_written_is_a_failure(set_up, words, where):
+    result = set_up.run(["/bin/sh", "-c", "exec %s %s %s" % (PROGRAM, words, where)],
+                        env=Ctl(set_up).environment())
+    assert (result.status, result.stdout) == (FAILED, "")
+    assert len(result.stderr.splitlines()) == 1 and "can not be written" in result.stderr
+
+
+def test_without_standard_streams_the_bus_gets_only_its_own_messages(set_up):
+    result = set_up.run(["/bin/sh", "-c", "exec %s idle 7 <&- >&- 2>&-" % PROGRAM],
+                        env=Ctl(set_up).environment())
+    assert result.status == FAILED
+    assert set_up.client().call("getIdlenessTime") == 7
+
+
 def test_control_characters_of_the_log_do_not_reach_the_terminal(machine):
     machine.path("/opt/norvix/daemon.log").write_bytes(b"01-01-2026 00:00:00 a\x1b[2Jb\xff\n")
     assert "\x1b" not in Ctl(machine)("log").stdout
@@ -262,6 +280,34 @@ def test_it_speaks_german_and_machines_get_the_same_words(set_up):
         GOLDEN / "status.terse.txt").read_text(encoding="utf-8")
 
 
+@pytest.mark.parametrize("env, is_german", [
+    ({"LANGUAGE": "de", "LC_ALL": "C"}, False), ({"LANGUAGE": "de", "LC_ALL": "POSIX"}, False),
+    ({"LANGUAGE": "de", "LC_ALL": "C.UTF-8"}, False), ({"LANGUAGE": "de", "LANG": ""}, False),
+    ({"LANG": "de_DE.UTF-8"}, True), ({"LANGUAGE": "de", "LANG": "en_GB.UTF-8"}, True),
+    ({"LANG": "de_DE.UTF-8", "LC_MESSAGES": "C"}, False)])
+def test_the_locale_c_is_english_whatever_the_language_says(machine, env, is_german):
+    assert Ctl(machine)("--help", env=env).stdout.startswith("Aufruf" if is_german else "Usage")
+
+
+def test_text_is_in_the_character_set_of_the_locale(set_up):
+    env = {"LANG": "de_DE.ISO-8859-1", "LC_ALL": "", "LANGUAGE": ""}
+    for name in ("norvix", "norvix_unicorn"):
+        set_up.path("/etc/ppp/peers/" + name).write_text("noauth\n", encoding="ascii")
+    script = '"$@" | base64 -w0'
+
+    def run(*words, stdin=b""):
+        feed = base64.b64encode(stdin).decode()
+        result = set_up.run(["/bin/sh", "-c", "echo %s | base64 -d | %s" % (feed, script), "sh",
+                             PROGRAM, *words], env=Ctl(set_up).environment(**env))
+        return base64.b64decode(result.stdout)
+    assert "für".encode("latin-1") in run("--help") and b"\xc3" not in run("--help")
+    run("account", "set", "me", stdin="gr\u00fcn".encode("latin-1"))
+    assert Ctl(set_up).json("account", "show", "--reveal")["password"] == "gr\u00fcn"
+    assert run("account", "show", "--reveal", "--terse").endswith(b"gr\xfcn\n")
+    revealed = run("account", "show", "--reveal", "--json")
+    assert revealed.isascii() and json.loads(revealed)["password"] == "gr\u00fcn"
+
+
 def test_marks_are_plain_where_the_locale_is_not_utf8(machine):
     text = Ctl(machine)("frob", env={"LANG": "C"}).stderr
     assert text.isascii() and '"frob"' in text
@@ -274,11 +320,19 @@ def test_marks_are_plain_where_the_locale_is_not_utf8(machine):
     (["watch", "--count", "x"], USAGE), (["log", "-n", "x"], USAGE), (["help", "frob"], USAGE),
     (["help", "line"], OK), (["help", "line", "set"], OK), (["completion", "fish"], USAGE),
     (["completion"], USAGE), (["line", "frob"], USAGE), (["--color=red", "status"], USAGE),
+    (["--", "dns"], OK), (["--", "line", "show"], OK), (["--"], USAGE), (["--", "dns", "-h"], USAGE),
 ])
 def test_usage(machine, words, status):
     result = Ctl(machine)(*words)
     assert result.status == status, result
     assert bool(result.stderr) == (status != OK)
+
+
+@pytest.mark.parametrize("group", ["account", "line", "modem", "driver"])
+def test_a_groups_help_names_all_of_its_commands(machine, group):
+    told = Ctl(machine)(group, "--help").stdout
+    for command in Ctl(machine).json("help")["commands"]:
+        assert ("  %s" % command["command"] in told) == command["command"].startswith(group + " ")
 
 
 def test_every_command_explains_itself(machine):
