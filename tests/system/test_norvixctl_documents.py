@@ -166,6 +166,21 @@ def test_shells_complete_commands_options_and_values(complete, words, expected):
         assert sorted(found) == sorted(expected)
 
 
+def test_a_value_behind_its_options_sign_is_completed():
+    """For bash the sign is a word of its own."""
+    assert complete_in_bash(["--color", "="]) == ["auto", "always", "never"]
+    assert complete_in_bash(["--color", "=", "n"]) == ["never"]
+    assert complete_in_bash(["line", "set", "--protocol", "=", "PPPoE", "--vp"]) == ["--vpi"]
+    assert complete_in_zsh(["--color="]) == ["--color=auto", "--color=always", "--color=never"]
+    assert complete_in_zsh(["--color=n"]) == ["--color=never"]
+
+
+@pytest.mark.parametrize("complete", [complete_in_bash, complete_in_zsh])
+def test_an_options_value_is_no_command(complete):
+    assert complete(["--color", "never", "sta"]) == ["status"]
+    assert complete(["connect", "-t", "5", "--wa"]) == ["--wait"]
+
+
 def test_every_command_and_option_can_be_completed():
     for command in commands():
         words = command["command"].split()
