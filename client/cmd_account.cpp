@@ -5,6 +5,7 @@
 #include "client/commands.h"
 #include "client/daemon_bus.h"
 #include "client/password_input.h"
+#include "client/pppd_words.h"
 #include "client/report.h"
 #include "client/say.h"
 
@@ -30,7 +31,8 @@ std::optional<bool> store(
             }
         });
     bus.listen();
-    reply = bus.call("setAccountData", {login, password}, DaemonBus::Start::IfNeeded);
+    reply = bus.call("setAccountData", {encodedLogin(login), encodedPassword(password)},
+        DaemonBus::Start::IfNeeded);
     if (!reply.ok()) {
         return std::nullopt;
     }
@@ -52,7 +54,7 @@ std::optional<QString> readPassword(QString &error)
         error = Say::tr("No password was given.");
         return std::nullopt;
     }
-    const QString objection = accountObjection(Say::tr("The password"), *first);
+    const QString objection = passwordObjection(*first);
     if (!objection.isEmpty()) {
         return first; // refused below, before it is typed again
     }
@@ -63,12 +65,21 @@ std::optional<QString> readPassword(QString &error)
     return first;
 }
 
+/// Login and password as the provider gets them; empty when none are stored.
+QStringList storedAccount(const BusReply &reply)
+{
+    QStringList account = reply.value.toStringList();
+    for (QString &word : account) {
+        word = decodedWord(word);
+    }
+    return account;
+}
+
 /// What the files answer afterwards; a warning when it is not what was stored.
 void compareWithFiles(
     const DaemonBus &bus, const Terminal &terminal, const QString &login, const QString &password)
 {
-    const QStringList stored = bus.call("getLoginAndPassword").value.toStringList();
-    if (stored != QStringList{login, password}) {
+    if (storedAccount(bus.call("getLoginAndPassword")) != QStringList{login, password}) {
         terminal.note(Say::tr("Warning: pppd's files still answer with another account, so this "
                               "one will not take effect. “sudo norvixctl doctor --fix” mends "
                               "them."));
@@ -84,7 +95,7 @@ int runAccountShow(const Invocation &invocation, const Terminal &terminal)
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }
-    const QStringList account = reply.value.toStringList();
+    const QStringList account = storedAccount(reply);
     const bool isSet = account.size() == 2;
     const bool isRevealed = invocation.has("reveal");
     const QJsonValue none(QJsonValue::Null);
@@ -112,7 +123,7 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
         }
         login = askVisible(Say::tr("Login")).value_or(QString());
     }
-    QString objection = accountObjection(Say::tr("The login"), login);
+    QString objection = loginObjection(login);
     if (!objection.isEmpty()) {
         return terminal.fail(ValueRefused, objection);
     }
@@ -120,7 +131,10 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
     if (!password) {
         return terminal.fail(ValueRefused, objection);
     }
-    objection = accountObjection(Say::tr("The password"), *password);
+    objection = passwordObjection(*password);
+    if (objection.isEmpty()) {
+        objection = accountObjection(login, *password);
+    }
     if (!objection.isEmpty()) {
         return terminal.fail(ValueRefused, objection);
     }

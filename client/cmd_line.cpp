@@ -31,7 +31,8 @@ const QList<LineKey> &lineKeys()
     return keys;
 }
 
-/// Why the values can not be stored; empty when they can. Takes them over into @p values.
+/// Why the values can not be stored; empty when they can. Takes them over into @p values, none when
+/// none was given.
 QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values)
 {
     struct Range
@@ -61,9 +62,7 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
         }
         values.insert(QStringLiteral("service"), service);
     }
-    return values.isEmpty()
-        ? Say::tr("Give at least one of --vpi, --vci, --protocol and --service.")
-        : QString();
+    return QString();
 }
 
 /// Storing a setting makes the daemon take in what others wrote to the file; the idle time is
@@ -109,7 +108,11 @@ int runLineSet(const Invocation &invocation, const Terminal &terminal)
     QMap<QString, QVariant> values;
     const QString objection = takeValues(invocation, values);
     if (!objection.isEmpty()) {
-        return terminal.fail(BadUsage, objection);
+        return terminal.fail(ValueRefused, objection);
+    }
+    if (values.isEmpty()) {
+        return terminal.fail(
+            BadUsage, Say::tr("Give at least one of --vpi, --vci, --protocol and --service."));
     }
     QString error;
     const ExitCode code = writeSettings(values, error);

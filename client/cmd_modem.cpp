@@ -58,7 +58,7 @@ int runModemShow(const Invocation &, const Terminal &terminal)
     const bool isSet = id.vendor != 0;
     const QJsonValue none(QJsonValue::Null);
     const QString name = settingText("modem");
-    const QString driver = driverOfVendor(id.vendor);
+    const QString driver = QString::fromLatin1(driverOfVendor(id.vendor));
 
     Report report;
     report.add(QStringLiteral("name"), isSet ? QJsonValue(name) : none, Say::tr("Modem"),

@@ -37,7 +37,7 @@ BusReply failedReply(const QDBusError &error)
     case QDBusError::AccessDenied:
         reply.code = NotPermitted;
         reply.error = Say::tr("The system bus does not let you do this. Members of the group "
-                              "“norvix” and root may: “sudo adduser $USER norvix”, then log "
+                              "“norvix” and root may: “sudo usermod -a -G norvix $USER”, then log "
                               "in again.");
         break;
     case QDBusError::NoReply:

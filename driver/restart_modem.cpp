@@ -9,20 +9,7 @@
 
 QString moduleToReload(int vendorId)
 {
-    switch (vendorId) {
-    case 0:
-        return QString();
-    case eagleVendorId:
-        return QString::fromLatin1(eagleModule);
-    case speedtouchVendorId:
-        return QString::fromLatin1(speedtouchModule);
-    case unicornVendorId:
-        return QString::fromLatin1(unicornModule);
-    default:
-        // One family of the catalogue has many vendors; they end here, and so do unknown ones: a
-        // client may have stored the vendor of a modem that is sold under another name.
-        return QString::fromLatin1(cxacruModule);
-    }
+    return QString::fromLatin1(driverOfVendor(vendorId));
 }
 
 void reloadModule(const QString &module, int timeoutMs)

@@ -200,10 +200,10 @@ def test_a_missing_bus_is_found(machine):
 def test_a_user_outside_the_group_is_told_to_join_it(sound):
     run_all(sound)
     found = findings(sound, uid=1000)
-    assert (found["permission"]["verdict"], "adduser" in found["permission"]["remedy"]) == (
+    assert (found["permission"]["verdict"], "usermod -a -G" in found["permission"]["remedy"]) == (
         "fault", True)
     sound.path("/etc/group").write_text("root:x:0:\n", encoding="ascii")
-    assert "addgroup" in findings(sound, uid=1000)["permission"]["remedy"]
+    assert "groupadd" in findings(sound, uid=1000)["permission"]["remedy"]
 
 
 def test_what_only_root_may_read_is_not_called_a_fault(sound):
