@@ -9,39 +9,9 @@
 #include "client/report.h"
 #include "client/say.h"
 
-#include <QEventLoop>
-#include <QTimer>
 #include <unistd.h>
 
 namespace {
-
-constexpr int answerMs = 10000;
-
-/// Stores the account and waits for the daemon's word on it: true, false, or nothing.
-std::optional<bool> store(
-    DaemonBus &bus, const QString &login, const QString &password, BusReply &reply)
-{
-    std::optional<bool> success;
-    QEventLoop loop;
-    QObject::connect(&bus, &DaemonBus::received, &loop,
-        [&](const QString &signal, const QVariantList &arguments) {
-            if (signal == QLatin1String("accountDataChanged")) {
-                success = arguments.value(0).toBool();
-                loop.quit();
-            }
-        });
-    bus.listen();
-    reply = bus.call("setAccountData", {encodedLogin(login), encodedPassword(password)},
-        DaemonBus::Start::IfNeeded);
-    if (!reply.ok()) {
-        return std::nullopt;
-    }
-    QTimer::singleShot(answerMs, &loop, &QEventLoop::quit);
-    if (!success) {
-        loop.exec();
-    }
-    return success;
-}
 
 /// The password from whoever has it; an error text instead of one that was mistyped.
 std::optional<QString> readPassword(QString &error)
@@ -139,18 +109,16 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
         return terminal.fail(ValueRefused, objection);
     }
 
-    DaemonBus bus;
-    BusReply reply;
-    const std::optional<bool> success = store(bus, login, *password, reply);
+    const DaemonBus bus;
+    const BusReply reply = bus.callSetup("SetAccount",
+        {encodedLogin(login), encodedPassword(*password)}, DaemonBus::Start::IfNeeded);
+    if (reply.code == Failed) {
+        return terminal.fail(Failed,
+            reply.error + QLatin1Char(' ')
+                + Say::tr("“norvixctl doctor” tells which of pppd's files are missing."));
+    }
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
-    }
-    if (!success.value_or(false)) {
-        return terminal.fail(Failed,
-            success ? Say::tr("Not all of pppd's files could be written; “norvixctl doctor” tells "
-                              "which are missing.")
-                    : Say::tr("The daemon did not say whether the account was written; see "
-                              "“norvixctl log”."));
     }
     terminal.line(Say::tr("The account is stored. It counts from the next connection on."));
     compareWithFiles(bus, terminal, login, *password);

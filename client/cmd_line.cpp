@@ -9,7 +9,7 @@
 #include "client/settings_file.h"
 #include "client/text_format.h"
 
-#include <algorithm>
+#include <unistd.h>
 
 namespace {
 
@@ -50,7 +50,7 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
                 .arg(QLatin1String(range.key))
                 .arg(range.most);
         }
-        values.insert(QLatin1String(range.key), QString::number(*number));
+        values.insert(QLatin1String(range.key), *number);
     }
     if (invocation.has("protocol")) {
         values.insert(QStringLiteral("protocol"), invocation.value("protocol"));
@@ -65,14 +65,14 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
     return QString();
 }
 
-/// Storing a setting makes the daemon take in what others wrote to the file; the idle time is
-/// stored as it is.
-void letDaemonReadFile(const DaemonBus &bus)
+/// The daemon is the one writer of its settings. Without one, root writes the file.
+BusReply store(const QMap<QString, QVariant> &values)
 {
-    const BusReply idle = bus.call("getIdlenessTime");
-    if (idle.ok()) {
-        bus.call("setIdlenessTime", {idle.value});
+    BusReply reply = DaemonBus().callSetup("SetSettings", {values}, DaemonBus::Start::IfNeeded);
+    if (reply.code == NoDaemon && geteuid() == 0) {
+        reply.code = writeSettings(values, reply.error);
     }
+    return reply;
 }
 
 } // namespace
@@ -114,12 +114,10 @@ int runLineSet(const Invocation &invocation, const Terminal &terminal)
         return terminal.fail(
             BadUsage, Say::tr("Give at least one of --vpi, --vci, --protocol and --service."));
     }
-    QString error;
-    const ExitCode code = writeSettings(values, error);
-    if (code != Ok) {
-        return terminal.fail(code, error);
+    const BusReply reply = store(values);
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
     }
-    letDaemonReadFile(DaemonBus());
     terminal.paragraph(Say::tr("Stored. The next connection uses it."));
     const QString protocol = settingText("protocol");
     if (protocol != QLatin1String("PPPoE")) {

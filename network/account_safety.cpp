@@ -22,7 +22,22 @@ QByteArray untilNul(const QByteArray &content)
     return nul < 0 ? content : content.left(nul);
 }
 
-AccountFault faultInValue(const QString &value)
+enum class Value
+{
+    Login,
+    Password,
+};
+
+/// Whether the quotation mark at @p place of a password, behind @p backslashes, stays a part of it:
+/// for pppd it is escaped, and the pattern that finds the entry again takes it for the end only
+/// when white space and an asterisk follow.
+bool staysInPassword(const QString &password, int place, int backslashes)
+{
+    const bool isBeforeSpace = place + 1 < password.size() && password.at(place + 1).isSpace();
+    return backslashes % 2 == 1 && !isBeforeSpace;
+}
+
+AccountFault faultInValue(const QString &value, Value kind)
 {
     if (value.isEmpty()) {
         return AccountFault::Empty;
@@ -31,14 +46,16 @@ AccountFault faultInValue(const QString &value)
         return AccountFault::TooLong;
     }
     int backslashes = 0;
-    for (const QChar character : value) {
+    for (int place = 0; place < value.size(); ++place) {
+        const QChar character = value.at(place);
         if (character.category() == QChar::Other_Control || character == QChar::LineSeparator
             || character == QChar::ParagraphSeparator) {
             return AccountFault::ControlCharacter;
         }
-        // Escaped ones as well: the pattern that finds the value again knows no escapes and would
-        // leave the rest of it behind as options.
-        if (character == QLatin1Char('"')) {
+        // In a login escaped ones as well: the pattern that finds the login line again would leave
+        // the rest of it behind as options.
+        if (character == QLatin1Char('"')
+            && (kind == Value::Login || !staysInPassword(value, place, backslashes))) {
             return AccountFault::QuotationMark;
         }
         backslashes = character == QLatin1Char('\\') ? backslashes + 1 : 0;
@@ -97,11 +114,12 @@ QList<PppdWord> pppdWords(const QByteArray &content)
 AccountFault faultInSecrets(
     const QByteArray &content, const QString &login, const QString &password)
 {
-    for (const QString &value : {login, password}) {
-        const AccountFault fault = faultInValue(value);
-        if (fault != AccountFault::None) {
-            return fault;
-        }
+    AccountFault fault = faultInValue(login, Value::Login);
+    if (fault == AccountFault::None) {
+        fault = faultInValue(password, Value::Password);
+    }
+    if (fault != AccountFault::None) {
+        return fault;
     }
     constexpr int longestPiece = 99; // of a line, as the account is read
     const QByteArray entry = ("\"" + login + "\" * \"" + password + "\" *").toLocal8Bit();
@@ -122,7 +140,7 @@ AccountFault faultInSecrets(
 
 AccountFault faultInPeerFile(const QByteArray &content, const QString &login)
 {
-    const AccountFault fault = faultInValue(login);
+    const AccountFault fault = faultInValue(login, Value::Login);
     if (fault != AccountFault::None) {
         return fault;
     }
@@ -163,7 +181,7 @@ QString accountFaultText(AccountFault fault)
     case AccountFault::ControlCharacter:
         return QStringLiteral("login or password holds a control character");
     case AccountFault::QuotationMark:
-        return QStringLiteral("login or password holds a quotation mark; write it as \\042");
+        return QStringLiteral("login or password holds a quotation mark; write it as \\x22");
     case AccountFault::Backslash:
         return QStringLiteral("a backslash in login or password would change its meaning");
     case AccountFault::FileDisagrees:

@@ -31,7 +31,7 @@ enum class AccountFault
     Empty, ///< login or password
     TooLong, ///< would not be recognised again
     ControlCharacter, ///< would begin a new line or option
-    QuotationMark, ///< would end the value early, now or when the next account replaces it
+    QuotationMark, ///< would end the value, now or when the next account replaces it
     Backslash, ///< keeps the value from ending, or stands for a part of the old account
     FileDisagrees, ///< the file would not take just these words, or lose others
 };

@@ -34,6 +34,8 @@ private slots:
     void wordsAreCutAsPppdCutsThem();
     void valuesAreJudged_data();
     void valuesAreJudged();
+    void anEscapedQuotationMarkMayBeInAPassword_data();
+    void anEscapedQuotationMarkMayBeInAPassword();
     void aValueThatNamesThePreviousAccountIsRefused();
     void whatAnEscapedQuotationMarkLeftBehindIsNotLetOut();
     void aFileThatDoesNotEndInALineFeedIsNotGluedTo();
@@ -110,6 +112,29 @@ void TestAccountSafety::valuesAreJudged()
     QCOMPARE(faultInPeerFile(peerFile, value), fault);
     QCOMPARE(faultInPeerFile(QByteArray(), value), fault);
     QCOMPARE(accountFaultText(fault).isEmpty(), fault == AccountFault::None);
+}
+
+void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<AccountFault>("fault");
+    QTest::newRow("inside") << "a\\\"b" << AccountFault::None;
+    QTest::newRow("at the end") << "a\\\"" << AccountFault::None;
+    QTest::newRow("behind an escaped backslash") << "a\\\\\"b" << AccountFault::QuotationMark;
+    QTest::newRow("not escaped") << "a\"b" << AccountFault::QuotationMark;
+    QTest::newRow("before a blank") << "a\\\" * \\\"b" << AccountFault::QuotationMark;
+}
+
+void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword()
+{
+    QFETCH(QString, password);
+    QFETCH(AccountFault, fault);
+    QCOMPARE(faultInSecrets(entryFirst, "login", password), fault);
+    const QByteArray stored = withSecretsEntry(entryFirst, "login", password);
+    if (fault == AccountFault::None) {
+        QCOMPARE(faultInSecrets(stored, "other", "secret"), AccountFault::None);
+        QCOMPARE(withSecretsEntry(stored, "login", "password"), entryFirst);
+    }
 }
 
 void TestAccountSafety::aValueThatNamesThePreviousAccountIsRefused()
