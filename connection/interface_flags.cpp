@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "connection/interface_flags.h"
 
+#include <cstring>
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -8,13 +9,14 @@
 
 std::optional<bool> isInterfaceUp(const char *name)
 {
+    struct ifreq request = {};
+    if (strlen(name) >= sizeof request.ifr_name) {
+        return std::nullopt; // cut short, it would be another interface's
+    }
+    memcpy(request.ifr_name, name, strlen(name));
     const int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd < 0) {
         return std::nullopt;
-    }
-    struct ifreq request = {};
-    for (size_t i = 0; i + 1 < sizeof request.ifr_name && name[i] != '\0'; ++i) {
-        request.ifr_name[i] = name[i];
     }
     const bool exists = ioctl(fd, SIOCGIFFLAGS, &request) == 0;
     close(fd);

@@ -214,7 +214,43 @@ def test_removing_the_configured_modem_ends_the_connection(hal_machine, hal, is_
     wait_until(lambda: not hal_machine.processes("pppd"), what="pppd is gone")
 
 
+# ---- settings that another program has written meanwhile
+
+def test_a_device_is_examined_by_the_settings_as_they_are_then(hal_machine, hal):
+    daemon, client = started(hal_machine)
+    udi = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    daemon.wait_for_log("device added: ")
+    configured(hal_machine, udi)
+    wait_until(lambda: modem_signals(client), what="the device is examined")
+    assert modem_signals(client) == [("modemPlugged", ("Thomson Speedtouch 330",))]
+
+
+def test_a_removal_is_judged_by_the_settings_as_they_are_then(hal_machine, hal):
+    _, client = started(hal_machine)
+    configured(hal_machine, DEVICES + "usb_device_6b9_4061_1")
+    hal.unplug(DEVICES + "usb_device_6b9_4061_1")
+    client.wait_signal("modemUnplugged")
+
+
+def test_with_nothing_configured_an_empty_identifier_is_that_of_the_modem(hal_machine, hal):
+    """And the sign of no modem is that of no new modem, which goes with it."""
+    _, client = started(hal_machine)
+    hal.announce("DeviceRemoved", "#")
+    hal.announce("DeviceRemoved", "")
+    client.wait_signal("modemUnplugged")
+    assert modem_signals(client) == [("newModemUnplugged", ()), ("modemUnplugged", ())]
+
+
 # ---- adopting
+
+def test_an_adopted_modem_does_not_count_as_plugged_until_it_is_seen_again(hal_machine, hal):
+    _, client = started(hal_machine)
+    hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("newModemPlugged")
+    client.call("useNewModem")
+    hal.plug("usb_device_1110_9041_1", *EAGLE)
+    assert client.wait_signal("newModemPlugged", count=2).args == ("Sagem F@st 800 E4",)
+
 
 def test_an_adopted_modem_is_the_configured_one_from_then_on(hal_machine, hal):
     daemon, client = started(hal_machine, "-d")

@@ -62,6 +62,28 @@ private slots:
         QCOMPARE(plan.topFolder, QStringLiteral("unicorn-neo"));
     }
 
+    void anAssignmentTakesThePlaceOfTheVariableWhereverItStands_data()
+    {
+        QTest::addColumn<QStringList>("base");
+        QTest::newRow("first") << QStringList({"A=1", "B=2"});
+        QTest::newRow("last") << QStringList({"B=2", "A=1"});
+        QTest::newRow("twice") << QStringList({"A=1", "B=2", "A=2"});
+        QTest::newRow("nowhere") << QStringList("B=2");
+    }
+
+    void anAssignmentTakesThePlaceOfTheVariableWhereverItStands()
+    {
+        QFETCH(QStringList, base);
+        QCOMPARE(withAssignments(base, {QStringLiteral("A=3")}), QStringList({"B=2", "A=3"}));
+    }
+
+    void aVariableWhoseNameOnlyBeginsTheSameIsAnother()
+    {
+        const QStringList base{QStringLiteral("AB=1"), QStringLiteral("A")};
+        QCOMPARE(withAssignments(base, {QStringLiteral("A=3")}),
+            QStringList({QStringLiteral("AB=1"), QStringLiteral("A"), QStringLiteral("A=3")}));
+    }
+
     void listsAreSplitAtCommas_data()
     {
         QTest::addColumn<QString>("text");

@@ -25,6 +25,7 @@ private slots:
     void aMissingInterfaceIsNeitherUpNorDown();
     void anInterfaceIsDownUntilItIsSetUp();
     void anInterfaceWithoutCarrierIsUpWhenItIsSetUp();
+    void theLongestNameIsFoundAndALongerOneIsNobodys();
 };
 
 void InterfaceFlagsTest::aMissingInterfaceIsNeitherUpNorDown()
@@ -51,6 +52,15 @@ void InterfaceFlagsTest::anInterfaceWithoutCarrierIsUpWhenItIsSetUp()
     QVERIFY(ip("link set nas0 up"));
     // Nobody holds its other end: the operational state, which is not asked for, stays down.
     QVERIFY(isInterfaceUp("nas0").value_or(false));
+}
+
+void InterfaceFlagsTest::theLongestNameIsFoundAndALongerOneIsNobodys()
+{
+    const QByteArray longest = "fifteen-letters";
+    QVERIFY(ip("tuntap add " + longest + " mode tap"));
+    QVERIFY(isInterfaceUp(longest.constData()).has_value());
+    QVERIFY(!isInterfaceUp((longest + 's').constData()).has_value());
+    QVERIFY(!isInterfaceUp(longest.chopped(1).constData()).has_value());
 }
 
 int main(int argc, char **argv)

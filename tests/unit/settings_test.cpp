@@ -75,6 +75,7 @@ private slots:
     void whatCannotBeTheSettingsFileIsSetAside();
     void aValueThatIsNoPlainOneCountsAsMissing();
     void anotherStoreIsReadToo();
+    void aSyncWritesAnotherStoreAndPassesOverNone();
     void workersReadWhileTheMainThreadWrites();
 };
 
@@ -412,6 +413,16 @@ void SettingsTest::anotherStoreIsReadToo()
     syncSettings(&other);
     QCOMPARE(readSettingText(&other, "protocol"), QStringLiteral("PPPoE"));
     QCOMPARE(readSettingText(settings(), "protocol"), QString());
+}
+
+void SettingsTest::aSyncWritesAnotherStoreAndPassesOverNone()
+{
+    QSettings other(QStringLiteral("/opt/written.ini"), QSettings::IniFormat);
+    writeSetting(&other, "protocol", QStringLiteral("PPPoE"));
+    QVERIFY(!QFile::exists(other.fileName()));
+    syncSettings(nullptr);
+    syncSettings(&other);
+    QVERIFY(QFile::exists(other.fileName()));
 }
 
 void SettingsTest::workersReadWhileTheMainThreadWrites()

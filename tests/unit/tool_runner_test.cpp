@@ -212,6 +212,47 @@ private slots:
         QVERIFY(runTool(shell("echo lost"), log.descriptor(), -1).ok());
     }
 
+    void aPipeAtTheLogsPlaceIsNeitherWaitedForNorWrittenTo()
+    {
+        const QString pipe = m_folder->filePath(QStringLiteral("pipe"));
+        const QByteArray path = QFile::encodeName(pipe);
+        QCOMPARE(mkfifo(path.constData(), 0600), 0);
+        const auto useLog = [&] {
+            BuildLog log;
+            log.begin(pipe);
+            log.line(QStringLiteral("text"));
+            return runTool(shell("echo text"), log.descriptor(), -1).ok();
+        };
+        QVERIFY(useLog());
+        const FileDescriptor reader(open(path.constData(), O_RDONLY | O_NONBLOCK));
+        QVERIFY(useLog());
+        char byte = 0;
+        QCOMPARE(read(reader.get(), &byte, 1), ssize_t(0));
+    }
+
+    void aToolWhoseInputOrOutputCannotBeGivenIsNotStarted_data()
+    {
+        QTest::addColumn<int>("input");
+        QTest::addColumn<bool>("hasLog");
+        QTest::addColumn<int>("maxOutput");
+        QTest::newRow("input") << 9999 << true << 0;
+        QTest::newRow("output and errors") << -1 << false << 0;
+        QTest::newRow("errors") << -1 << false << 100;
+    }
+
+    void aToolWhoseInputOrOutputCannotBeGivenIsNotStarted()
+    {
+        QFETCH(int, input);
+        QFETCH(bool, hasLog);
+        QFETCH(int, maxOutput);
+        ToolCall call = shell("> started");
+        call.folder = m_folder->path();
+        call.input = input;
+        call.maxOutput = maxOutput;
+        QCOMPARE(runTool(call, hasLog ? m_log->descriptor() : -1, -1).end, ToolResult::NotFound);
+        QVERIFY(!QFile::exists(m_folder->filePath(QStringLiteral("started"))));
+    }
+
     void aPlantedLogIsNotWrittenTo()
     {
         QFile victim(m_folder->filePath(QStringLiteral("victim")));

@@ -169,6 +169,24 @@ private slots:
         QVERIFY(refusalOf("a/b/file").endsWith(QStringLiteral("is not root's")));
     }
 
+    void inRootsFoldersAFileMayBeItsReadersOwn()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give files away");
+        }
+        const uid_t reader = 65534;
+        write("a/b/file");
+        const auto refusal
+            = [&] { return openTrustedFile(path("a/b/file"), reader, m_folder->path()).refusal; };
+        QVERIFY(refusal().endsWith(QStringLiteral("file is somebody else's")));
+        QCOMPARE(chown(encoded("a/b/file").constData(), reader, 0), 0);
+        QCOMPARE(refusal(), QString());
+        QCOMPARE(chown(encoded("a/b").constData(), reader, 0), 0);
+        QCOMPARE(refusal(), QString());
+        QCOMPARE(chown(encoded("a").constData(), reader - 1, 0), 0);
+        QVERIFY(refusal().endsWith(QStringLiteral("a/ is somebody else's")));
+    }
+
     void linksAreNotFollowed()
     {
         write("a/b/file");
