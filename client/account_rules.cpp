@@ -1,25 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "client/account_rules.h"
 
+#include "client/pppd_words.h"
 #include "client/say.h"
 
 namespace {
 
-// What the files' readers recognise.
+// What the readers of the files recognise.
 constexpr int mostCharacters = 50;
+constexpr int mostLineBytes = 99;
 
-} // namespace
-
-QString accountObjection(const QString &name, const QString &value)
+QString contentObjection(const QString &name, const QString &value)
 {
     if (value.isEmpty()) {
         return Say::tr("%1 is empty.").arg(name);
-    }
-    if (value.size() > mostCharacters) {
-        return Say::tr("%1 has %2 characters; more than %3 would not be recognised again.")
-            .arg(name)
-            .arg(value.size())
-            .arg(mostCharacters);
     }
     for (const QChar character : value) {
         // A line feed would begin a new option in a file that pppd reads as root.
@@ -29,18 +23,60 @@ QString accountObjection(const QString &name, const QString &value)
         if (character.category() == QChar::Other_Control) {
             return Say::tr("%1 contains a control character.").arg(name);
         }
-        if (character == QLatin1Char('"')) {
-            return Say::tr("%1 contains a double quote, which ends the value in pppd's files.")
-                .arg(name);
-        }
-        if (character == QLatin1Char('\\')) {
-            return Say::tr("%1 contains a backslash, which pppd's files take for an escape sign.")
-                .arg(name);
-        }
-        if (character == QChar::ReplacementCharacter || character.isSurrogate()
-            || character.isNonCharacter()) {
+        if (character == QChar::ReplacementCharacter || character.isNonCharacter()) {
             return Say::tr("%1 contains a character that is not valid text.").arg(name);
         }
     }
+    // A surrogate without its other half.
+    if (QString::fromUtf8(value.toUtf8()) != value) {
+        return Say::tr("%1 contains a character that is not valid text.").arg(name);
+    }
     return QString();
+}
+
+QString lengthObjection(const QString &name, const QString &value, const QString &encoded)
+{
+    if (encoded.size() <= mostCharacters) {
+        return QString();
+    }
+    const QString text = value == encoded
+        ? Say::tr("%1 has %2 characters; more than %3 would not be recognised again.")
+        : Say::tr("%1 has %2 characters in pppd's files, where a double quote and a backslash take "
+                  "up to four; more than %3 would not be recognised again.");
+    return text.arg(name).arg(encoded.size()).arg(mostCharacters);
+}
+
+} // namespace
+
+QString loginObjection(const QString &login)
+{
+    const QString name = Say::tr("The login");
+    const QString objection = contentObjection(name, login);
+    return objection.isEmpty() ? lengthObjection(name, login, encodedLogin(login)) : objection;
+}
+
+QString passwordObjection(const QString &password)
+{
+    const QString name = Say::tr("The password");
+    const QString objection = contentObjection(name, password);
+    if (!objection.isEmpty()) {
+        return objection;
+    }
+    if (password.startsWith(QLatin1String("@/"))) {
+        return Say::tr("%1 begins with “@/”, which pppd takes for the name of a file.").arg(name);
+    }
+    return lengthObjection(name, password, encodedPassword(password));
+}
+
+QString accountObjection(const QString &login, const QString &password)
+{
+    const QString line
+        = QStringLiteral("\"%1\" * \"%2\" *").arg(encodedLogin(login), encodedPassword(password));
+    const int size = line.toUtf8().size();
+    return size <= mostLineBytes
+        ? QString()
+        : Say::tr("Login and password make a line of %1 bytes; more than %2 would not be "
+                  "recognised again.")
+              .arg(size)
+              .arg(mostLineBytes);
 }

@@ -4,6 +4,12 @@
 
 #include <QString>
 
-/// Why @p value can not be stored, in the user's language, beginning with @p name ("The login");
-/// empty when it can. The value itself is not repeated: it may be a password.
-QString accountObjection(const QString &name, const QString &value);
+/// Why the login can not be stored, in the user's language; empty when it can. A login is not
+/// repeated in it.
+QString loginObjection(const QString &login);
+
+/// The same for a password.
+QString passwordObjection(const QString &password);
+
+/// Why login and password, each of which could be stored, can not be stored together.
+QString accountObjection(const QString &login, const QString &password);

@@ -5,41 +5,13 @@
 #include "client/commands.h"
 #include "client/daemon_bus.h"
 #include "client/password_input.h"
+#include "client/pppd_words.h"
 #include "client/report.h"
 #include "client/say.h"
 
-#include <QEventLoop>
-#include <QTimer>
 #include <unistd.h>
 
 namespace {
-
-constexpr int answerMs = 10000;
-
-/// Stores the account and waits for the daemon's word on it: true, false, or nothing.
-std::optional<bool> store(
-    DaemonBus &bus, const QString &login, const QString &password, BusReply &reply)
-{
-    std::optional<bool> success;
-    QEventLoop loop;
-    QObject::connect(&bus, &DaemonBus::received, &loop,
-        [&](const QString &signal, const QVariantList &arguments) {
-            if (signal == QLatin1String("accountDataChanged")) {
-                success = arguments.value(0).toBool();
-                loop.quit();
-            }
-        });
-    bus.listen();
-    reply = bus.call("setAccountData", {login, password}, DaemonBus::Start::IfNeeded);
-    if (!reply.ok()) {
-        return std::nullopt;
-    }
-    QTimer::singleShot(answerMs, &loop, &QEventLoop::quit);
-    if (!success) {
-        loop.exec();
-    }
-    return success;
-}
 
 /// The password from whoever has it; an error text instead of one that was mistyped.
 std::optional<QString> readPassword(QString &error)
@@ -52,7 +24,7 @@ std::optional<QString> readPassword(QString &error)
         error = Say::tr("No password was given.");
         return std::nullopt;
     }
-    const QString objection = accountObjection(Say::tr("The password"), *first);
+    const QString objection = passwordObjection(*first);
     if (!objection.isEmpty()) {
         return first; // refused below, before it is typed again
     }
@@ -63,12 +35,21 @@ std::optional<QString> readPassword(QString &error)
     return first;
 }
 
+/// Login and password as the provider gets them; empty when none are stored.
+QStringList storedAccount(const BusReply &reply)
+{
+    QStringList account = reply.value.toStringList();
+    for (QString &word : account) {
+        word = decodedWord(word);
+    }
+    return account;
+}
+
 /// What the files answer afterwards; a warning when it is not what was stored.
 void compareWithFiles(
     const DaemonBus &bus, const Terminal &terminal, const QString &login, const QString &password)
 {
-    const QStringList stored = bus.call("getLoginAndPassword").value.toStringList();
-    if (stored != QStringList{login, password}) {
+    if (storedAccount(bus.call("getLoginAndPassword")) != QStringList{login, password}) {
         terminal.note(Say::tr("Warning: pppd's files still answer with another account, so this "
                               "one will not take effect. “sudo norvixctl doctor --fix” mends "
                               "them."));
@@ -84,7 +65,7 @@ int runAccountShow(const Invocation &invocation, const Terminal &terminal)
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }
-    const QStringList account = reply.value.toStringList();
+    const QStringList account = storedAccount(reply);
     const bool isSet = account.size() == 2;
     const bool isRevealed = invocation.has("reveal");
     const QJsonValue none(QJsonValue::Null);
@@ -112,7 +93,7 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
         }
         login = askVisible(Say::tr("Login")).value_or(QString());
     }
-    QString objection = accountObjection(Say::tr("The login"), login);
+    QString objection = loginObjection(login);
     if (!objection.isEmpty()) {
         return terminal.fail(ValueRefused, objection);
     }
@@ -120,23 +101,24 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
     if (!password) {
         return terminal.fail(ValueRefused, objection);
     }
-    objection = accountObjection(Say::tr("The password"), *password);
+    objection = passwordObjection(*password);
+    if (objection.isEmpty()) {
+        objection = accountObjection(login, *password);
+    }
     if (!objection.isEmpty()) {
         return terminal.fail(ValueRefused, objection);
     }
 
-    DaemonBus bus;
-    BusReply reply;
-    const std::optional<bool> success = store(bus, login, *password, reply);
+    const DaemonBus bus;
+    const BusReply reply = bus.callSetup("SetAccount",
+        {encodedLogin(login), encodedPassword(*password)}, DaemonBus::Start::IfNeeded);
+    if (reply.code == Failed) {
+        return terminal.fail(Failed,
+            reply.error + QLatin1Char(' ')
+                + Say::tr("“norvixctl doctor” tells which of pppd's files are missing."));
+    }
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
-    }
-    if (!success.value_or(false)) {
-        return terminal.fail(Failed,
-            success ? Say::tr("Not all of pppd's files could be written; “norvixctl doctor” tells "
-                              "which are missing.")
-                    : Say::tr("The daemon did not say whether the account was written; see "
-                              "“norvixctl log”."));
     }
     terminal.line(Say::tr("The account is stored. It counts from the next connection on."));
     compareWithFiles(bus, terminal, login, *password);

@@ -60,26 +60,17 @@ int runAutoconnect(const Invocation &invocation, const Terminal &terminal)
     }
     const bool on = word == QLatin1String("on");
     const Which which = chosen(invocation);
-    BusReply reply;
+    QVariantMap settings;
     if (which.boot) {
-        reply = bus.call("setConnectAtBoot", {on}, DaemonBus::Start::IfNeeded);
-    }
-    if (reply.ok() && which.plug) {
-        reply = bus.call("setConnectAtModemPlug", {on}, DaemonBus::Start::IfNeeded);
-    }
-    if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        settings.insert(QStringLiteral("connect_at_boot"), on);
     }
     if (which.plug) {
-        // The daemon has no method for this one: it reads the key when the modem is plugged in.
-        QString error;
-        const ExitCode code = writeSettings({{QStringLiteral("autoconnect"), on}}, error);
-        if (code != Ok) {
-            return terminal.fail(code,
-                Say::tr("Only a part is stored: whether a connection starts when the modem in use "
-                        "is plugged in is not.")
-                    + QLatin1Char(' ') + error);
-        }
+        settings.insert(QStringLiteral("connect_at_modem_plug"), on);
+        settings.insert(QStringLiteral("autoconnect"), on);
+    }
+    const BusReply reply = bus.callSetup("SetSettings", {settings}, DaemonBus::Start::IfNeeded);
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
     }
     terminal.line(on ? Say::tr("Connections now start by themselves.")
                      : Say::tr("Connections no longer start by themselves."));

@@ -16,7 +16,7 @@ int runIdle(const Invocation &invocation, const Terminal &terminal)
         const auto number = wholeNumber(invocation.arguments.constFirst(), 0, most);
         if (!number) {
             return terminal.fail(
-                BadUsage, Say::tr("The idle time is a whole number from 0 to %1.").arg(most));
+                ValueRefused, Say::tr("The idle time is a whole number from 0 to %1.").arg(most));
         }
         const BusReply reply = bus.call("setIdlenessTime", {*number}, DaemonBus::Start::IfNeeded);
         if (!reply.ok()) {

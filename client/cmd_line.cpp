@@ -9,7 +9,7 @@
 #include "client/settings_file.h"
 #include "client/text_format.h"
 
-#include <algorithm>
+#include <unistd.h>
 
 namespace {
 
@@ -31,7 +31,8 @@ const QList<LineKey> &lineKeys()
     return keys;
 }
 
-/// Why the values can not be stored; empty when they can. Takes them over into @p values.
+/// Why the values can not be stored; empty when they can. Takes them over into @p values, none when
+/// none was given.
 QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values)
 {
     struct Range
@@ -49,7 +50,7 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
                 .arg(QLatin1String(range.key))
                 .arg(range.most);
         }
-        values.insert(QLatin1String(range.key), QString::number(*number));
+        values.insert(QLatin1String(range.key), *number);
     }
     if (invocation.has("protocol")) {
         values.insert(QStringLiteral("protocol"), invocation.value("protocol"));
@@ -61,19 +62,17 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
         }
         values.insert(QStringLiteral("service"), service);
     }
-    return values.isEmpty()
-        ? Say::tr("Give at least one of --vpi, --vci, --protocol and --service.")
-        : QString();
+    return QString();
 }
 
-/// Storing a setting makes the daemon take in what others wrote to the file; the idle time is
-/// stored as it is.
-void letDaemonReadFile(const DaemonBus &bus)
+/// The daemon is the one writer of its settings. Without one, root writes the file.
+BusReply store(const QMap<QString, QVariant> &values)
 {
-    const BusReply idle = bus.call("getIdlenessTime");
-    if (idle.ok()) {
-        bus.call("setIdlenessTime", {idle.value});
+    BusReply reply = DaemonBus().callSetup("SetSettings", {values}, DaemonBus::Start::IfNeeded);
+    if (reply.code == NoDaemon && geteuid() == 0) {
+        reply.code = writeSettings(values, reply.error);
     }
+    return reply;
 }
 
 } // namespace
@@ -109,14 +108,16 @@ int runLineSet(const Invocation &invocation, const Terminal &terminal)
     QMap<QString, QVariant> values;
     const QString objection = takeValues(invocation, values);
     if (!objection.isEmpty()) {
-        return terminal.fail(BadUsage, objection);
+        return terminal.fail(ValueRefused, objection);
     }
-    QString error;
-    const ExitCode code = writeSettings(values, error);
-    if (code != Ok) {
-        return terminal.fail(code, error);
+    if (values.isEmpty()) {
+        return terminal.fail(
+            BadUsage, Say::tr("Give at least one of --vpi, --vci, --protocol and --service."));
     }
-    letDaemonReadFile(DaemonBus());
+    const BusReply reply = store(values);
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
     terminal.paragraph(Say::tr("Stored. The next connection uses it."));
     const QString protocol = settingText("protocol");
     if (protocol != QLatin1String("PPPoE")) {

@@ -11,6 +11,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QTimer>
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,6 +21,39 @@ namespace {
 
 constexpr int lookMs = 200;
 constexpr int stampLength = 19; // "dd-MM-yyyy hh:mm:ss"
+constexpr int pieceSize = 1 << 16;
+constexpr int longestLine = 1 << 20;
+
+/// Where the last @p count lines of a file begin; looks at it from its end.
+off_t startOfLastLines(int file, off_t size, int count, bool withRest)
+{
+    if (count == 0 && withRest) {
+        return size;
+    }
+    QByteArray piece(pieceSize, '\0');
+    int left = count;
+    bool isFirst = true;
+    for (off_t end = size; end > 0;) {
+        const off_t begin = std::max<off_t>(0, end - pieceSize);
+        const ssize_t got = pread(file, piece.data(), size_t(end - begin), begin);
+        if (got != end - begin) {
+            return size; // it has become shorter meanwhile
+        }
+        for (off_t place = end - 1; place >= begin; --place) {
+            const bool isEnd = piece.at(int(place - begin)) == '\n';
+            // The line feed at the very end, or before a rest that does not count, ends a line.
+            if (isFirst && (isEnd || withRest)) {
+                isFirst = false;
+                left += isEnd ? 1 : 0;
+            }
+            if (isEnd && --left == 0) {
+                return place + 1;
+            }
+        }
+        end = begin;
+    }
+    return 0;
+}
 
 void printLine(const Terminal &terminal, const QByteArray &bytes)
 {
@@ -54,20 +88,38 @@ public:
         return m_fd < 0 ? errno : 0;
     }
 
-    /// The complete lines that were added since the last call.
-    QList<QByteArray> newLines()
+    /// Goes on from where the last @p count lines begin. @p withRest: an unfinished last line is
+    /// one of them.
+    void skipToLast(int count, bool withRest)
+    {
+        struct stat info = {};
+        if (m_fd < 0 || fstat(m_fd, &info) != 0) {
+            return;
+        }
+        lseek(m_fd, startOfLastLines(m_fd, info.st_size, count, withRest), SEEK_SET);
+    }
+
+    /// Gives each complete line that was added since the last call to @p take. A line that has no
+    /// end is cut, so that memory stays bounded.
+    template <typename Take> void takeNewLines(Take take)
     {
         if (isReplaced() && open() != 0) {
-            return {};
+            return;
         }
-        QByteArray piece(1 << 16, '\0');
+        QByteArray piece(pieceSize, '\0');
         ssize_t size = 0;
         while (m_fd >= 0 && (size = ::read(m_fd, piece.data(), size_t(piece.size()))) > 0) {
             m_rest.append(piece.constData(), int(size));
+            int begin = 0;
+            for (int end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n', begin)) {
+                take(m_rest.mid(begin, end - begin));
+                begin = end + 1;
+            }
+            m_rest.remove(0, begin);
+            if (m_rest.size() > longestLine) {
+                take(takeRest());
+            }
         }
-        QList<QByteArray> lines = m_rest.split('\n');
-        m_rest = lines.takeLast();
-        return lines;
     }
 
     QByteArray takeRest() { return std::exchange(m_rest, QByteArray()); }
@@ -104,11 +156,8 @@ int follow(LogReader &reader, const Terminal &terminal)
     StopSignals stop;
     QEventLoop loop;
     QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        for (const QByteArray &line : reader.newLines()) {
-            printLine(terminal, line);
-        }
-    });
+    QObject::connect(&look, &QTimer::timeout, &loop,
+        [&] { reader.takeNewLines([&](const QByteArray &line) { printLine(terminal, line); }); });
     QObject::connect(&stop, &StopSignals::stopped, &loop, &QEventLoop::quit);
     look.start(lookMs);
     loop.exec();
@@ -139,15 +188,16 @@ int runLog(const Invocation &invocation, const Terminal &terminal)
     if (error != 0 && !invocation.has("follow")) {
         return terminal.fail(Failed, Say::tr("There is no log %1 yet.").arg(path));
     }
-    QList<QByteArray> lines = reader.newLines();
-    if (!invocation.has("follow")) {
+    const bool isFollowed = invocation.has("follow");
+    if (most) {
+        reader.skipToLast(*most, !isFollowed);
+    }
+    reader.takeNewLines([&](const QByteArray &line) { printLine(terminal, line); });
+    if (!isFollowed) {
         const QByteArray rest = reader.takeRest();
         if (!rest.isEmpty()) {
-            lines.append(rest);
+            printLine(terminal, rest);
         }
     }
-    for (const QByteArray &line : lines.mid(most ? std::max(0, lines.size() - *most) : 0)) {
-        printLine(terminal, line);
-    }
-    return invocation.has("follow") ? follow(reader, terminal) : int(Ok);
+    return isFollowed ? follow(reader, terminal) : int(Ok);
 }

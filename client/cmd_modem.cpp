@@ -8,12 +8,7 @@
 #include "client/say.h"
 #include "client/settings_file.h"
 
-#include <QEventLoop>
-#include <QTimer>
-
 namespace {
-
-constexpr int answerMs = 5000;
 
 UsbId configuredId()
 {
@@ -26,28 +21,6 @@ bool isConfigured(const UsbModem &modem)
     return modem.id.vendor == id.vendor && modem.id.product == id.product;
 }
 
-/// Adopts what the daemon announced last; its name, empty when nothing was announced.
-BusReply adopt(DaemonBus &bus, QString &name)
-{
-    QEventLoop loop;
-    bool isAnswered = false;
-    QObject::connect(&bus, &DaemonBus::received, &loop,
-        [&](const QString &signal, const QVariantList &arguments) {
-            if (signal == QLatin1String("modemPlugged")) {
-                name = arguments.value(0).toString();
-                isAnswered = true;
-                loop.quit();
-            }
-        });
-    bus.listen();
-    BusReply reply = bus.call("useNewModem");
-    if (reply.ok() && !isAnswered) {
-        QTimer::singleShot(answerMs, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    return reply;
-}
-
 } // namespace
 
 int runModemShow(const Invocation &, const Terminal &terminal)
@@ -58,7 +31,7 @@ int runModemShow(const Invocation &, const Terminal &terminal)
     const bool isSet = id.vendor != 0;
     const QJsonValue none(QJsonValue::Null);
     const QString name = settingText("modem");
-    const QString driver = driverOfVendor(id.vendor);
+    const QString driver = QString::fromLatin1(driverOfVendor(id.vendor));
 
     Report report;
     report.add(QStringLiteral("name"), isSet ? QJsonValue(name) : none, Say::tr("Modem"),
@@ -121,7 +94,7 @@ int runModemPlugged(const Invocation &, const Terminal &terminal)
 
 int runModemAdopt(const Invocation &, const Terminal &terminal)
 {
-    DaemonBus bus;
+    const DaemonBus bus;
     const BusReply plugged = bus.call("getIsModemPlugged");
     if (!plugged.ok()) {
         return terminal.fail(plugged.code, plugged.error);
@@ -130,20 +103,24 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
         terminal.paragraph(Say::tr("The modem that is plugged in is already in use."));
         return Ok;
     }
-    // Adopting nothing would make the daemon forget the modem that it knows.
     if (pluggedModems().isEmpty()) {
         return terminal.fail(Failed, Say::tr("No supported modem is plugged in."));
     }
-    QString name;
-    const BusReply reply = adopt(bus, name);
-    if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+    // Adopting nothing would make the daemon forget the modem that it knows.
+    const BusReply announced = bus.callSetup("GetAnnouncedModem");
+    if (!announced.ok()) {
+        return terminal.fail(announced.code, announced.error);
     }
+    const QString name = announced.value.toString();
     if (name.isEmpty()) {
         return terminal.fail(Failed,
             Say::tr("The daemon has not noticed a new modem: it only does when one is plugged in "
                     "while it runs. Unplug it, plug it in again, wait ten seconds, and repeat "
                     "the command."));
+    }
+    const BusReply reply = bus.call("useNewModem");
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
     }
     terminal.paragraph(Say::tr("%1 is now in use.").arg(name));
     return Ok;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // norvixctl watch
+#include "client/charset.h"
 #include "client/command_line.h"
 #include "client/commands.h"
 #include "client/daemon_bus.h"
@@ -9,7 +10,6 @@
 #include "client/watch_view.h"
 
 #include <QEventLoop>
-#include <QJsonDocument>
 #include <QTimer>
 
 namespace {
@@ -110,7 +110,7 @@ private:
             watchScreen(m_state, m_terminal.width(), m_terminal.height(), m_terminal.hasGlyphs)) {
             screen += QLatin1String("\x1b[2K") + line + QLatin1Char('\n');
         }
-        const QByteArray bytes = (screen + QLatin1String("\x1b[J")).toUtf8();
+        const QByteArray bytes = toLocale(screen + QLatin1String("\x1b[J"));
         fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
         fflush(stdout);
     }
@@ -127,8 +127,7 @@ private:
             return words.join(QLatin1Char('\t'));
         }
         case Form::Json:
-            return QString::fromUtf8(
-                QJsonDocument(watchObject(m_state)).toJson(QJsonDocument::Compact));
+            return jsonText(watchObject(m_state), true);
         case Form::Human:
             break;
         }

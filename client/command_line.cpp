@@ -47,13 +47,16 @@ bool takesValue(const QString &word)
 }
 
 /// Takes the words of the command's path out of @p words.
-QString takePath(QStringList &words, QString &group)
+QString takePath(QStringList &words, ParsedLine &parsed)
 {
     int position = 0;
     while (position < words.size() && words.at(position).startsWith(QLatin1Char('-'))
         && words.at(position) != QLatin1String("--")) {
         position += takesValue(words.at(position)) ? 2 : 1;
     }
+    const bool haveOptionsEnded
+        = position < words.size() && words.at(position) == QLatin1String("--");
+    position += haveOptionsEnded ? 1 : 0;
     if (position >= words.size()) {
         return QString();
     }
@@ -61,10 +64,12 @@ QString takePath(QStringList &words, QString &group)
     if (!isGroup(path)) {
         return path;
     }
-    group = path;
-    if (position < words.size() && !words.at(position).startsWith(QLatin1Char('-'))) {
+    parsed.group = path;
+    if (position < words.size()
+        && (haveOptionsEnded || !words.at(position).startsWith(QLatin1Char('-')))) {
         return path + QLatin1Char(' ') + words.takeAt(position);
     }
+    parsed.isWholeGroup = true;
     return completePath(path);
 }
 
@@ -103,6 +108,7 @@ bool takeOption(QStringList &words, const std::vector<Option> &options, ParsedLi
         && !QString::fromLatin1(option->choices).split(QLatin1Char(' ')).contains(value)) {
         parsed.error = Say::tr("“%1” is not possible for “%2”. Possible are: %3.")
                            .arg(value, word, QLatin1String(option->choices));
+        parsed.code = findOption(commonOptions(), word) ? BadUsage : ValueRefused;
         return false;
     }
     parsed.invocation.options.insert(QLatin1String(option->name), value);
@@ -123,7 +129,7 @@ ParsedLine parseCommandLine(const QStringList &allWords)
 {
     ParsedLine parsed;
     QStringList words = allWords;
-    const QString path = takePath(words, parsed.group);
+    const QString path = takePath(words, parsed);
     const Command *command = findCommand(path);
     parsed.invocation.command = command;
     if (command == nullptr && !path.isEmpty() && parsed.group != path) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "client/command_table.h"
+#include "client/exit_code.h"
 
 #include <QMap>
 #include <QString>
@@ -23,10 +24,13 @@ struct ParsedLine
 {
     Invocation invocation;
     QString error; ///< empty when the words are understood; in the user's language
+    ExitCode code = BadUsage; ///< the class of the error
+    bool isWholeGroup = false; ///< the group stands alone, for the command that shows it
     QString group; ///< the first word when it is a group such as "account" without a command
 };
 
-/// Understands @p words (without the program's name). "--" ends the options. "--help" and
+/// Understands @p words (without the program's name). "--" ends the options, also before the
+/// command. "--help" and
 /// "--version" are understood without a command, too.
 ParsedLine parseCommandLine(const QStringList &words);
 

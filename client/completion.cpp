@@ -56,15 +56,26 @@ QMap<QString, QString> optionChoices()
     return choices;
 }
 
-/// The options after which any word may follow, separated by bars.
-QString optionsWithFreeValue()
+enum class Values
+{
+    Any,
+    Free, ///< any word may follow
+};
+
+/// The options after which a value follows, separated by bars.
+QString optionsWithValue(Values values)
 {
     QStringList names;
     for (const Command &command : commandTable()) {
         for (const Option &option : optionsOf(command)) {
+            const bool isMeant = values == Values::Any || option.choices == nullptr;
             const QString name = QLatin1String("--") + QLatin1String(option.name);
-            if (option.value != nullptr && option.choices == nullptr && !names.contains(name)) {
-                names.append(name);
+            if (option.value == nullptr || !isMeant || names.contains(name)) {
+                continue;
+            }
+            names.append(name);
+            if (option.letter != 0) {
+                names.append(QStringLiteral("-%1").arg(QLatin1Char(option.letter)));
             }
         }
     }
@@ -97,8 +108,29 @@ QStringList valueCases(const QString &indent, const QString &answer)
     QStringList lines;
     const QMap<QString, QString> choices = optionChoices();
     for (auto option = choices.begin(); option != choices.end(); ++option) {
-        lines.append(
-            QStringLiteral("%1%2) %3 ;;").arg(indent, option.key(), answer.arg(option.value())));
+        QString line = answer;
+        line.replace(QLatin1String("CHOICES"), option.value());
+        line.replace(QLatin1String("OPTION"), option.key());
+        lines.append(indent + line);
+    }
+    return lines;
+}
+
+/// The words that belong to the command's path: no options and none of their values.
+QStringList pathLoop(const QString &indent, const QString &words, const QString &suffix)
+{
+    QStringList lines = {QStringLiteral("for WORD in ALL; do"), QStringLiteral("    case $WORD in"),
+        // bash makes three words of --option=value.
+        QStringLiteral("    =|%1) SKIP=1 ;;").arg(optionsWithValue(Values::Any)),
+        QStringLiteral("    -*) ;;"),
+        QStringLiteral("    *) [[ -n $SKIP ]] || PATH_=\"$PATH_${PATH_:+ }$WORD\"; SKIP='' ;;"),
+        QStringLiteral("    esac"), QStringLiteral("done")};
+    for (QString &line : lines) {
+        line.replace(QLatin1String("WORD"), QLatin1String("word") + suffix);
+        line.replace(QLatin1String("SKIP"), QLatin1String("skip") + suffix);
+        line.replace(QLatin1String("PATH_"), QLatin1String("path") + suffix);
+        line.replace(QLatin1String("ALL"), words); // last: it may contain the other marks
+        line.prepend(indent);
     }
     return lines;
 }
@@ -110,15 +142,19 @@ QString bashCompletion()
     QStringList lines = {QStringLiteral("# Completion of norvixctl for bash, made by it."),
         QStringLiteral("_norvixctl()"), QStringLiteral("{"),
         QStringLiteral("    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}"),
-        QStringLiteral("    local path='' words='' word"), QStringLiteral("    COMPREPLY=()"),
+        QStringLiteral("    local path='' words='' word skip=''"),
+        QStringLiteral("    COMPREPLY=()"),
+        QStringLiteral("    # The sign between an option and its value is a word of its own here."),
+        QStringLiteral("    if [[ $cur == = ]]; then cur=''"),
+        QStringLiteral("    elif [[ $prev == = ]]; then prev=${COMP_WORDS[COMP_CWORD-2]}; fi"),
         QStringLiteral("    case $prev in")};
     lines += valueCases(QStringLiteral("    "),
-        QStringLiteral("COMPREPLY=($(compgen -W '%1' -- \"$cur\")); return"));
-    lines.append(QStringLiteral("    %1) return ;;").arg(optionsWithFreeValue()));
-    lines += {QStringLiteral("    esac"),
-        QStringLiteral("    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do"),
-        QStringLiteral("        [[ $word == -* ]] || path=\"$path${path:+ }$word\""),
-        QStringLiteral("    done"), QStringLiteral("    case $path in"),
+        QStringLiteral("OPTION) COMPREPLY=($(compgen -W 'CHOICES' -- \"$cur\")); return ;;"));
+    lines.append(QStringLiteral("    %1) return ;;").arg(optionsWithValue(Values::Free)));
+    lines.append(QStringLiteral("    esac"));
+    lines += pathLoop(
+        QStringLiteral("    "), QStringLiteral("\"${COMP_WORDS[@]:1:COMP_CWORD-1}\""), QString());
+    lines += {QStringLiteral("    case $path in"),
         QStringLiteral("    '') words='%1 --help --version --color' ;;")
             .arg(firstWords().join(QLatin1Char(' ')))};
     lines += cases(QStringLiteral("    "));
@@ -133,14 +169,18 @@ QString zshCompletion()
     QStringList lines = {QStringLiteral("#compdef norvixctl"),
         QStringLiteral("# Completion of norvixctl for zsh, made by it."),
         QStringLiteral("_norvixctl()"), QStringLiteral("{"),
-        QStringLiteral("    local path_ words_ word_ prev_=${words[CURRENT-1]}"),
-        QStringLiteral("    case $prev_ in")};
-    lines += valueCases(QStringLiteral("    "), QStringLiteral("compadd -- %1; return"));
-    lines.append(QStringLiteral("    %1) return ;;").arg(optionsWithFreeValue()));
-    lines += {QStringLiteral("    esac"),
-        QStringLiteral("    for word_ in ${words[2,CURRENT-1]}; do"),
-        QStringLiteral("        [[ $word_ == -* ]] || path_=\"$path_${path_:+ }$word_\""),
-        QStringLiteral("    done"), QStringLiteral("    case $path_ in"),
+        QStringLiteral("    local path_ words_ word_ skip_ prev_=${words[CURRENT-1]}"),
+        QStringLiteral("    case ${words[CURRENT]} in")};
+    lines += valueCases(QStringLiteral("    "),
+        QStringLiteral("OPTION=*) compadd -P OPTION= -- CHOICES; return ;;"));
+    lines += {QStringLiteral("    esac"), QStringLiteral("    case $prev_ in")};
+    lines += valueCases(
+        QStringLiteral("    "), QStringLiteral("OPTION) compadd -- CHOICES; return ;;"));
+    lines.append(QStringLiteral("    %1) return ;;").arg(optionsWithValue(Values::Free)));
+    lines.append(QStringLiteral("    esac"));
+    lines += pathLoop(
+        QStringLiteral("    "), QStringLiteral("${words[2,CURRENT-1]}"), QStringLiteral("_"));
+    lines += {QStringLiteral("    case $path_ in"),
         QStringLiteral("    '') words_='%1 --help --version --color' ;;")
             .arg(firstWords().join(QLatin1Char(' ')))};
     for (QString line : cases(QStringLiteral("    "))) {

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr int answerMs = 25000;
+
 QString serviceName()
 {
     return QStringLiteral("com.norvix.Daemon");
@@ -37,7 +39,7 @@ BusReply failedReply(const QDBusError &error)
     case QDBusError::AccessDenied:
         reply.code = NotPermitted;
         reply.error = Say::tr("The system bus does not let you do this. Members of the group "
-                              "“norvix” and root may: “sudo adduser $USER norvix”, then log "
+                              "“norvix” and root may: “sudo usermod -a -G norvix $USER”, then log "
                               "in again.");
         break;
     case QDBusError::NoReply:
@@ -48,6 +50,16 @@ BusReply failedReply(const QDBusError &error)
                               "see “norvixctl log”.");
         break;
     default:
+        if (error.name() == QLatin1String("com.norvix.Setup1.Error.InvalidValue")) {
+            reply.code = ValueRefused;
+            reply.error = Say::tr("The daemon refuses this: %1.").arg(error.message());
+            break;
+        }
+        if (error.name() == QLatin1String("com.norvix.Setup1.Error.NotStored")) {
+            reply.code = Failed;
+            reply.error = Say::tr("The daemon could not store it: %1.").arg(error.message());
+            break;
+        }
         if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
             reply.code = NoDaemon;
             reply.error = DaemonBus::notRunningText();
@@ -93,6 +105,16 @@ BusReply DaemonBus::call(
     message.setArguments(arguments);
     message.setAutoStartService(start == Start::IfNeeded);
     return callOther(message, timeoutMs);
+}
+
+BusReply DaemonBus::callSetup(const char *method, const QVariantList &arguments, Start start) const
+{
+    QDBusMessage message
+        = QDBusMessage::createMethodCall(serviceName(), QStringLiteral("/com/norvix/Setup"),
+            QStringLiteral("com.norvix.Setup1"), QLatin1String(method));
+    message.setArguments(arguments);
+    message.setAutoStartService(start == Start::IfNeeded);
+    return callOther(message, answerMs);
 }
 
 BusReply DaemonBus::callOther(const QDBusMessage &message, int timeoutMs) const

@@ -44,6 +44,11 @@ public:
     BusReply call(const char *method, const QVariantList &arguments = {},
         Start start = Start::Never, int timeoutMs = 25000) const;
 
+    /// The same for the object that sets things up. A value that it refuses is ValueRefused, with
+    /// what is expected instead.
+    BusReply callSetup(
+        const char *method, const QVariantList &arguments = {}, Start start = Start::Never) const;
+
     /// Calls any method on the bus; used to look at the daemon's neighbours.
     BusReply callOther(const QDBusMessage &message, int timeoutMs) const;
 

@@ -114,15 +114,15 @@ Finding checkPermission(const Facts &facts)
     }
     if (!facts.hasGroup) {
         return fault(Say::tr("The bus refuses this user, and there is no group “norvix”."),
-            Say::tr("Create the group and join it: “sudo addgroup --system norvix”, “sudo adduser "
-                    "$USER norvix”, then log in again."));
+            Say::tr("Create the group and join it: “sudo groupadd --system norvix”, “sudo usermod "
+                    "-a -G norvix $USER”, then log in again."));
     }
     if (facts.isMember) {
         return fault(Say::tr("This user is in the group “norvix”, but this session began earlier."),
             Say::tr("Log out and in again."));
     }
     return fault(Say::tr("The bus refuses this user: only root and the group “norvix” may."),
-        Say::tr("Join the group: “sudo adduser $USER norvix”, then log in again."));
+        Say::tr("Join the group: “sudo usermod -a -G norvix $USER”, then log in again."));
 }
 
 Finding checkModem(const Facts &facts)
@@ -307,11 +307,20 @@ Finding checkBridge(const Facts &facts)
     return good(Say::tr("there"));
 }
 
+QString withoutShippedPeers()
+{
+    return Say::tr("The peer files that are shipped in /opt/norvix/share/peers are missing, too: "
+                   "install norvix again, or write this one by hand (norvix-daemon(8) shows one "
+                   "that works).");
+}
+
 Finding checkPeer(const Facts &facts)
 {
     if (!facts.peer.exists) {
         return fault(Say::tr("%1 is missing.").arg(facts.peer.path),
-            Say::tr("Let the shipped one be put there: “sudo norvixctl doctor --fix”."));
+            facts.hasShippedPeers
+                ? Say::tr("Let the shipped one be put there: “sudo norvixctl doctor --fix”.")
+                : withoutShippedPeers());
     }
     if (!facts.peer.content) {
         return notChecked(
@@ -320,14 +329,16 @@ Finding checkPeer(const Facts &facts)
     const QStringList faults = peerFaults(*facts.peer.content, facts.peerKind(), facts.circuit());
     if (!faults.isEmpty()) {
         return fault(Say::tr("%1: %2").arg(facts.peer.path, faults.join(QLatin1Char(' '))),
-            Say::tr(
-                "“sudo norvixctl doctor --fix” puts the shipped one in place of one that nobody "
-                "has edited; otherwise correct it (norvix-daemon(8) shows one that works)."));
+            facts.hasShippedPeers ? Say::tr(
+                "“sudo norvixctl doctor --fix” puts the shipped one in place of one that "
+                "nobody has edited; otherwise correct it (norvix-daemon(8) shows one that "
+                "works).")
+                                  : withoutShippedPeers());
     }
     return good(Say::tr("%1 is fine").arg(facts.peer.path));
 }
 
-Finding checkSecretsFile(const FileFacts &file)
+Finding checkSecretsFile(const SeenFile &file)
 {
     const QString mend = Say::tr("Let it be mended: “sudo norvixctl doctor --fix”.");
     if (!file.exists) {

@@ -19,9 +19,9 @@ namespace {
 
 constexpr int shortTimeoutMs = 4000;
 
-FileFacts fileFacts(const QString &path)
+SeenFile seenFile(const QString &path)
 {
-    FileFacts facts;
+    SeenFile facts;
     facts.path = path;
     struct stat info = {};
     if (stat(QFile::encodeName(path).constData(), &info) == 0) {
@@ -123,8 +123,8 @@ void lookAtDriver(Facts &facts)
     facts.kernel = QString::fromLocal8Bit(system.release);
     const ModemFamily *family
         = facts.modems.isEmpty() ? familyOf(facts.configured) : facts.modems.constFirst().family;
-    facts.driver = family != nullptr ? QString::fromLatin1(family->driver)
-                                     : driverOfVendor(facts.configured.vendor);
+    facts.driver = QString::fromLatin1(
+        family != nullptr ? family->driver : driverOfVendor(facts.configured.vendor));
     if (!facts.driver.isEmpty()) {
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
         facts.atmModule = lookAtModule(facts, "atm");
@@ -135,9 +135,11 @@ void lookAtDriver(Facts &facts)
                                 && sources.exists(QStringLiteral("unicorn-neo.tar")))
         || (facts.driver == QLatin1String("ueagle-atm")
             && sources.exists(QStringLiteral("ueagle-atm-1.4.tar")));
-    if (family != nullptr && family->firmware != nullptr) {
-        facts.firmware = QString::fromLatin1(family->firmware);
-        facts.firmwarePackage = QString::fromLatin1(family->firmwarePackage);
+    const ModemFirmware firmware
+        = family != nullptr ? firmwareOf(*family) : ModemFirmware{nullptr, nullptr};
+    if (firmware.file != nullptr) {
+        facts.firmware = QString::fromLatin1(firmware.file);
+        facts.firmwarePackage = QString::fromLatin1(firmware.package);
         const QString installed = QStringLiteral("/lib/firmware/") + facts.firmware;
         facts.hasFirmware
             = QFile::exists(installed) || QFile::exists(installed + QLatin1String(".xz"));
@@ -156,10 +158,11 @@ void lookAtPpp(Facts &facts)
     facts.bridgeTool = QStringLiteral("/opt/norvix/bin/")
         + QLatin1String(sizeof(void *) == 4 ? "br2684ctl_i386" : "br2684ctl_amd64");
     facts.hasBridgeTool = QFileInfo(facts.bridgeTool).isExecutable();
-    facts.peer = fileFacts(QLatin1String(
+    facts.hasShippedPeers = QFile::exists(QStringLiteral("/opt/norvix/share/peers/norvix"));
+    facts.peer = seenFile(QLatin1String(
         facts.isUnicorn() ? "/etc/ppp/peers/norvix_unicorn" : "/etc/ppp/peers/norvix"));
-    facts.papSecrets = fileFacts(QStringLiteral("/etc/ppp/pap-secrets"));
-    facts.chapSecrets = fileFacts(QStringLiteral("/etc/ppp/chap-secrets"));
+    facts.papSecrets = seenFile(QStringLiteral("/etc/ppp/pap-secrets"));
+    facts.chapSecrets = seenFile(QStringLiteral("/etc/ppp/chap-secrets"));
 }
 
 } // namespace
@@ -233,6 +236,6 @@ Facts gatherFacts(const DaemonBus &bus)
     lookAtPpp(facts);
     facts.resolver = resolver();
     facts.pppds = runningPppds();
-    facts.log = fileFacts(QStringLiteral("/opt/norvix/daemon.log"));
+    facts.log = seenFile(QStringLiteral("/opt/norvix/daemon.log"));
     return facts;
 }

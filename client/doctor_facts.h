@@ -19,7 +19,7 @@ enum class Answer
 };
 
 /// A file as this user sees it.
-struct FileFacts
+struct SeenFile
 {
     QString path;
     bool exists = false;
@@ -79,14 +79,15 @@ struct Facts
     bool hasBridgeTool = false;
     QString bridgeTool; ///< the path where it is expected
 
-    FileFacts peer;
-    FileFacts papSecrets;
-    FileFacts chapSecrets;
+    bool hasShippedPeers = false; ///< the peer files that --fix puts in place
+    SeenFile peer;
+    SeenFile papSecrets;
+    SeenFile chapSecrets;
     Resolver resolver;
     QList<Pppd> pppds;
-    FileFacts log;
+    SeenFile log;
 
-    bool isUnicorn() const { return configured.vendor == 0x0483; }
+    bool isUnicorn() const { return configured.vendor == unicornVendorId; }
     bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }
 
     /// Whether the driver is one of those that are built on the kernel's "usbatm" and "atm". The

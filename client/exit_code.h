@@ -15,5 +15,5 @@ enum ExitCode
     NoAnswer = 11, ///< the provider's concentrator did not answer
     AccountRefused = 12,
     NotConnected = 13, ///< the attempt or the connection ended for another reason
-    WaitedTooLong = 14, ///< the time given with --timeout ran out
+    WaitedTooLong = 14, ///< the time given with --timeout or to an attempt that is to end
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // norvixctl: the daemon's command-line client.
+#include "client/charset.h"
 #include "client/command_line.h"
 #include "client/help_text.h"
 #include "client/say.h"
@@ -8,17 +9,30 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTranslator>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
-/// The words of the command line as UTF-8, whatever the locale says.
 QStringList wordsOf(int argc, char *argv[])
 {
     QStringList words;
     for (int position = 1; position < argc; ++position) {
-        words.append(QString::fromUtf8(argv[position]));
+        words.append(fromLocale(argv[position]));
     }
     return words;
+}
+
+/// A standard stream that is closed would be the bus connection's number, and the output would go
+/// there.
+void holdStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            // Writing to it fails, as it would have without it.
+            static_cast<void>(open("/dev/null", stream == STDERR_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
 }
 
 int usageError(const Terminal &terminal, const QString &text)
@@ -29,11 +43,18 @@ int usageError(const Terminal &terminal, const QString &text)
     return BadUsage;
 }
 
+/// A word that is no command, or a value that can not be.
+int refuse(const Terminal &terminal, const ParsedLine &parsed)
+{
+    return parsed.code == BadUsage ? usageError(terminal, parsed.error)
+                                   : int(terminal.fail(parsed.code, parsed.error));
+}
+
 int answerHelp(const Terminal &terminal, const ParsedLine &parsed)
 {
     const Command *command = parsed.invocation.command;
     // "line --help" means the whole group, not the command that "line" alone stands for.
-    const bool isGroupOnly = command == nullptr;
+    const bool isGroupOnly = command == nullptr || parsed.isWholeGroup;
     const QStringList lines = isGroupOnly ? overviewHelp(terminal.width(), parsed.group)
                                           : commandHelp(*command, terminal.width());
     terminal.line(lines.join(QLatin1Char('\n')));
@@ -46,7 +67,7 @@ int run(const QStringList &words)
     Terminal terminal = makeTerminal(
         parsed.invocation.options.value(QStringLiteral("color"), QStringLiteral("auto")));
     if (!parsed.error.isEmpty()) {
-        return usageError(terminal, parsed.error);
+        return refuse(terminal, parsed);
     }
     if (parsed.invocation.has("version")) {
         terminal.line(QStringLiteral("norvixctl " NORVIX_VERSION));
@@ -70,13 +91,15 @@ int run(const QStringList &words)
 
 int main(int argc, char *argv[])
 {
+    holdStandardStreams();
     const QStringList words = wordsOf(argc, argv);
     const QCoreApplication application(argc, argv);
     QTranslator translator;
     const QString folder = QStringLiteral(":/translations");
     // English has a file of its own for its plurals.
-    if (translator.load(QLocale(), QStringLiteral("norvixctl"), QStringLiteral("_"), folder)
-        || translator.load(QStringLiteral("norvixctl_en"), folder)) {
+    const bool isTranslated = !isLanguagePlain()
+        && translator.load(QLocale(), QStringLiteral("norvixctl"), QStringLiteral("_"), folder);
+    if (isTranslated || translator.load(QStringLiteral("norvixctl_en"), folder)) {
         QCoreApplication::installTranslator(&translator);
     }
     return run(words);

@@ -1,36 +1,25 @@
 // SPDX-License-Identifier: MIT
-// The USB modems that the daemon serves, by their ids, with driver and firmware.
+// What the client knows of the modems beyond their names and ids: their firmware.
 #pragma once
 
-#include <QList>
+#include "support/modem_families.h"
+
 #include <QString>
-#include <vector>
 
-struct UsbId
+/// What a family needs below the firmware folder.
+struct ModemFirmware
 {
-    int vendor;
-    int product;
+    const char *file; ///< one that must be there; nullptr for none
+    const char *package; ///< the distribution's package that has it; nullptr for none
 };
-
-struct ModemFamily
-{
-    const char *name;
-    const char *driver;
-    const char *firmware; ///< a file that must be there below the firmware folder; nullptr for none
-    const char *firmwarePackage; ///< the distribution's package that has it; nullptr for none
-    std::vector<UsbId> ids;
-};
-
-const std::vector<ModemFamily> &modemFamilies();
 
 /// The family of a device, nullptr when the daemon does not know it.
 const ModemFamily *familyOf(UsbId id);
+
+ModemFirmware firmwareOf(const ModemFamily &family);
 
 /// Whether this is what a modem calls itself before it has got its firmware.
 bool isBeforeFirmware(UsbId id);
 
 /// "1110:9041"
 QString idText(UsbId id);
-
-/// The driver that the daemon reloads for a configured vendor; empty when none is configured.
-QString driverOfVendor(int vendor);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "client/password_input.h"
 
+#include "client/charset.h"
+
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -23,7 +25,7 @@ extern "C" void restoreEcho(int number)
 
 std::optional<QString> ask(const QString &question)
 {
-    const QByteArray text = question.toUtf8() + ": ";
+    const QByteArray text = toLocale(question) + ": ";
     fwrite(text.constData(), 1, size_t(text.size()), stderr);
     QByteArray line;
     for (int byte = getchar(); byte != '\n'; byte = getchar()) {
@@ -34,7 +36,7 @@ std::optional<QString> ask(const QString &question)
             line.append(char(byte));
         }
     }
-    return QString::fromUtf8(line.constData(), line.size());
+    return fromLocale(line);
 }
 
 } // namespace
@@ -72,6 +74,5 @@ QString restOfInput()
     if (bytes.endsWith('\n')) {
         bytes.chop(1);
     }
-    // With its size: the short form would end at a NUL byte and so change the password.
-    return QString::fromUtf8(bytes.constData(), bytes.size());
+    return fromLocale(bytes);
 }

@@ -9,11 +9,13 @@
 
 namespace {
 
+constexpr int mostCharacters = 50; // of a value that the daemon recognises, each up to four bytes
+
 // Bytes are read as Latin-1 so that every byte of a login stays what it is.
 const QRegularExpression &entryPattern()
 {
     static const QRegularExpression pattern(QStringLiteral(
-        "^\"([^\"\\n]{1,50})\"[ \\t]+\\*[ \\t]+\"([^\"\\n]{1,50})\"[ \\t]+\\*[ \\t]*$"));
+        "^\"([^\\n]{1,200}?)\"[ \\t]+\\*[ \\t]+\"([^\\n]{1,200}?)\"[ \\t]+\\*[ \\t]*$"));
     return pattern;
 }
 
@@ -23,7 +25,10 @@ std::optional<SecretsEntry> entryOf(const QByteArray &line)
     if (!match.hasMatch()) {
         return std::nullopt;
     }
-    return SecretsEntry{match.captured(1).toLatin1(), match.captured(2).toLatin1()};
+    SecretsEntry entry = {match.captured(1).toLatin1(), match.captured(2).toLatin1()};
+    const bool isRecognised = QString::fromUtf8(entry.login).size() <= mostCharacters
+        && QString::fromUtf8(entry.password).size() <= mostCharacters;
+    return isRecognised ? std::optional<SecretsEntry>(entry) : std::nullopt;
 }
 
 QByteArray entryLine(const SecretsEntry &entry)
@@ -179,7 +184,7 @@ QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &
 QString peerLogin(const QByteArray &content)
 {
     static const QRegularExpression pattern(
-        QStringLiteral("^[ \\t]*(?:user|name)[ \\t]+\"?([^\"\\s]+)\"?"),
+        QStringLiteral("^[ \\t]*(?:user|name)[ \\t]+(?|\"([^\"\\n]+)\"|([^\"\\s]+))"),
         QRegularExpression::MultilineOption);
     return pattern.match(QString::fromLatin1(content)).captured(1);
 }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+/// Both as they stand in the file.
 struct SecretsEntry
 {
     QByteArray login;
@@ -24,7 +25,7 @@ bool hasEntryAtStart(const QByteArray &content);
 QByteArray placeholderLogin();
 
 /// The comment that stands behind the account at the beginning: the daemon's pattern reaches over
-/// line ends and would take a short entry that follows at once with it.
+/// line ends, and once a value of the account is empty would take from the entry that follows.
 QByteArray guardLines();
 
 /// @p content with its newest entry moved to the very beginning and older entries of the same login
@@ -43,7 +44,7 @@ enum class PeerKind
 /// empty when unknown.
 QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit);
 
-/// The login in the "user" line; empty when there is none.
+/// The login in the "user" line as it stands there; empty when there is none.
 QString peerLogin(const QByteArray &content);
 
 /// A peer file as it is shipped, made fit for a login and a circuit ("VPI.VCI"); what is empty

@@ -5,9 +5,9 @@
 #include "client/link_facts.h"
 #include "client/ppp_files.h"
 #include "client/say.h"
+#include "support/safe_file.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,16 +18,16 @@ constexpr mode_t secretMode = 0600;
 constexpr mode_t peerMode = 0640;
 constexpr int mostBackups = 100;
 
-/// Writes beside the file and renames, so that a crash leaves the old file or the new one.
-bool replaceFile(const QString &path, const QByteArray &content)
+/// Puts @p content in place and answers whether it is there: what is replaced holds passwords that
+/// nobody may know by heart.
+bool putInPlace(
+    const QString &path, const QByteArray &content, mode_t mode = secretMode, gid_t group = 0)
 {
-    const mode_t before = umask(0077);
-    QSaveFile file(path);
-    bool isDone = file.open(QIODevice::WriteOnly);
-    isDone = isDone && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
-        && file.write(content) == content.size() && file.commit();
-    umask(before);
-    return isDone;
+    FileAttributes attributes;
+    attributes.owner = geteuid();
+    attributes.group = group;
+    attributes.mode = mode;
+    return replaceFile(path, content, attributes) && readFileBytes(path) == content;
 }
 
 /// A copy that takes no earlier one's place: the oldest is from before the installation.
@@ -37,7 +37,7 @@ bool backUp(const QString &path, const QByteArray &content)
     for (int number = 1; QFile::exists(name) && number < mostBackups; ++number) {
         name = QStringLiteral("%1.norvix-backup.%2").arg(path).arg(number);
     }
-    return replaceFile(name, content);
+    return putInPlace(name, content);
 }
 
 bool isPrivate(const QString &path)
@@ -69,7 +69,7 @@ MendResult mendSecrets(const QString &path)
     }
     if (!hasEntryAtStart(content.value_or(""))) {
         const bool isKept = !content || backUp(path, *content);
-        if (!isKept || !replaceFile(path, mendedSecrets(content.value_or("")))) {
+        if (!isKept || !putInPlace(path, mendedSecrets(content.value_or("")))) {
             return unwritable(result, path);
         }
         result.done.append(Say::tr("%1 now begins with the account's entry.").arg(path));
@@ -117,13 +117,10 @@ MendResult mendPeer(const Facts &facts)
     }
     const QByteArray made
         = peerFromTemplate(fitting, knownLogin(content.value_or("")), facts.circuit());
-    if ((content && !backUp(path, *content)) || !replaceFile(path, made)) {
-        return unwritable(result, path);
-    }
     const group *dip = getgrnam("dip"); // who may dial
-    if (!give(path, dip != nullptr ? dip->gr_gid : 0, peerMode)) {
-        result.error = Say::tr("The mode of %1 can not be changed.").arg(path);
-        return result;
+    if ((content && !backUp(path, *content))
+        || !putInPlace(path, made, peerMode, dip != nullptr ? dip->gr_gid : 0)) {
+        return unwritable(result, path);
     }
     result.done.append(Say::tr("%1 is now the one for this modem and protocol.").arg(path));
     return result;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "client/report.h"
 
+#include "client/charset.h"
 #include "client/text_format.h"
 
 #include <QJsonDocument>
@@ -29,8 +30,8 @@ QString terseText(const QJsonValue &value)
         return QString::number(value.toDouble(), 'g', 17);
     case QJsonValue::String: {
         QString text = value.toString();
-        return text.replace(QLatin1Char('\n'), QLatin1Char(' '))
-            .replace(QLatin1Char('\t'), QLatin1Char(' '));
+        return printable(text.replace(QLatin1Char('\n'), QLatin1Char(' '))
+                             .replace(QLatin1Char('\t'), QLatin1Char(' ')));
     }
     case QJsonValue::Array: {
         QStringList items;
@@ -47,11 +48,26 @@ QString terseText(const QJsonValue &value)
     return QString();
 }
 
+QString jsonText(const QJsonObject &object, bool compact)
+{
+    const QByteArray bytes
+        = QJsonDocument(object).toJson(compact ? QJsonDocument::Compact : QJsonDocument::Indented);
+    // The library escapes the controls below the blank; line feeds are left between the values.
+    QString text;
+    for (const QChar character : QString::fromUtf8(bytes.trimmed())) {
+        const bool isForeign = isLocaleEightBit() && character.unicode() > 0x7e;
+        if (isForeign || (isSteering(character) && character != QLatin1Char('\n'))) {
+            text += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+        } else {
+            text += character;
+        }
+    }
+    return text;
+}
+
 void printJson(const Terminal &terminal, const QJsonObject &object, bool compact)
 {
-    const QByteArray text
-        = QJsonDocument(object).toJson(compact ? QJsonDocument::Compact : QJsonDocument::Indented);
-    terminal.line(QString::fromUtf8(text.trimmed()));
+    terminal.line(jsonText(object, compact));
 }
 
 void Report::add(const QString &key, const QJsonValue &value, const QString &label,

@@ -74,5 +74,9 @@ private:
 /// A JSON value as one word for terse output.
 QString terseText(const QJsonValue &value);
 
+/// An object as JSON, in which what would steer a terminal is escaped, and
+/// all that is not ASCII where the locale could not show it.
+QString jsonText(const QJsonObject &object, bool compact);
+
 /// Prints an object, indented; with @p compact on one line, as streams of objects are.
 void printJson(const Terminal &terminal, const QJsonObject &object, bool compact = false);

@@ -2,27 +2,40 @@
 #include "client/settings_file.h"
 
 #include "client/say.h"
+#include "support/safe_file.h"
+#include "support/settings_text.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <QLockFile>
+#include <cerrno>
 
 namespace {
 
-/// The library replaces the file when it writes; the new one gets the owner and mode of the old.
-void giveBack(const struct stat &before)
+constexpr int lockWaitMs = 30000;
+
+std::optional<QByteArray> settingsBytes()
 {
-    const QByteArray path = QFile::encodeName(settingsPath());
-    struct stat after = {};
-    if (stat(path.constData(), &after) != 0 || after.st_ino == before.st_ino) {
-        return;
-    }
-    if (chown(path.constData(), before.st_uid, before.st_gid) != 0) {
-        return; // only root may; for everybody else the file is their own anyway
-    }
-    chmod(path.constData(), before.st_mode & 07777);
+    return readFileBytes(settingsPath(), Links::Follow, mostSettingsBytes);
+}
+
+/// Where the file is replaced. A link is followed: it stays an administrator's choice.
+QString placeOfSettings()
+{
+    const QFileInfo file(settingsPath());
+    return file.isSymLink() && file.exists() ? file.canonicalFilePath() : file.filePath();
+}
+
+bool isForbidden()
+{
+    return errno == EACCES || errno == EPERM || errno == EROFS;
+}
+
+/// Who may write the file but not its folder rewrites it in place.
+bool writeBytes(const QByteArray &before, const QByteArray &after)
+{
+    const QString path = placeOfSettings();
+    return replaceFile(path, after)
+        || (isForbidden() && rewriteFileInPlace(path, before, after) == Rewrite::Done);
 }
 
 } // namespace
@@ -39,8 +52,11 @@ bool canReadSettings()
 
 QString settingText(const char *key, const QString &fallback)
 {
-    const QSettings settings(settingsPath(), QSettings::IniFormat);
-    const QVariant value = settings.value(QLatin1String(key), fallback);
+    const QVariant value = settingsFrom(settingsBytes().value_or(QByteArray()))
+                               .values.value(QLatin1String(key), fallback);
+    if (value.canConvert<UndecodedSetting>()) {
+        return fallback;
+    }
     return value.type() == QVariant::StringList ? value.toStringList().join(QStringLiteral(", "))
                                                 : value.toString();
 }
@@ -52,27 +68,30 @@ int settingNumber(const char *key)
 
 ExitCode writeSettings(const QMap<QString, QVariant> &values, QString &error)
 {
-    const QByteArray path = QFile::encodeName(settingsPath());
-    struct stat before = {};
-    const bool existed = stat(path.constData(), &before) == 0;
-
-    QSettings settings(settingsPath(), QSettings::IniFormat);
-    settings.setAtomicSyncRequired(false); // a group member may write the file, not its folder
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        settings.setValue(value.key(), value.value());
-    }
-    settings.sync();
-    if (existed) {
-        giveBack(before);
-    }
-    switch (settings.status()) {
-    case QSettings::NoError:
-        return Ok;
-    case QSettings::FormatError:
+    QLockFile lock(settingsPath() + QStringLiteral(".lock")); // as the daemon's library has it
+    lock.tryLock(lockWaitMs); // not for who may write the file but not its folder
+    const std::optional<QByteArray> before = settingsBytes();
+    const bool isMissing = !before && errno == ENOENT;
+    if (!before && !isMissing && !isForbidden()) {
         error = Say::tr("%1 is not a valid settings file.").arg(settingsPath());
         return Failed;
-    case QSettings::AccessError:
-        break;
+    }
+    if (before || isMissing) {
+        ReadSettings all = settingsFrom(before.value_or(QByteArray()));
+        if (!all.isWellFormed) {
+            error = Say::tr("%1 is not a valid settings file.").arg(settingsPath());
+            return Failed;
+        }
+        for (auto value = values.begin(); value != values.end(); ++value) {
+            all.values.insert(value.key(), value.value());
+        }
+        if (writeBytes(before.value_or(QByteArray()), settingsText(all.values))) {
+            return Ok;
+        }
+        if (!isForbidden() && errno != ENOENT) {
+            error = Say::tr("%1 can not be written.").arg(settingsPath());
+            return Failed;
+        }
     }
     error = Say::tr("%1 can not be written by you. Repeat the command with “sudo”.")
                 .arg(settingsPath());

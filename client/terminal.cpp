@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "client/terminal.h"
 
+#include "client/charset.h"
+#include "client/say.h"
 #include "client/text_format.h"
 
 #include <QByteArray>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int widestParagraph = 100;
+constexpr const char *plainAgain = "\x1b[0m";
 
 winsize terminalSize()
 {
@@ -33,13 +38,6 @@ QString plainMarks(QString text)
         .replace(QChar(0x2013), QLatin1Char('-'));
 }
 
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8() + '\n';
-    fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-    fflush(stream);
-}
-
 const char *sequenceOf(Tone tone)
 {
     switch (tone) {
@@ -59,15 +57,42 @@ const char *sequenceOf(Tone tone)
     return "";
 }
 
-bool localeIsUtf8()
+/// The only sequences that may reach the terminal in a line.
+const QStringList &ownSequences()
 {
-    for (const char *name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const QByteArray value = qgetenv(name).toUpper();
-        if (!value.isEmpty()) {
-            return value.contains("UTF-8") || value.contains("UTF8");
+    static const QStringList sequences = [] {
+        QStringList all = {QLatin1String(plainAgain)};
+        for (const Tone tone : {Tone::Strong, Tone::Good, Tone::Doubtful, Tone::Bad, Tone::Faint}) {
+            all.append(QLatin1String(sequenceOf(tone)));
         }
+        return all;
+    }();
+    return sequences;
+}
+
+void print(FILE *stream, const QString &text, const QStringList &sequences);
+
+/// Whoever waits for the output must not take a cut one for the whole. As with a pipe that is
+/// closed, nothing more is done.
+[[noreturn]] void endWithoutOutput()
+{
+    const QString reason = QString::fromLocal8Bit(strerror(errno));
+    print(stderr,
+        QLatin1String("norvixctl: ") + Say::tr("The output can not be written: %1.").arg(reason),
+        {});
+    _exit(Failed);
+}
+
+/// The one way out: whatever foreign text has found its way into a line steers nothing.
+void print(FILE *stream, const QString &text, const QStringList &sequences)
+{
+    const QByteArray bytes = toLocale(printableLines(text, sequences)) + '\n';
+    const bool isWritten
+        = fwrite(bytes.constData(), 1, size_t(bytes.size()), stream) == size_t(bytes.size())
+        && fflush(stream) == 0;
+    if (!isWritten && stream == stdout) {
+        endWithoutOutput();
     }
-    return false;
 }
 
 } // namespace
@@ -87,12 +112,13 @@ QString Terminal::toned(const QString &text, Tone tone) const
     if (!hasColour || tone == Tone::Plain || text.isEmpty()) {
         return text;
     }
-    return QLatin1String(sequenceOf(tone)) + text + QLatin1String("\x1b[0m");
+    return QLatin1String(sequenceOf(tone)) + text + QLatin1String(plainAgain);
 }
 
 void Terminal::line(const QString &text) const
 {
-    print(stdout, hasGlyphs || form != Form::Human ? text : plainMarks(text));
+    print(stdout, hasGlyphs || form != Form::Human ? text : plainMarks(text),
+        hasColour ? ownSequences() : QStringList());
 }
 
 void Terminal::paragraph(const QString &text, int indent) const
@@ -103,7 +129,7 @@ void Terminal::paragraph(const QString &text, int indent) const
 void Terminal::note(const QString &text) const
 {
     const QString lines = wrapped(text, width()).join(QLatin1Char('\n'));
-    print(stderr, hasGlyphs ? lines : plainMarks(lines));
+    print(stderr, hasGlyphs ? lines : plainMarks(lines), {});
 }
 
 ExitCode Terminal::fail(ExitCode code, const QString &text) const
@@ -120,6 +146,6 @@ Terminal makeTerminal(const QString &when)
     terminal.hasColour = when == QLatin1String("always")
         || (when != QLatin1String("never") && terminal.isTerminal
             && qEnvironmentVariableIsEmpty("NO_COLOR"));
-    terminal.hasGlyphs = localeIsUtf8();
+    terminal.hasGlyphs = isLocaleUtf8();
     return terminal;
 }

@@ -39,7 +39,8 @@ struct Terminal
     /// @p text in the tone's colour, or as it is without colours.
     QString toned(const QString &text, Tone tone) const;
 
-    /// Prints a line on standard output at once, in UTF-8.
+    /// Prints a line on standard output at once, in the locale's character set. When that fails,
+    /// the process says so and ends with the status 1.
     void line(const QString &text = QString()) const;
     /// Prints a wrapped paragraph on standard output; @p indent applies from its second line on.
     void paragraph(const QString &text, int indent = 0) const;

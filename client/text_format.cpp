@@ -2,6 +2,7 @@
 #include "client/text_format.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <array>
 
 QString bytesText(double bytes)
@@ -52,12 +53,48 @@ QStringList wrapped(const QString &text, int width, int indent)
     return lines;
 }
 
+bool isSteering(QChar character)
+{
+    switch (character.unicode()) {
+    case 0x061C: // Arabic letter mark
+    case 0x200E: // the other marks of a direction
+    case 0x200F:
+    case 0x2028: // line and paragraph separator
+    case 0x2029:
+        return true;
+    default:
+        break;
+    }
+    const auto isFromTo = [character](ushort first, ushort last) {
+        return character.unicode() >= first && character.unicode() <= last;
+    };
+    // Embeddings and overrides; isolates.
+    return character.category() == QChar::Other_Control || isFromTo(0x202A, 0x202E)
+        || isFromTo(0x2066, 0x2069);
+}
+
 QString printable(const QString &text)
 {
     QString clean = text;
-    for (QChar &character : clean) {
-        if (character.category() == QChar::Other_Control) {
-            character = QChar(0xFFFD);
+    std::replace_if(clean.begin(), clean.end(), isSteering, QChar(QChar::ReplacementCharacter));
+    return clean;
+}
+
+QString printableLines(const QString &text, const QStringList &ours)
+{
+    QString clean;
+    clean.reserve(text.size());
+    for (int place = 0; place < text.size(); ++place) {
+        const QChar character = text.at(place);
+        const auto own = std::find_if(ours.begin(), ours.end(),
+            [&](const QString &sequence) { return text.midRef(place).startsWith(sequence); });
+        if (own != ours.end()) {
+            clean += *own;
+            place += own->size() - 1;
+        } else if (character == QLatin1Char('\n') || character == QLatin1Char('\t')) {
+            clean += character;
+        } else {
+            clean += isSteering(character) ? QChar(QChar::ReplacementCharacter) : character;
         }
     }
     return clean;

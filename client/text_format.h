@@ -18,6 +18,12 @@ QString clockText(qint64 seconds);
 /// Line feeds in the text stay. Every line but the first is indented by @p indent blanks.
 QStringList wrapped(const QString &text, int width, int indent = 0);
 
-/// @p text with every control character replaced by a visible one, so that foreign text can not
-/// steer the terminal.
+/// Whether a character steers a terminal or changes the order in which others are shown, so that it
+/// may not get out as it came in: controls, those of the upper half too, and bidirectional ones.
+bool isSteering(QChar character);
+
+/// @p text with every such character replaced by a visible one; line feeds and tabulators, too.
 QString printable(const QString &text);
+
+/// The same for whole lines and tables: line feeds, tabulators and @p ours stay.
+QString printableLines(const QString &text, const QStringList &ours = QStringList());

@@ -6,6 +6,7 @@
 #include "daemon/settings.h"
 #include "support/debug.h"
 #include "support/lock_file.h"
+#include "support/safe_file.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -100,7 +101,8 @@ int runDaemon(int argc, char **argv, bool isLocked)
         return refuseToStart();
     }
     if (name == Name::Ours) {
-        removeStaleSettingsLocks();
+        clearStaleSettingsFiles();
+        clearUnfinished(QStringLiteral("/etc/resolv.conf"));
     }
     Norvix_Daemon daemon;
     if (debug) {

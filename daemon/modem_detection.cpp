@@ -168,6 +168,7 @@ bool Norvix_Daemon::examineDevice()
     m_newVendorId = vendorId;
     m_newProductId = productId;
     m_newModemName = modem->name;
+    m_announcedUdi = m_verifiedUdi;
     emit newModemPlugged(m_newModemName);
     return true;
 }
@@ -188,6 +189,16 @@ void Norvix_Daemon::deviceRemoved(const QString &udi)
         emit newModemUnplugged();
         m_verifiedUdi = QStringLiteral("#");
     }
+}
+
+AnnouncedModem Norvix_Daemon::announcedModem() const
+{
+    // The verified identifier is another device's as soon as one is plugged in, and "#" when the
+    // modem has left; it is what would be stored.
+    if (m_newModemName.isEmpty() || m_verifiedUdi != m_announcedUdi) {
+        return AnnouncedModem();
+    }
+    return {m_newModemName, m_newVendorId, m_newProductId, m_announcedUdi};
 }
 
 void Norvix_Daemon::useNewModem()

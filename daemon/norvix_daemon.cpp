@@ -6,6 +6,7 @@
 #include "connection/pppd_line.h"
 #include "daemon/logging.h"
 #include "daemon/settings.h"
+#include "daemon/setup.h"
 #include "dbus/daemon_adaptor.h"
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
@@ -95,6 +96,7 @@ void Norvix_Daemon::startLog()
         const QString value = settingText(settings()->value(key));
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
+    logSettingsTrouble();
 }
 
 void Norvix_Daemon::checkPolicyFile()
@@ -126,6 +128,18 @@ void Norvix_Daemon::registerOnBus()
             fputs("Failed to register the object!\n", stderr);
         }
         exit(objectRefusedStatus);
+    }
+    registerSetup();
+}
+
+void Norvix_Daemon::registerSetup()
+{
+    // Beside the object above, whose interface stays as its clients know it.
+    auto *object = new QObject(this);
+    new SetupAdaptor(object, this);
+    if (!m_connection.registerObject(
+            QStringLiteral("/com/norvix/Setup"), object, QDBusConnection::ExportAdaptors)) {
+        writeLog(constructorText(QStringLiteral("failed to register the setup object!")));
     }
 }
 

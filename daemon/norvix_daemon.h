@@ -32,6 +32,15 @@ enum ConnectionState
     ConnectionDown = 2,
 };
 
+/// A new modem that was announced and is there: what useNewModem() would take into use.
+struct AnnouncedModem
+{
+    QString name; ///< empty: none
+    int vendorId = 0;
+    int productId = 0;
+    QString udi;
+};
+
 class Norvix_Daemon : public QObject
 {
     Q_OBJECT
@@ -45,6 +54,10 @@ public:
 
     /// The line's state from the kernel log, a LineState as integer. Any thread.
     static int getModemState(); // connection/modem_state.cpp
+
+    /// The modem that useNewModem() would take into use with its own identifier; without a name
+    /// when there is none, or when another device has been looked at since.
+    AnnouncedModem announcedModem() const; // daemon/modem_detection.cpp
 
     /// Appends a connection fact to today's file under /var/log/norvix.
     void writeDailyLog(const QString &msg); // daemon/norvix_daemon.cpp
@@ -122,6 +135,7 @@ private:
     void startLog();
     void checkPolicyFile();
     void registerOnBus();
+    void registerSetup();
     void wireWorkers();
     void testModemDriver();
     void connectAtBoot();
@@ -165,6 +179,7 @@ private:
     QString m_newModemName;
     qint32 m_newVendorId = 0;
     qint32 m_newProductId = 0;
+    QString m_announcedUdi; ///< whose announcement the three above come from
     bool m_modemPlugged = false;
     QTimer *m_verifyTimer;
     Announcements m_announcements;

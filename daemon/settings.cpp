@@ -1,30 +1,106 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/settings.h"
 
+#include "support/safe_file.h"
+#include "support/settings_text.h"
+
+#include <QDir>
 #include <QEvent>
 #include <QFile>
+#include <QFileDevice>
+#include <QFileInfo>
 #include <QMutexLocker>
 #include <QStringList>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-/// One INI file for all threads. The library replaces the file when it writes; owner and group are
-/// given back, so that a client that owned it can still write it.
+bool readValues(QIODevice &device, QSettings::SettingsMap &values)
+{
+    values = settingsFrom(device.read(mostSettingsBytes)).values;
+    return true;
+}
+
+/// Gives the file that the library is about to put in the place of @p path the owner, group and
+/// mode of that: whoever could write the settings still can.
+void takeOver(const QString &path, int replacement)
+{
+    struct stat before = {};
+    struct stat made = {};
+    if (stat(QFile::encodeName(path).constData(), &before) != 0 || fstat(replacement, &made) != 0) {
+        return;
+    }
+    if ((made.st_uid != before.st_uid || made.st_gid != before.st_gid)
+        && fchown(replacement, before.st_uid, before.st_gid) != 0) {
+        return; // the file becomes ours, which still works for us
+    }
+    fchmod(replacement, before.st_mode & 07777);
+}
+
+QByteArray lastWritten; // under the one store's mutex; null when the library had nothing to write
+
+/// @p device is a new file beside the old one. Flushed and checked here: the library does not see
+/// the error of a write that it has buffered, and would put an empty file in place.
+bool writeValues(QIODevice &device, const QSettings::SettingsMap &values)
+{
+    auto *file = qobject_cast<QFileDevice *>(&device);
+    const QByteArray text = settingsText(values);
+    if (file == nullptr || file->write(text) != text.size() || !file->flush()) {
+        return false;
+    }
+    takeOver(file->fileName(), file->handle());
+    lastWritten = text;
+    return fsync(file->handle()) == 0;
+}
+
+/// INI files as the library has them, of plain values.
+QSettings::Format settingsFormat()
+{
+    static const QSettings::Format format
+        = QSettings::registerFormat(QStringLiteral("ini"), readValues, writeValues);
+    return format;
+}
+
+/// Moves what cannot be the settings file (too large, a pipe, a device) out of the way, so that it
+/// is neither read nor lost. Gives the line to log, or an empty text. A folder stays: the settings
+/// are then kept in memory only.
+QString setAside(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info = {};
+    if (stat(name.constData(), &info) != 0 || S_ISDIR(info.st_mode)
+        || (S_ISREG(info.st_mode) && info.st_size <= mostSettingsBytes)) {
+        return QString();
+    }
+    const QString aside = path + QStringLiteral(".set-aside");
+    if (rename(name.constData(), QFile::encodeName(aside).constData()) != 0) {
+        return QStringLiteral("Settings: %1 is no settings file, and cannot be set aside: %2")
+            .arg(path, QString::fromLocal8Bit(strerror(errno)));
+    }
+    return QStringLiteral("Settings: %1 is no settings file, and has been set aside as %2")
+        .arg(path, aside);
+}
+
+/// One INI file for all threads.
 class SettingsStore : public QSettings
 {
 public:
     explicit SettingsStore(const QString &path)
-        : QSettings(path, QSettings::IniFormat)
+        : QSettings(path, settingsFormat())
     {
     }
 
-    void syncNow()
+    bool syncNow()
     {
         const QMutexLocker lock(&m_mutex);
-        keepOwner([this] { sync(); });
+        return write([this] { sync(); });
     }
+
+    void setPending() { m_isPending = true; }
 
     QRecursiveMutex &mutex() { return m_mutex; }
 
@@ -34,33 +110,69 @@ protected:
     {
         const QMutexLocker lock(&m_mutex);
         bool handled = false;
-        keepOwner([&] { handled = QSettings::event(event); });
+        write([&] { handled = QSettings::event(event); });
         return handled;
     }
 
 private:
-    template <typename Write> void keepOwner(Write write)
+    /// Lets the library read and write, and answers whether nothing is left to be written.
+    template <typename Sync> bool write(Sync sync)
     {
-        const QByteArray path = QFile::encodeName(fileName());
-        struct stat before = {};
-        const bool existed = stat(path.constData(), &before) == 0;
-        write();
-        struct stat after = {};
-        if (!existed || stat(path.constData(), &after) != 0 || after.st_ino == before.st_ino) {
-            return;
+        tell(setAside(fileName()));
+        lastWritten = QByteArray();
+        sync();
+        if (!lastWritten.isNull()) {
+            m_isPending = readFileBytes(fileName()) != lastWritten;
+            // A new name in the folder is to outlive a power failure, as the file itself does.
+            syncFolder(QFile::encodeName(QFileInfo(fileName()).path()).toStdString());
+        } else if (m_isPending) {
+            m_isPending = !isOnDisk(); // taken back before it could be written
         }
-        if (after.st_uid != before.st_uid || after.st_gid != before.st_gid) {
-            if (chown(path.constData(), before.st_uid, before.st_gid) != 0) {
-                return; // the file stays root's, which still works for the daemon
-            }
+        if (m_isPending && !m_hasFailed) {
+            tell(QStringLiteral("Settings: %1 could not be written").arg(fileName()));
+        }
+        m_hasFailed = m_isPending;
+        return !m_isPending;
+    }
+
+    /// Whether the file holds what the store holds.
+    bool isOnDisk() const
+    {
+        const QByteArray text
+            = readFileBytes(fileName(), Links::Follow, mostSettingsBytes).value_or(QByteArray());
+        const QSettings::SettingsMap values = settingsFrom(text).values;
+        const QStringList keys = allKeys();
+        return keys.size() == values.size()
+            && std::all_of(keys.begin(), keys.end(), [&](const QString &key) {
+                   return settingText(values.value(key)) == settingText(value(key));
+               });
+    }
+
+    static void tell(const QString &text)
+    {
+        if (!text.isEmpty()) {
+            qWarning("%s", text.toLocal8Bit().constData());
         }
     }
 
     QRecursiveMutex m_mutex;
+    bool m_isPending = false;
+    bool m_hasFailed = false; ///< which has been told
 };
 
+QString foundAtStart; // logged once there is a log
+
+SettingsStore *openStore()
+{
+    const QString path = QStringLiteral("/opt/norvix/.daemon_ng.ini");
+    foundAtStart = setAside(path);
+    return new SettingsStore(path);
+}
+
 // Created before main() and never deleted: worker threads may still read while the process ends.
-SettingsStore *const store = new SettingsStore(QStringLiteral("/opt/norvix/.daemon_ng.ini"));
+SettingsStore *const store = openStore();
+
+std::function<void()> settingWritten;
 
 QRecursiveMutex *mutexOf(QSettings *settings)
 {
@@ -78,7 +190,8 @@ QSettings *settings()
 QVariant readSetting(QSettings *store, const char *key, const QVariant &fallback)
 {
     const QMutexLocker lock(mutexOf(store));
-    return store->value(QLatin1String(key), fallback);
+    const QVariant value = store->value(QLatin1String(key), fallback);
+    return value.canConvert<UndecodedSetting>() ? fallback : value;
 }
 
 QString settingText(const QVariant &value)
@@ -92,24 +205,62 @@ QString readSettingText(QSettings *store, const char *key, const QVariant &fallb
     return settingText(readSetting(store, key, fallback));
 }
 
+// Keeps whatever a client sets: clients have always checked their own values, and read back what
+// they wrote.
 void writeSetting(QSettings *store, const char *key, const QVariant &value)
 {
-    const QMutexLocker lock(mutexOf(store));
-    store->setValue(QLatin1String(key), value);
-}
-
-void syncSettings(QSettings *store)
-{
-    if (auto *own = dynamic_cast<SettingsStore *>(store)) {
-        own->syncNow();
-    } else if (store != nullptr) {
-        store->sync();
+    {
+        const QMutexLocker lock(mutexOf(store));
+        if (value.isValid()) {
+            store->setValue(QLatin1String(key), value);
+        } else {
+            store->remove(QLatin1String(key));
+        }
+        if (auto *own = dynamic_cast<SettingsStore *>(store)) {
+            own->setPending();
+        }
+    }
+    if (settingWritten) {
+        settingWritten();
     }
 }
 
-void removeStaleSettingsLocks()
+void onSettingWritten(std::function<void()> listener)
 {
-    const QString path = store->fileName();
-    QFile::remove(path + QStringLiteral(".lock"));
-    QFile::remove(path + QStringLiteral(".lock.rmlock"));
+    settingWritten = std::move(listener);
+}
+
+bool syncSettings(QSettings *store)
+{
+    if (auto *own = dynamic_cast<SettingsStore *>(store)) {
+        return own->syncNow();
+    }
+    if (store != nullptr) {
+        store->sync();
+    }
+    return store != nullptr && store->status() == QSettings::NoError;
+}
+
+void clearStaleSettingsFiles()
+{
+    const QFileInfo file(store->fileName());
+    QFile::remove(file.filePath() + QStringLiteral(".lock"));
+    QFile::remove(file.filePath() + QStringLiteral(".lock.rmlock"));
+    // The library's names for a file that it has not yet put in place.
+    const QRegExp unfinished(QRegExp::escape(file.fileName()) + QStringLiteral("\\.[A-Za-z]{6}"));
+    QDir folder(file.path());
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        if (unfinished.exactMatch(name)) {
+            folder.remove(name);
+        }
+    }
+    clearUnfinished(file.filePath());
+}
+
+void logSettingsTrouble()
+{
+    if (!foundAtStart.isEmpty()) {
+        qWarning("%s", foundAtStart.toLocal8Bit().constData());
+    }
 }

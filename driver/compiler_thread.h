@@ -39,8 +39,8 @@ public:
     /// thread, while the thread is idle.
     int result() const { return m_result; }
 
-    /// Loads the module; waits for modprobe without a time-out. Its exit code, -2 when it cannot be
-    /// started, -1 when it crashes or no module is set.
+    /// Loads the module; waits for modprobe, which is ended at moduleTimeoutMs. Its exit code, -2
+    /// when it cannot be started, -1 when it crashes, is ended or no module is set.
     int testDriver();
 
 protected:

@@ -3,24 +3,20 @@
 
 #include "daemon/settings.h"
 #include "support/modem_families.h"
+#include "support/programs.h"
 
 #include <QProcess>
 
 QString moduleToReload(int vendorId)
 {
-    switch (vendorId) {
-    case 0:
-        return QString();
-    case eagleVendorId:
-        return QString::fromLatin1(eagleModule);
-    case speedtouchVendorId:
-        return QString::fromLatin1(speedtouchModule);
-    case unicornVendorId:
-        return QString::fromLatin1(unicornModule);
-    default:
-        // One family of the catalogue has many vendors; they end here, and so do unknown ones.
-        return QString::fromLatin1(cxacruModule);
-    }
+    return QString::fromLatin1(driverOfVendor(vendorId));
+}
+
+void reloadModule(const QString &module, int timeoutMs)
+{
+    // Whether they succeed does not matter here: the line state tells.
+    runProgram(QStringLiteral("rmmod"), {module}, timeoutMs);
+    runProgram(QStringLiteral("modprobe"), {module}, timeoutMs);
 }
 
 RestartModem::RestartModem(QSettings *settings, QObject *parent)
@@ -40,7 +36,5 @@ void RestartModem::run()
     if (module.isEmpty()) {
         return;
     }
-    // Both wait as long as the kernel needs, and whether they succeed does not matter here.
-    QProcess::execute(QStringLiteral("rmmod"), {module});
-    QProcess::execute(QStringLiteral("modprobe"), {module});
+    reloadModule(module, moduleTimeoutMs);
 }

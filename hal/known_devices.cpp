@@ -3,8 +3,9 @@
 
 #include "hal/text.h"
 #include "hal/udi.h"
+#include "support/file_descriptor.h"
+#include "support/safe_write.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -77,57 +78,26 @@ std::optional<KnownObject> objectFrom(std::string_view line)
     return object;
 }
 
-/// Reads or writes all of a descriptor that is closed at the end.
-class Descriptor
+std::optional<std::string> contentOf(const std::string &path)
 {
-public:
-    Descriptor(const std::string &path, int flags)
-        : m_fd(open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0644))
-    {
+    const FileDescriptor file(
+        open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY));
+    struct stat info = {};
+    if (!file.isOpen() || fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)
+        || info.st_size > maxFileSize) {
+        return std::nullopt;
     }
-    ~Descriptor()
-    {
-        if (m_fd >= 0) {
-            close(m_fd);
-        }
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    std::optional<std::string> readAll() const
-    {
-        struct stat info = {};
-        if (m_fd < 0 || fstat(m_fd, &info) != 0 || !S_ISREG(info.st_mode)
-            || info.st_size > maxFileSize) {
+    std::string text(size_t(info.st_size), '\0');
+    size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
+        if (count <= 0) {
             return std::nullopt;
         }
-        std::string text(size_t(info.st_size), '\0');
-        size_t done = 0;
-        while (done < text.size()) {
-            const ssize_t count = read(m_fd, text.data() + done, text.size() - done);
-            if (count <= 0) {
-                return std::nullopt;
-            }
-            done += size_t(count);
-        }
-        return text;
+        done += size_t(count);
     }
-
-    bool writeAll(std::string_view text) const
-    {
-        while (m_fd >= 0 && !text.empty()) {
-            const ssize_t count = write(m_fd, text.data(), text.size());
-            if (count < 0 && errno != EINTR) {
-                return false;
-            }
-            text.remove_prefix(count < 0 ? 0 : size_t(count));
-        }
-        return m_fd >= 0;
-    }
-
-private:
-    int m_fd;
-};
+    return text;
+}
 
 } // namespace
 
@@ -165,16 +135,17 @@ std::optional<std::vector<KnownObject>> knownDevicesFrom(std::string_view text)
 
 std::optional<std::vector<KnownObject>> readKnownDevices(const std::string &path)
 {
-    const std::optional<std::string> text = Descriptor(path, O_RDONLY | O_NONBLOCK).readAll();
+    const std::optional<std::string> text = contentOf(path);
     return text ? knownDevicesFrom(*text) : std::nullopt;
 }
 
 bool writeKnownDevices(const std::string &path, const std::vector<KnownObject> &objects)
 {
-    const std::string fresh = path + ".new";
-    unlink(fresh.c_str());
-    return Descriptor(fresh, O_WRONLY | O_CREAT | O_EXCL).writeAll(knownDevicesText(objects))
-        && rename(fresh.c_str(), path.c_str()) == 0;
+    FileAttributes attributes;
+    attributes.owner = geteuid();
+    attributes.group = getegid();
+    return replaceFileWith(
+        path, attributes, [&](int file) { return writeAll(file, knownDevicesText(objects)); });
 }
 
 } // namespace hal

@@ -2,6 +2,7 @@
 // norvix-hald: USB devices on the system bus as HAL showed them.
 #include "hal/options.h"
 #include "hal/service.h"
+#include "hal/text.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +27,8 @@ int main(int argc, char **argv)
     const std::optional<hal::Options> options
         = hal::optionsFrom(std::vector<std::string_view>(argv + 1, argv + argc), &offender);
     if (!options) {
-        std::fprintf(stderr, "norvix-hald: what is \"%s\"? Try --help.\n", offender.c_str());
+        std::fprintf(stderr, "norvix-hald: what is \"%s\"? Try --help.\n",
+            hal::visibleText(offender).c_str());
         return 2;
     }
     if (options->task == hal::Options::Task::Help) {

@@ -2,6 +2,7 @@
 #include "hal/service.h"
 
 #include "hal/known_devices.h"
+#include "hal/text.h"
 
 #include <cerrno>
 #include <csignal>
@@ -55,10 +56,9 @@ int Service::list()
         return 1;
     }
     for (const HalObject *object : m_devices.objects()) {
-        const std::string_view place = textOf(*object, "linux.sysfs_path");
-        const std::string_view name = textOf(*object, "info.product");
-        std::printf("%s\t%.*s\t%.*s\n", object->udi.c_str(), int(place.size()), place.data(),
-            int(name.size()), name.data());
+        const std::string place = visibleText(textOf(*object, "linux.sysfs_path"));
+        const std::string name = visibleText(textOf(*object, "info.product"));
+        std::printf("%s\t%s\t%s\n", visibleText(object->udi).c_str(), place.c_str(), name.c_str());
     }
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -85,16 +85,48 @@ std::optional<double> parseDouble(std::string_view text)
     return number;
 }
 
-std::string validUtf8(std::string_view text)
+namespace {
+
+/// @p text with '?' for every byte that is part of no character and for every character that
+/// @p isHidden says.
+template <typename Predicate> std::string replaced(std::string_view text, Predicate isHidden)
 {
     std::string valid;
     valid.reserve(text.size());
     while (!text.empty()) {
         const size_t length = characterLength(text);
-        valid.append(length == 0 ? std::string_view("?") : text.substr(0, length));
+        const bool isShown = length != 0 && !isHidden(text.substr(0, length));
+        valid.append(isShown ? text.substr(0, length) : std::string_view("?"));
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return valid;
+}
+
+bool isSteering(std::string_view character)
+{
+    if (character.size() == 1) {
+        return static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7f;
+    }
+    const auto isFromTo = [character](const char *first, const char *last) {
+        return character >= first && character <= last;
+    };
+    return isFromTo("\xc2\x80", "\xc2\x9f") // controls of the upper half
+        || character == "\xd8\x9c" // marks of a direction
+        || isFromTo("\xe2\x80\x8e", "\xe2\x80\x8f")
+        || isFromTo("\xe2\x80\xa8", "\xe2\x80\xae") // separators, embeddings, overrides
+        || isFromTo("\xe2\x81\xa6", "\xe2\x81\xa9"); // isolates
+}
+
+} // namespace
+
+std::string validUtf8(std::string_view text)
+{
+    return replaced(text, [](std::string_view) { return false; });
+}
+
+std::string visibleText(std::string_view text)
+{
+    return replaced(text, isSteering);
 }
 
 } // namespace hal

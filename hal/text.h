@@ -26,4 +26,8 @@ std::optional<double> parseDouble(std::string_view text);
 /// the bus refuses messages with anything else, and a device may call itself what it likes.
 std::string validUtf8(std::string_view text);
 
+/// @p text as it may be shown on a terminal: valid UTF-8 in which controls, those of the upper half
+/// too, and what changes the direction of text are replaced by '?'.
+std::string visibleText(std::string_view text);
+
 } // namespace hal

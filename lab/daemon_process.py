@@ -52,6 +52,11 @@ class Daemon:
                                    detail=self.everything_said)
         return self._pid
 
+    @property
+    def last_pid(self):
+        """The same without waiting; None when nobody has asked for it yet."""
+        return self._pid
+
     def _find_child(self):
         """The child outlives its parent: process 1 becomes its parent and reaps it in the end."""
         seen = self.machine.exits() + self.machine.processes()

@@ -18,7 +18,8 @@ unset_what_a_shell_holds() {
 
 # Whether a folder takes half a gigabyte, and programs in it can be started.
 serves_for_temporary_files() {
-    [ "$(df -Pk "$1" 2>/dev/null | awk 'NR == 2 { print $4 }')" -ge 500000 ] 2>/dev/null || return 1
+    room=$(df -k --output=avail "$1" 2>/dev/null | tail -n 1)
+    [ "${room:-0}" -ge 500000 ] || return 1
     probe=$(mktemp "$1/norvix-probe-XXXXXX" 2>/dev/null) || return 1
     printf '#!/bin/sh\n' >"$probe"
     chmod 700 "$probe"
@@ -43,6 +44,18 @@ else
     echo "Neither /tmp nor /var/tmp has 500 MB and lets programs be started from it." >&2
     exit 1
 fi
+
+# Ends with one line where no private machine can be made: everything runs the daemon in one.
+need_namespaces() {
+    user=
+    [ "$(id -u)" -eq 0 ] || user="--user --map-root-user"
+    # Words without blanks, or none.
+    # shellcheck disable=SC2086
+    if ! problem=$(unshare $user --mount --net --pid --ipc --uts --fork true 2>&1); then
+        echo "No private machine can be made here ($problem): run this as root, in no chroot." >&2
+        exit 1
+    fi
+}
 
 # Whether this user may build in the build tree that is named.
 may_build_in() {

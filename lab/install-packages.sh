@@ -1,21 +1,53 @@
+# shellcheck shell=sh
 # SPDX-License-Identifier: MIT
 # Sourced by demo and check: brings the Debian packages that the file debian-packages lists.
 
-# Prints the packages of the list that are not installed.
+# Whether dpkg has the package $1.
+is_installed() {
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# Prints the entries of the kinds $@ in the list, each once.
+listed_packages() {
+    for kind; do
+        sed -n -e "s/^${kind}[[:space:]]\{1,\}\([^[:space:]]*\).*/\1/p" debian-packages
+    done | sort -u
+}
+
+# Prints those of the entries $@ of which no name is installed.
 missing_packages() {
-    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' debian-packages | while read -r package; do
-        status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || status=absent
-        [ "$status" = installed ] || printf '%s\n' "$package"
+    for entry; do
+        for name in $(echo "$entry" | tr '|' ' '); do
+            ! is_installed "$name" || continue 2
+        done
+        echo "$entry"
     done
 }
 
-# Installs what is missing; says why when it cannot. Returns non-zero then.
+# Prints the names to install for the entries $@: of several the first that the system's release has.
+chosen_packages() {
+    for entry; do
+        chosen=${entry%%|*}
+        for name in $(echo "$entry" | tr '|' ' '); do
+            if [ -n "$(apt-cache madison "$name")" ]; then
+                chosen=$name
+                break
+            fi
+        done
+        echo "$chosen"
+    done
+}
+
+# Installs what is missing of the kinds $@ (see debian-packages); says why when it cannot. Returns
+# non-zero then.
 install_packages() {
     if ! command -v dpkg-query >/dev/null 2>&1; then
         echo "This is not a Debian system; debian-packages lists what is needed." >&2
         return 1
     fi
-    missing=$(missing_packages | tr '\n' ' ')
+    # Here and below: names are words without blanks; each is one argument.
+    # shellcheck disable=SC2046,SC2086
+    missing=$(missing_packages $(listed_packages "$@") | tr '\n' ' ')
     [ -n "$missing" ] || return 0
     echo "Missing packages: $missing"
     if [ "$(id -u)" -ne 0 ]; then
@@ -23,9 +55,9 @@ install_packages() {
         return 1
     fi
     export DEBIAN_FRONTEND=noninteractive
-    # The list is words without blanks; each is one argument.
-    # shellcheck disable=SC2086
-    if ! { apt-get update -q && apt-get install -q -y --no-install-recommends $missing; } </dev/null
+    # shellcheck disable=SC2046,SC2086
+    if ! { apt-get update -q && apt-get install -q -y --no-install-recommends \
+        $(chosen_packages $missing); } </dev/null
     then
         echo "The packages could not be installed; see above." >&2
         return 1

@@ -19,7 +19,7 @@ import threading
 from collections import namedtuple
 from pathlib import Path
 
-from .bus_client import Client
+from .bus_client import SERVICE, BusError, Client
 from .daemon_process import Daemon, Process
 from .furnishing import ETC_OF_THE_HOST, furnish
 from .kernel_log import KernelLog, RealKernelLog
@@ -287,6 +287,8 @@ class PrivateMachine:
         if ADDRESS_SANITIZER:
             environment.update(SANITIZER_OPTIONS)
         environment.update(env or {})
+        if wait:
+            self._wait_until_the_bus_knows_who_has_ended()
         process = self.spawn(["/opt/norvix/bin/norvix-daemon", *arguments], env=environment, cwd=cwd,
                              label="daemon")
         daemon = Daemon(process)
@@ -294,6 +296,22 @@ class PrivateMachine:
         if wait:
             daemon.wait_ready()
         return daemon
+
+    def _wait_until_the_bus_knows_who_has_ended(self):
+        """On a busy machine an ended daemon owns its name for a moment longer."""
+        ended = [daemon.last_pid for daemon in self.daemons
+                 if daemon.last_pid and not daemon.running()]
+        if ended and self._bus and not self._bus.ended():
+            observer = self.client()
+
+            def let_go():
+                try:
+                    return observer.pid_of(SERVICE) not in ended
+                except BusError:  # nobody owns it
+                    return True
+
+            wait_until(let_go, what="the bus has let go of the daemon's name")
+            observer.close()
 
     def daemon_log(self):
         """The text of the daemon's main log."""

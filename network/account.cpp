@@ -2,8 +2,10 @@
 // The PPP account on the bus: reads and writes pppd's secrets and peer files.
 #include "daemon/norvix_daemon.h"
 #include "network/account_files.h"
-#include "support/file_bytes.h"
+#include "support/safe_file.h"
+#include "support/trusted_file.h"
 
+#include <QFileInfo>
 #include <cerrno>
 #include <cstring>
 
@@ -19,6 +21,7 @@ struct Complaints
     const char *notWritten;
 };
 
+// Keeps "opensecret": clients and administrators search the log for the line as it has always been.
 constexpr Complaints aboutSecrets = {
     "Norvix_Daemon::setAccountData(): could not opensecret file in read only mode!",
     "Norvix_Daemon::setAccountData(): could not opensecret file in write only mode!",
@@ -45,12 +48,22 @@ constexpr AccountFile accountFiles[] = {
     {"/etc/ppp/peers/norvix_unicorn", true, aboutPeers},
 };
 
-/// Edits one file; answers the line to log when that failed, else an empty text. Whoever could
-/// place a symbolic link there would choose the file that root rewrites: links are refused. The
-/// file is rewritten in place, so that its owner and mode stay, and never made anew.
+/// Where the file is. A link is followed where nobody but root could have chosen what root
+/// rewrites; any other stays in the path, which is then refused.
+QString placeOf(const QString &path)
+{
+    if (!QFileInfo(path).isSymLink()) {
+        return path;
+    }
+    const TrustedPath trusted = followTrustedLinks(path);
+    return trusted.refusal.isEmpty() ? trusted.path : path;
+}
+
+/// Edits one file; answers the line to log when that failed, else an empty text. The file is
+/// rewritten in place, so that its owner and mode stay, and never made anew.
 QString editFile(const AccountFile &file, const QString &login, const QString &password)
 {
-    const QString path = QString::fromLatin1(file.path);
+    const QString path = placeOf(QString::fromLatin1(file.path));
     const std::optional<QByteArray> content = readFileBytes(path, Links::Refuse);
     if (!content) {
         return QString::fromLatin1(file.complaints.notReadable);

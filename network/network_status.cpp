@@ -64,7 +64,8 @@ QString Norvix_Daemon::getDefaultRoute()
         interface = QStringLiteral("...");
     }
     if (debug) {
-        // Keeps the name "getIP" in this operation's message.
+        // Keeps the name "getIP" in this operation's message: who filters the debug output for the
+        // connection's facts finds both by it.
         printf("Norvix_Daemon::getIP(): returning Default Route: %s\n",
             interface.toLocal8Bit().constData());
     }

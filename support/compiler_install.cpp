@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "support/compiler_work.h"
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
 
 namespace {
 
@@ -30,23 +31,23 @@ bool Compiler::Work::makeStaging()
 
 int Compiler::Work::publish(const char *step)
 {
-    const QString prefix = tree.root().mid(1) + QLatin1Char('/');
-    QStringList files;
+    QMap<QString, QString> stagedFiles; // by their place in the module folder
     for (const QString &file : filesBelow(staging)) {
-        const QString relative = file.mid(prefix.size());
-        if (!file.startsWith(prefix)) {
+        const std::optional<QString> place = tree.placeOf(QLatin1Char('/') + file);
+        if (!place) {
             note(step, QStringLiteral("not for the running kernel, left out: /") + file);
-        } else if (relative.contains(QLatin1Char('/'))) { // above them only depmod's own files
-            files.append(relative);
+        } else if (place->contains(QLatin1Char('/'))) { // above them only depmod's own files
+            stagedFiles.insert(*place, staging + QLatin1Char('/') + file);
         }
     }
+    const QStringList files = stagedFiles.keys();
     if (!backup.beginInstall(files)) {
         complain(step, QStringLiteral("the files to be replaced cannot be kept"));
         return Compiler::BackupFailed;
     }
     for (const QString &file : files) {
-        const QString staged = staging + QLatin1Char('/') + prefix + file;
-        const std::optional<FileFacts> facts = factsOf(staged);
+        const QString staged = stagedFiles.value(file);
+        const std::optional<FileAttributes> facts = attributesOf(staged);
         if (!facts || !copyIntoPlace(staged, tree.absolute(file), *facts)) {
             complain(step, QStringLiteral("%1 cannot be installed").arg(tree.absolute(file)));
             return Compiler::InstallIncomplete;

@@ -2,7 +2,7 @@
 #include "support/compiler_work.h"
 
 #include "support/debug.h"
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 #include "support/source_patch.h"
 
 #include <QDeadlineTimer>
@@ -80,7 +80,7 @@ QString makeBackupRoot()
     if (!refusal.isEmpty()) {
         return refusal;
     }
-    const std::optional<FileFacts> facts = factsOf(QLatin1String(backupRoot));
+    const std::optional<FileAttributes> facts = attributesOf(QLatin1String(backupRoot));
     if (facts && (!S_ISDIR(facts->mode) || facts->owner != geteuid())) {
         return QStringLiteral("%1 is not root's folder").arg(QLatin1String(backupRoot));
     }
@@ -205,7 +205,7 @@ bool Compiler::Work::adaptSources(const char *step)
     for (const QString &name : filesBelow(driver.sourceDir)) {
         const QString path = driver.sourceDir + QLatin1Char('/') + name;
         const QString fileName = QFileInfo(path).fileName();
-        const std::optional<FileFacts> facts = factsOf(path);
+        const std::optional<FileAttributes> facts = attributesOf(path);
         if (!facts || !S_ISREG(facts->mode) || !(isMakefile(fileName) || isSource(fileName))) {
             continue;
         }

@@ -1,21 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "support/dns_manager.h"
 
-#include "support/file_bytes.h"
 #include "support/resolv_conf.h"
+#include "support/safe_file.h"
 
 #include <QFile>
 #include <algorithm>
-#include <cerrno>
 #include <sys/stat.h>
 
 namespace {
+
+// A larger file is no configuration, and is left alone: taking it apart would keep everybody
+// waiting.
+constexpr int mostBytes = 1024 * 1024;
 
 /// The configuration whose other lines are to be kept: empty where there is none to lose (a missing
 /// file, a dangling link, a pipe). No value when there is a file that cannot be read.
 std::optional<QByteArray> configurationToKeep(const QString &path)
 {
-    std::optional<QByteArray> bytes = readFileBytes(path);
+    std::optional<QByteArray> bytes = readFileBytes(path, Links::Follow, mostBytes);
     struct stat info = {};
     const bool isFile
         = lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
@@ -37,7 +40,8 @@ DNS_Manager::DNS_Manager()
 
 bool DNS_Manager::isFileCorrect()
 {
-    const std::optional<QByteArray> content = readFileBytes(QString::fromLatin1(m_path));
+    const std::optional<QByteArray> content
+        = readFileBytes(QString::fromLatin1(m_path), Links::Follow, mostBytes);
     return content && ResolvConf(*content, m_nameserverLine, m_writerLine).hasUsableServer();
 }
 
@@ -53,12 +57,5 @@ bool DNS_Manager::setServers(QStringList &servers)
     }
     ResolvConf configuration(*content, m_nameserverLine, m_writerLine);
     configuration.setServers(servers, m_writerComment);
-    const QByteArray text = configuration.toText();
-    if (replaceFile(path, text)) {
-        return true;
-    }
-    // In a container the file is often mounted by itself: no rename reaches it, and the folder may
-    // be read-only.
-    return (errno == EBUSY || isMountPoint(path))
-        && rewriteFileInPlace(path, *content, text, Links::Refuse) == Rewrite::Done;
+    return replaceFile(path, configuration.toText());
 }

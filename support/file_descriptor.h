@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// An open file that is closed with its owner.
+// An open file that is closed with its owner, which leaves errno alone.
 #pragma once
 
+#include <cerrno>
 #include <unistd.h>
 #include <utility>
 
@@ -26,9 +27,11 @@ public:
     FileDescriptor &operator=(const FileDescriptor &) = delete;
     ~FileDescriptor()
     {
+        const int error = errno;
         if (m_descriptor >= 0) {
             close(m_descriptor);
         }
+        errno = error;
     }
 
     bool isOpen() const { return m_descriptor >= 0; }

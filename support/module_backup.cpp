@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/module_backup.h"
 
-#include "support/file_bytes.h"
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 #include "support/trusted_file.h"
 
 #include <QDir>
@@ -40,10 +39,10 @@ bool ModuleBackup::beginInstall(const QStringList &files)
 {
     QStringList added;
     for (const QString &file : files) {
-        if (factsOf(kept(file))) {
+        if (attributesOf(kept(file))) {
             continue;
         }
-        if (!factsOf(m_tree.absolute(file))) {
+        if (!attributesOf(m_tree.absolute(file))) {
             added.append(file);
         } else if (!keep(file)) {
             return false;
@@ -54,13 +53,13 @@ bool ModuleBackup::beginInstall(const QStringList &files)
 
 bool ModuleBackup::putBack()
 {
-    removeLeftovers(m_tree.root());
+    clearUnfinishedBelow(m_tree.root());
     const QStringList keptFiles = filesBelow(kept());
     bool complete = true;
     // Old files first, then away with the new: in between either of them can be loaded.
     for (const QString &file : keptFiles) {
         const QString target = m_tree.absolute(file);
-        const std::optional<FileFacts> facts = factsOf(kept(file));
+        const std::optional<FileAttributes> facts = attributesOf(kept(file));
         if (!sameFile(kept(file), target)
             && !(facts && copyIntoPlace(kept(file), target, *facts))) {
             complete = false;
@@ -69,7 +68,7 @@ bool ModuleBackup::putBack()
     const QStringList candidates = m_tree.copiesOf(m_moduleFile) + addedFiles();
     for (const QString &file : candidates) {
         const QString path = m_tree.absolute(file);
-        if (!keptFiles.contains(file) && factsOf(path)) {
+        if (!keptFiles.contains(file) && attributesOf(path)) {
             complete = removeFile(path) && complete;
             // A folder that held nothing else came with it.
             QDir().rmdir(QFileInfo(path).path());
@@ -105,6 +104,6 @@ QStringList ModuleBackup::addedFiles() const
 
 bool ModuleBackup::keep(const QString &file)
 {
-    const std::optional<FileFacts> facts = factsOf(m_tree.absolute(file));
+    const std::optional<FileAttributes> facts = attributesOf(m_tree.absolute(file));
     return facts && copyIntoPlace(m_tree.absolute(file), kept(file), *facts, 0700);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/module_tree.h"
 
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 
 #include <QFileInfo>
 #include <sys/utsname.h>
@@ -36,6 +36,16 @@ QString ModuleTree::runningKernelsRoot()
 QString ModuleTree::absolute(const QString &relative) const
 {
     return m_root + QLatin1Char('/') + relative;
+}
+
+std::optional<QString> ModuleTree::placeOf(const QString &path) const
+{
+    for (const QString &folder : {m_root, QStringLiteral("/usr") + m_root}) {
+        if (path.startsWith(folder + QLatin1Char('/'))) {
+            return path.mid(folder.size() + 1);
+        }
+    }
+    return std::nullopt;
 }
 
 QString ModuleTree::buildFolder() const

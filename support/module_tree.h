@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 /// The folder /lib/modules/RELEASE, or any folder of that shape.
 class ModuleTree
@@ -16,6 +17,10 @@ public:
 
     const QString &root() const { return m_root; }
     QString absolute(const QString &relative) const;
+
+    /// Where an absolute path lies in the tree, relative to the root; nothing when it lies
+    /// elsewhere. /lib is a link to /usr/lib on current systems, so either name leads there.
+    std::optional<QString> placeOf(const QString &path) const;
 
     /// Where the kernel's headers are to be found.
     QString buildFolder() const;

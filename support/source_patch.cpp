@@ -22,8 +22,8 @@ constexpr Replacement makefileReplacements[] = {
     {"(?<=\\s)SUBDIRS=", "M="},
     {PATH_BEGINS "/usr/src/linux(?:-" RELEASE ")?(?![\\w-])", "%BUILD%"},
     {PATH_BEGINS "/usr/src/kernels/" RELEASE, "%BUILD%"},
-    {PATH_BEGINS "/lib/modules/\\d[\\w.+~-]*/(?:build|source)\\b", "%BUILD%"},
-    {PATH_BEGINS "/lib/modules/(?=" RELEASE "/(?!build\\b|source\\b))",
+    {PATH_BEGINS "(?:/usr)?/lib/modules/\\d[\\w.+~-]*/(?:build|source)\\b", "%BUILD%"},
+    {PATH_BEGINS "(?:/usr)?/lib/modules/(?=" RELEASE "/(?!build\\b|source\\b))",
         "$(INSTALL_MOD_PATH)/lib/modules/"},
 };
 

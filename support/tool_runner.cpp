@@ -7,13 +7,16 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QVector>
+#include <algorithm>
 #include <csignal>
 #include <fcntl.h>
+#include <mutex>
 #include <poll.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <vector>
 
 namespace {
 
@@ -86,6 +89,31 @@ bool waitFor(pid_t child, int timeoutMs, int *status)
     }
 }
 
+constexpr int killedWithinMs = 1000;
+
+std::mutex leftMutex;
+std::vector<pid_t> leftBehind;
+
+/// Ends the tool and its children. What even SIGKILL does not end waits in the kernel, perhaps for
+/// ever: it is left behind, and reaped when a later tool runs.
+void endOrLeave(pid_t child)
+{
+    int status = 0;
+    kill(-child, SIGKILL);
+    if (!waitFor(child, killedWithinMs, &status)) {
+        const std::lock_guard<std::mutex> lock(leftMutex);
+        leftBehind.push_back(child);
+    }
+}
+
+void reapLeftBehind()
+{
+    const std::lock_guard<std::mutex> lock(leftMutex);
+    const auto isGone = [](pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; };
+    leftBehind.erase(
+        std::remove_if(leftBehind.begin(), leftBehind.end(), isGone), leftBehind.end());
+}
+
 /// A copy whose number is out of the way of the standard streams.
 FileDescriptor highCopy(int descriptor)
 {
@@ -119,6 +147,7 @@ QString findTool(const QString &program, const QStringList &environment)
 
 ToolResult runTool(const ToolCall &call, int log, int lock)
 {
+    reapLeftBehind();
     ToolResult result;
     const QString path = findTool(call.program, call.environment);
     const FileDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
@@ -148,8 +177,7 @@ ToolResult runTool(const ToolCall &call, int log, int lock)
     setpgid(child, child); // here too, so that it is done before anyone can want to kill the group
     int status = 0;
     if (!waitFor(child, call.timeoutMs, &status)) {
-        kill(-child, SIGKILL);
-        waitpid(child, &status, 0);
+        endOrLeave(child);
         result.end = ToolResult::TimedOut;
     } else if (WIFEXITED(status)) {
         result.end = ToolResult::Exited;

@@ -28,7 +28,7 @@ struct ToolResult
         Exited,
         NotFound, ///< no such program, or it could not be started
         Crashed,
-        TimedOut, ///< it and its children were killed
+        TimedOut, ///< it and its children were killed, or left behind where nothing kills them
     };
 
     End end = NotFound;

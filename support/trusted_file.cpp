@@ -89,6 +89,58 @@ TrustedFile openTrustedFile(const QString &path, uid_t owner, const QString &top
     return result;
 }
 
+TrustedPath followTrustedLinks(const QString &path, uid_t owner, const QString &top)
+{
+    constexpr int mostLinks = 40; // as the kernel has it
+    const QString topFolder = top.endsWith(QLatin1Char('/')) ? top.chopped(1) : top;
+    QStringList ahead = path.split(QLatin1Char('/'));
+    QString walked;
+    int links = 0;
+    struct stat facts = {};
+    while (!ahead.isEmpty()) {
+        const QString name = ahead.takeFirst();
+        if (name == QLatin1String("..")) {
+            walked.truncate(qMax(0, walked.lastIndexOf(QLatin1Char('/'))));
+        } else if (!name.isEmpty() && name != QLatin1String(".")) {
+            walked += QLatin1Char('/') + name;
+        }
+        if (lstat(walked.isEmpty() ? "/" : QFile::encodeName(walked).constData(), &facts) != 0) {
+            return {QString(), failed(walked)};
+        }
+        QString refusal;
+        if (S_ISLNK(facts.st_mode)) {
+            if (++links > mostLinks) {
+                return {QString(), because(path, "leads through too many links")};
+            }
+            if (facts.st_uid != owner && facts.st_uid != 0) {
+                refusal = because(walked, "is somebody else's");
+            }
+            std::error_code error;
+            const auto target
+                = std::filesystem::read_symlink(QFile::encodeName(walked).constData(), error);
+            const QString leadsTo = QFile::decodeName(target.c_str());
+            ahead = leadsTo.split(QLatin1Char('/')) + ahead;
+            walked = leadsTo.startsWith(QLatin1Char('/'))
+                ? QString()
+                : walked.left(walked.lastIndexOf(QLatin1Char('/')));
+        } else if (S_ISDIR(facts.st_mode)) {
+            if (walked == topFolder || walked.startsWith(topFolder + QLatin1Char('/'))) {
+                refusal = judgeFolder(facts, walked + QLatin1Char('/'), owner);
+            }
+        } else {
+            refusal = ahead.isEmpty() ? judgeFile(facts, walked, owner)
+                                      : because(walked, "is not a folder");
+            if (refusal.isEmpty()) {
+                return {walked, QString()};
+            }
+        }
+        if (!refusal.isEmpty()) {
+            return {QString(), refusal};
+        }
+    }
+    return {QString(), because(path, "is not a regular file")};
+}
+
 QString refusalOfParent(const QString &parent)
 {
     struct stat facts = {};

@@ -20,6 +20,19 @@ struct TrustedFile
 TrustedFile openTrustedFile(
     const QString &path, uid_t owner = 0, const QString &top = QStringLiteral("/"));
 
+/// Where a path leads, or the reason why it must not be followed there.
+struct TrustedPath
+{
+    QString path; ///< free of links
+    QString refusal; ///< in words, with the path concerned; empty when the path may be used
+};
+
+/// Follows the links of @p path to the regular file that they lead to. Every link on the way, every
+/// folder that it leads through from @p top on, and the file are held to the rules of
+/// openTrustedFile(): so the way stays what it was found to be.
+TrustedPath followTrustedLinks(
+    const QString &path, uid_t owner = 0, const QString &top = QStringLiteral("/"));
+
 /// The reason why a folder must not be made in @p parent: it must be a folder of root's that only
 /// root may write to, or a sticky one, such as /tmp, where nobody can replace what root made. Empty
 /// when it may.

@@ -20,14 +20,6 @@
         <translation>%1 enthält ein Steuerzeichen.</translation>
     </message>
     <message>
-        <source>%1 contains a double quote, which ends the value in pppd&apos;s files.</source>
-        <translation>%1 enthält ein Anführungszeichen, das in den Dateien von pppd den Wert beendet.</translation>
-    </message>
-    <message>
-        <source>%1 contains a backslash, which pppd&apos;s files take for an escape sign.</source>
-        <translation>%1 enthält einen Rückstrich, der in den Dateien von pppd eine eigene Bedeutung hat.</translation>
-    </message>
-    <message>
         <source>%1 contains a character that is not valid text.</source>
         <translation>%1 enthält ein Zeichen, das kein gültiger Text ist.</translation>
     </message>
@@ -576,8 +568,8 @@
         <translation>Der Systembus ist nicht erreichbar: Läuft dbus-daemon?</translation>
     </message>
     <message>
-        <source>The system bus does not let you do this. Members of the group “norvix” and root may: “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Der Systembus lässt Sie das nicht tun. Mitglieder der Gruppe „norvix“ und root dürfen es: „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>The system bus does not let you do this. Members of the group “norvix” and root may: “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Der Systembus lässt Sie das nicht tun. Mitglieder der Gruppe „norvix“ und root dürfen es: „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>The daemon does not answer. It may be waiting for another program; see “norvixctl log”.</source>
@@ -664,8 +656,8 @@
         <translation>Der Bus weist diesen Benutzer ab, und die Gruppe „norvix“ gibt es nicht.</translation>
     </message>
     <message>
-        <source>Create the group and join it: “sudo addgroup --system norvix”, “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Legen Sie die Gruppe an und treten Sie ihr bei: „sudo addgroup --system norvix“, „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>Create the group and join it: “sudo groupadd --system norvix”, “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Legen Sie die Gruppe an und treten Sie ihr bei: „sudo groupadd --system norvix“, „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>This user is in the group “norvix”, but this session began earlier.</source>
@@ -680,8 +672,8 @@
         <translation>Der Bus weist diesen Benutzer ab: Nur root und die Gruppe „norvix“ dürfen.</translation>
     </message>
     <message>
-        <source>Join the group: “sudo adduser $USER norvix”, then log in again.</source>
-        <translation>Treten Sie der Gruppe bei: „sudo adduser $USER norvix“, dann neu anmelden.</translation>
+        <source>Join the group: “sudo usermod -a -G norvix $USER”, then log in again.</source>
+        <translation>Treten Sie der Gruppe bei: „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
         <source>No modem that the daemon knows is plugged in.</source>
@@ -1236,7 +1228,7 @@
         <translation>Alles prüfen, was eine Verbindung verhindern kann, und die Abhilfe nennen</translation>
     </message>
     <message>
-        <source>mend pppd's account and peer files (as root)</source>
+        <source>mend pppd&apos;s account and peer files (as root)</source>
         <translation>die Konto- und Peer-Dateien von pppd richten (als root)</translation>
     </message>
     <message>
@@ -1530,6 +1522,34 @@
     <message>
         <source>%1 is now the one for this modem and protocol.</source>
         <translation>%1 ist jetzt die für dieses Modem und Protokoll.</translation>
+    </message>
+    <message>
+        <source>The daemon still connects. Repeat the command, or look at “norvixctl log”.</source>
+        <translation>Der Dienst verbindet noch. Den Befehl wiederholen, oder in „norvixctl log“ nachsehen.</translation>
+    </message>
+    <message>
+        <source>A connection is still being made: it can be ended for good only when the line is up or has failed. Waiting for that…</source>
+        <translation>Eine Verbindung wird noch aufgebaut: Endgültig beendet werden kann sie erst, wenn die Leitung steht oder ausgefallen ist. Warten darauf …</translation>
+    </message>
+    <message>
+        <source>%1 has %2 characters in pppd&apos;s files, where a double quote and a backslash take up to four; more than %3 would not be recognised again.</source>
+        <translation>%1 hat in pppds Dateien %2 Zeichen, denn ein Anführungszeichen und ein Rückstrich nehmen dort bis zu vier ein; mehr als %3 würden nicht wiedererkannt.</translation>
+    </message>
+    <message>
+        <source>%1 begins with “@/”, which pppd takes for the name of a file.</source>
+        <translation>%1 beginnt mit „@/“, was pppd für den Namen einer Datei hält.</translation>
+    </message>
+    <message>
+        <source>Login and password make a line of %1 bytes; more than %2 would not be recognised again.</source>
+        <translation>Benutzername und Passwort ergeben eine Zeile von %1 Byte; mehr als %2 würden nicht wiedererkannt.</translation>
+    </message>
+    <message>
+        <source>The peer files that are shipped in /opt/norvix/share/peers are missing, too: install norvix again, or write this one by hand (norvix-daemon(8) shows one that works).</source>
+        <translation>Auch die mitgelieferten Gegenstellendateien in /opt/norvix/share/peers fehlen: norvix neu installieren oder diese Datei von Hand schreiben (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
+    </message>
+    <message>
+        <source>The output can not be written: %1.</source>
+        <translation>Die Ausgabe kann nicht geschrieben werden: %1.</translation>
     </message>
 </context>
 </TS>

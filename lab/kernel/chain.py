@@ -7,6 +7,7 @@ import socket
 import threading
 import time
 
+from ..modem_families import FAMILIES, FAMILIES_OF_THE_KERNEL
 from ..waiting import read_text, wait_until
 from . import system
 from .modems import cxacru, eagle, speedtch, vhci
@@ -24,19 +25,17 @@ VERIFICATION_SECONDS = 40
 # A driver may take its time to notice the line: speedtch looks every 5 s.
 LINE_SECONDS = 60
 
-VENDORS = {"cxacru": 0x0572, "speedtch": 0x06B9, "eagle": 0x1110, "eagle-e4": 0x1110}
-PRODUCTS = {"cxacru": 0xCB00, "speedtch": 0x4061, "eagle": 0x900F, "eagle-e4": 0x9041}
-NAMES = {"cxacru": "CXACRU modem", "speedtch": "Thomson Speedtouch 330",
-         "eagle": "Sagem F@st 800", "eagle-e4": "Sagem F@st 800 E4"}
-DRIVERS = {"cxacru": "cxacru", "speedtch": "speedtch", "eagle": "ueagle-atm",
-           "eagle-e4": "ueagle-atm"}
+KINDS = {kind: FAMILIES[kind] for kind in FAMILIES_OF_THE_KERNEL}
+VENDORS = {kind: family.vendor for kind, family in KINDS.items()}
+PRODUCTS = {kind: family.product for kind, family in KINDS.items()}
+NAMES = {kind: family.name for kind, family in KINDS.items()}
+DRIVERS = {kind: family.driver for kind, family in KINDS.items()}
 # What each driver writes when the line is up.
 UP_LINES = {"cxacru": "ADSL line: up", "speedtch": "ADSL line is up (",
             "eagle": "modem operational", "eagle-e4": "modem operational"}
-UDIS = {"cxacru": "/org/freedesktop/Hal/devices/usb_device_572_cb00_1",
-        "speedtch": "/org/freedesktop/Hal/devices/usb_device_6b9_4061_0090D0123456",
-        "eagle": "/org/freedesktop/Hal/devices/usb_device_1110_900f_00604C123456",
-        "eagle-e4": "/org/freedesktop/Hal/devices/usb_device_1110_9041_00604C123456"}
+UDIS = {kind: "/org/freedesktop/Hal/devices/usb_device_%x_%x_%s"
+        % (family.vendor, family.product, family.serial or eagle.SERIAL)
+        for kind, family in KINDS.items()}
 
 
 PROVIDERS = {"PPPoE": PppoeProvider, "PPPoA": PppoaProvider, "dsl0": CableProvider}

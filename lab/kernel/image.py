@@ -15,7 +15,7 @@ import time
 from . import suites
 
 HERE = pathlib.Path(__file__).resolve().parent
-PACKAGE_LIST = HERE.parent.parent / "debian-packages-kernel"
+PACKAGE_LIST = HERE.parent.parent / "debian-packages"
 
 DOWNLOAD_SECONDS = 600
 KEPT_SECONDS = 7 * 24 * 3600
@@ -23,13 +23,14 @@ KEPT_SECONDS = 7 * 24 * 3600
 # Where a kernel is: in one package with its modules, or in newer suites in one of its own.
 KERNEL_PACKAGES = ("linux-image-", "linux-binary-", "linux-modules-")
 
-# A kernel unpacks to 400 MB. A machine without hardware but with a modem needs this much.
+# A kernel unpacks to 400 MB. A machine without hardware but with a modem needs this much; depmod
+# unpacks each of the compressed modules anew, which an emulated processor does slowly.
 KERNEL_FOLDERS = (
-    "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/input",
-    "drivers/net/dummy.ko", "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko",
-    "drivers/net/veth.ko", "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common",
-    "drivers/usb/core", "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs",
-    "fs/overlayfs", "lib", "net",
+    "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/net/dummy.ko",
+    "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko", "drivers/net/veth.ko",
+    "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common", "drivers/usb/core",
+    "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs", "fs/overlayfs", "lib",
+    "net/9p", "net/atm", "net/core", "net/ipv4/gre.ko", "net/packet", "net/unix",
 )
 
 # Loaded before the root file system is there.
@@ -37,9 +38,9 @@ BOOT_MODULES = ["virtio_pci", "9pnet_virtio", "9p", "overlay"]
 
 
 def package_names(kind):
-    """The packages of one kind ("host" or "guest") in the list."""
-    lines = PACKAGE_LIST.read_text().splitlines()
-    return [words[1] for words in map(str.split, lines) if len(words) == 2 and words[0] == kind]
+    """The packages of one kind in the list: "kernel", on the host, or "guest"."""
+    lines = PACKAGE_LIST.read_text(encoding="ascii").splitlines()
+    return [words[1] for words in map(str.split, lines) if words[:1] == [kind]]
 
 
 def cache_folder():
@@ -59,7 +60,7 @@ def run(*command, **options):
 
 def install_host_packages():
     """Installs what runs on the host itself, when it is missing."""
-    missing = [name for name in package_names("host") if not is_installed(name)]
+    missing = [name for name in package_names("kernel") if not is_installed(name)]
     if missing:
         run("apt-get", "install", "-y", "--no-install-recommends", *missing,
             env=dict(os.environ, DEBIAN_FRONTEND="noninteractive"))
@@ -92,8 +93,9 @@ def prepare(system=None):
     the package lists what is newest takes long on a busy machine. Whoever comes while it is being
     made waits for it."""
     suite = suites.codename(system)
-    recipe = [PACKAGE_LIST, HERE / "boot.sh", HERE / "suites.py", pathlib.Path(__file__)]
-    key = hashlib.sha256(b"".join(path.read_bytes() for path in recipe)).hexdigest()[:16]
+    recipe = [HERE / "boot.sh", HERE / "suites.py", pathlib.Path(__file__)]
+    key = hashlib.sha256(b"".join([" ".join(package_names("guest")).encode(),
+                                   *(path.read_bytes() for path in recipe)])).hexdigest()[:16]
     image = Image(cache_folder() / f"guest-{suite}-{key}")
     cache_folder().mkdir(parents=True, exist_ok=True)
     with open(cache_folder() / f"being-made-{suite}", "w") as lock:

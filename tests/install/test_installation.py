@@ -4,7 +4,7 @@ import re
 import subprocess
 
 import pytest
-from conftest import USER
+from conftest import REPOSITORY, USER
 
 OURS = ("norvix-daemon", "norvix-hald", "norvixctl", "libnorvix-support")
 PLACES = ("/opt", "/etc/ppp", "/etc/dbus-1", "/etc/logrotate.d", "/var/log/norvix",
@@ -16,6 +16,8 @@ BOOKS = ("/var/lib/dpkg", "/var/lib/apt", "/var/cache", "/var/log/apt", "/var/lo
          "/root", "/home", "/var/lib/systemd", "/etc/.pwd.lock", "/var/log/journal",
          "/var/log/faillog", "/var/log/lastlog")
 PAP, CHAP = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"
+VERSION = re.search(r"project\(norvix VERSION ([0-9.]+)",
+                    (REPOSITORY / "CMakeLists.txt").read_text(encoding="ascii"))[1]
 SETTINGS, POLICY = "/opt/norvix/.daemon_ng.ini", "/etc/dbus-1/system.d/norvix.conf"
 
 
@@ -54,7 +56,7 @@ def test_what_is_installed_has_the_owners_and_modes_it_needs(from_clone):
         "/opt/norvix": ("drwxr-sr-x", "0", "norvix"),
         "/opt/norvix/drivers": ("drwxr-xr-x", "0", "root"),
         "/opt/norvix/bin/norvix-daemon": ("-rwxr-xr-x", "0", "root"),
-        SETTINGS: ("-rw-rw----", "0", "norvix"),
+        SETTINGS: ("-rw-r-----", "0", "norvix"),
         "/var/log/norvix": ("drwxr-s---", "0", "norvix"),
         PAP: ("-rw-------", "0", "root"), CHAP: ("-rw-------", "0", "root"),
         "/etc/ppp/peers/norvix": ("-rw-r-----", "0", "dip"),
@@ -82,7 +84,7 @@ def test_units_start_at_boot_and_are_sound(from_clone):
 
 def test_manual_pages_and_completion_are_found(from_clone):
     for page in ("norvixctl", "norvix-daemon", "norvix-hald", "norvix-daemon.ini",
-                 "com.norvix.Daemon"):
+                 "com.norvix.Daemon", "com.norvix.Setup1"):
         assert "NAME" in from_clone.run("man", page).output
     assert from_clone.path("/usr/share/bash-completion/completions/norvixctl").exists()
 
@@ -174,8 +176,7 @@ def earlier(packages, tmp_path):
         subprocess.run(["dpkg-deb", "-R", file, tree], check=True)
         control = tree / "DEBIAN/control"
         text = control.read_text(encoding="utf-8")
-        control.write_text(text.replace("Version: 0.1.0", "Version: 0.0.9").replace(
-            "(= 0.1.0)", "(= 0.0.9)"), encoding="utf-8")
+        control.write_text(text.replace(VERSION, "0.1.0"), encoding="utf-8")
         policy = tree / POLICY[1:]
         if policy.exists():
             policy.write_text(policy.read_text(encoding="utf-8") + "<!-- earlier -->\n",
@@ -192,6 +193,7 @@ def test_an_upgrade_keeps_account_settings_and_edited_policy(system, give, earli
         text = system.path(name).read_text(encoding="ascii")
         system.write(name, text.replace('"login" * "password"', '"me@isp" * "mine"'), 0o600)
     system.path(SETTINGS).write_text("[General]\nvpi=8\nvci=35\n", encoding="ascii")
+    system.run("chmod", "0600" if is_edited else "0660", SETTINGS)  # 0660: as it was made once
     peer = system.path("/etc/ppp/peers/norvix")
     peer.write_text(peer.read_text(encoding="ascii") + "mtu 1400\n", encoding="ascii")
     if is_edited:
@@ -200,7 +202,9 @@ def test_an_upgrade_keeps_account_settings_and_edited_policy(system, give, earli
     kept = {name: system.path(name).read_bytes() for name in (PAP, CHAP, SETTINGS,
                                                               "/etc/ppp/peers/norvix")}
     install(system, give)
-    assert "0.1.0" in system.run("dpkg-query", "-W", "norvix-daemon").output
+    assert VERSION in system.run("dpkg-query", "-W", "norvix-daemon").output
+    mode = system.files(SETTINGS)[SETTINGS][0]
+    assert mode == ("-rw-------" if is_edited else "-rw-r-----")
     assert {name: system.path(name).read_bytes() for name in kept} == kept
     text = system.path(POLICY).read_text(encoding="utf-8")
     assert ("mine" in text) == is_edited and ("earlier" in text) == is_edited

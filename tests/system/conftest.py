@@ -20,6 +20,19 @@ from lab.private_machine import PrivateMachine  # noqa: E402
 machines = pytest.StashKey()
 
 
+def pytest_addoption(parser):
+    parser.addoption("--slice", metavar="I/N",
+                     help="only every Nth test, beginning with the Ith: all N together are all tests")
+
+
+def pytest_collection_modifyitems(config, items):
+    if wanted := config.getoption("--slice"):
+        number, count = map(int, wanted.split("/"))
+        chosen = items[number - 1::count]
+        config.hook.pytest_deselected(items=[item for item in items if item not in chosen])
+        items[:] = chosen
+
+
 @pytest.fixture
 def new_machine(request):
     """Makes private machines: new_machine(real_kernel_log=..., private_folders=...). They vanish

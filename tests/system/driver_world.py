@@ -45,6 +45,11 @@ def quick(compile="@true", before="@true", after="@true"):
     return QUICK.format(release=RELEASE, compile=compile, before=before, after=after)
 
 
+def kernel_headers():
+    """The newest of Debian's kernel headers that are installed."""
+    return sorted(Path("/usr/src").glob("linux-headers-*-amd64"))[-1]
+
+
 class DriverWorld:
     def __init__(self, machine):
         self.machine = machine
@@ -68,7 +73,7 @@ class DriverWorld:
             folder.mkdir()
             (folder / "Makefile").touch()
             return
-        source = sorted(Path("/usr/src").glob("linux-headers-*-amd64"))[-1]
+        source = kernel_headers()
         folder.mkdir()
         for entry in source.iterdir():
             (folder / entry.name).symlink_to(entry)

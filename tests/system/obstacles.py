@@ -28,6 +28,14 @@ def make_read_only(machine, path):
     mount(machine, "-o", "remount,bind,ro", path)
 
 
+def fill(machine, folder, free_pages):
+    """Fills the file system at a folder but for so many pages of memory."""
+    filler = folder + "/filler"
+    machine.run(["/bin/sh", "-c", "/usr/bin/cat /dev/zero >" + filler])
+    if free_pages:
+        run(machine, "/usr/bin/truncate", "--size=-%d" % (free_pages * 4096), filler)
+
+
 def _set_flags(path, flags):
     with open(path, "rb") as file:
         fcntl.ioctl(file, FS_IOC_SETFLAGS, struct.pack("l", flags))

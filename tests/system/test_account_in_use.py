@@ -8,6 +8,7 @@ from pathlib import Path
 import pytest
 
 from account import Account, CHAP, PAP
+from norvixctl import Ctl
 from lab.private_machine import BUILD, REPOSITORY
 from obstacles import ROOT_ONLY, run
 
@@ -73,6 +74,29 @@ def test_a_changed_login_takes_effect_also_on_shipped_files(account):
 def test_values_reach_the_provider_as_they_were_set(account, login, password):
     assert account.set(login, password) == (True, [])
     assert used_by_pppd(account, "pap") == [login, password]
+
+
+@pytest.mark.parametrize("protocol", ("pap", "chap"))
+@pytest.mark.parametrize("login, password", (
+    ("user@isp", "\\1"), ("user@isp", "\\2\\12"), ("user@isp", 'a"b'), ("user@isp", '"'),
+    ("user@isp", "\\"), ("user@isp", '" * "'), ("user@isp", '\\" * \\'), ('us"er\\1', 'x\\"y'),
+    ("user@isp", "\\x22\\042\\n"), ("user@isp", "caf\u00e9\u20ac #'")))
+def test_what_the_client_stores_reaches_the_provider_as_it_was_given(account, protocol, login,
+                                                                      password):
+    """Also in place of an entry, where the daemon takes a backslash and a digit for a part of it."""
+    for path in FILE_OF.values():
+        account.write(path, b'"old" * "gone" *\n# comment\n')
+    for _ in range(2):
+        set_now = Ctl(account.machine)("account", "set", "--", login, stdin=password)
+        assert (set_now.status, set_now.stderr) == (0, "")
+    assert used_by_pppd(account, protocol, password) == [login, password]
+
+
+def test_a_password_that_begins_like_a_path_is_taken_from_a_file(account):
+    """That is why the client refuses such a one."""
+    account.machine.path("/etc/word").write_text("from-the-file\n", encoding="ascii")
+    assert account.set("user@isp", "@/etc/word") == (True, [])
+    assert used_by_pppd(account, "pap") == ["user@isp", "from-the-file"]
 
 
 @pytest.mark.parametrize("password, arrives", (("a\\_b", "a_b"), ('a"b', "ab *\n")))

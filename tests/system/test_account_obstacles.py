@@ -45,9 +45,23 @@ def make_folder(account, path):
 
 
 def make_link(account, path):
+    """A link to a file that others can write."""
     target = account.machine.path("/etc/ppp/target")
     target.write_bytes(COMMENT)
+    target.chmod(0o666)
     path.symlink_to("target" if path.parent == target.parent else "../target")
+
+
+def make_link_through_a_folder_of_all(account, path):
+    """A link to a file of root's own, by way of another link, in whose place all can put theirs."""
+    target = account.machine.path("/etc/ppp/target")
+    target.write_bytes(COMMENT)
+    target.chmod(0o600)
+    folder = account.machine.path("/opt/everybody")
+    folder.mkdir()
+    folder.chmod(0o1777)
+    (folder / "link").symlink_to("/etc/ppp/target")
+    path.symlink_to("/opt/everybody/link")
 
 
 def make_dangling_link(account, path):
@@ -67,7 +81,9 @@ def make_socket(account, path):
         listener.bind(str(path))
 
 
-KINDS = {"folder": make_folder, "link": make_link, "dangling link": make_dangling_link,
+KINDS = {"folder": make_folder, "link": make_link,
+         "link through a folder of all": make_link_through_a_folder_of_all,
+         "dangling link": make_dangling_link,
          "link to itself": make_link_to_itself, "pipe without a writer": make_pipe,
          "socket": make_socket}
 
@@ -84,7 +100,7 @@ def test_what_is_no_plain_file_is_refused_and_the_others_are_written(account, pa
     assert (after.st_ino, after.st_mode) == (before.st_ino, before.st_mode)
     account.check_written(*others(path))
     assert account.client.call("reply") is True
-    if kind == "link":
+    if kind.startswith("link") and kind != "link to itself":
         assert account.machine.path("/etc/ppp/target").read_bytes() == COMMENT
 
 
@@ -102,6 +118,21 @@ def test_the_account_is_read_through_a_link(account):
     account.machine.path("/etc/ppp/target").write_bytes(b'"a" * "b" *\n')
     place.symlink_to("target")
     assert account.get() == ["a", "b"]
+
+
+@pytest.mark.parametrize("path", (PAP, UNICORN))
+def test_a_link_to_a_file_that_is_roots_alone_is_followed_and_stays(account, path):
+    place = account.machine.path(path)
+    target = account.machine.path("/opt/secrets")
+    shutil.move(place, target)
+    target.chmod(0o600)
+    place.symlink_to("/opt/secrets")
+    before = target.stat()
+    assert account.set() == (True, [])
+    account.check_written(*FILES)
+    assert place.is_symlink()
+    after = target.stat()
+    assert (after.st_ino, after.st_mode) == (before.st_ino, before.st_mode)
 
 
 def test_a_read_only_file_system_is_reported_for_each_file(account):

@@ -3,13 +3,14 @@
 import gzip
 import lzma
 import os
+import re
 import tarfile
 import time
 
 import pytest
 
 from driver_world import (EXTRA, HALT, RELEASE, ROOT_ONLY, SPEEDTOUCH_MODEM, TREE, UEAGLE, UNICORN,
-                          UNICORN_MODEM, DriverWorld, quick)
+                          UNICORN_MODEM, DriverWorld, kernel_headers, quick)
 from lab.private_machine import PrivateMachine
 from lab.waiting import wait_until
 
@@ -62,6 +63,18 @@ def results(client):
     return [signal.args for signal in client.named("compilationFinished")]
 
 
+def by_modules_install(module):
+    """Where the installed headers' own modules_install puts a driver: Debian 12 in extra, Debian 13 in
+    updates and compressed."""
+    headers = kernel_headers()
+    common = headers.with_name(headers.name.replace("-amd64", "-common"))
+    rules = (common / "scripts/Makefile.modinst").read_text(encoding="utf-8")
+    [folder] = re.findall(r"INSTALL_MOD_DIR\s*:?\?=\s*(\w+)", rules)
+    configuration = (headers / ".config").read_text(encoding="utf-8").splitlines()
+    return "%s/%s.ko%s" % (folder, module,
+                           ".xz" if "CONFIG_MODULE_COMPRESS_XZ=y" in configuration else "")
+
+
 def succeeded(client):
     return results(client) == [(True,)]
 
@@ -100,7 +113,7 @@ def test_the_other_driver_is_built_by_its_own_targets(world):
     world.tarball(UNICORN)
     _, client = world.start(modem=UNICORN_MODEM)
     assert succeeded(client), world.build_log()
-    assert world.found_by_modprobe("unicorn_usb_eth") == "extra/unicorn_usb_eth.ko"
+    assert world.found_by_modprobe("unicorn_usb_eth") == by_modules_install("unicorn_usb_eth")
     log = world.build_log()
     assert log.index("## make clean") < log.index("## make modules\n") < log.index(
         "## make modules_install")
@@ -238,6 +251,61 @@ def test_modprobe_finds_the_new_module_wherever_the_old_one_was(world, built, ol
     _, client = world.start()
     assert succeeded(client), world.build_log()
     assert world.found_by_modprobe() == EXTRA
+
+
+# As modules_install of Debian 13 does and of Debian 12 does not; and what a driver's makefile copies.
+COMPRESSED, PLAIN = "updates/ueagle-atm.ko.xz", "extra/ueagle-atm.ko"
+IN_THE_KERNELS_PLACE = "kernel/drivers/usb/atm/ueagle-atm.ko"
+REPLACEMENTS = [(PLAIN, COMPRESSED), (COMPRESSED, PLAIN), (COMPRESSED, COMPRESSED),
+                (IN_THE_KERNELS_PLACE + ".xz", IN_THE_KERNELS_PLACE),
+                (IN_THE_KERNELS_PLACE, IN_THE_KERNELS_PLACE + ".xz")]
+
+
+def packed(module, place):
+    return lzma.compress(module) if place.endswith(".xz") else module
+
+
+def driver_that_goes_to(world, module, place, root="$(INSTALL_MOD_PATH)/lib", then="@true"):
+    """A driver whose makefile installs it there, by mkdir and cp; with then as the last step."""
+    target = "%s/modules/%s/%s" % (root, RELEASE, place)
+    makefile = "all:\n\t@true\ninstall:\n\tmkdir -p %s\n\tcp built %s\n\t%s\n" % (
+        os.path.dirname(target), target, then)
+    world.tarball(files={"Makefile": makefile, "built": packed(module, place)})
+
+
+@pytest.mark.parametrize("former, new", REPLACEMENTS)
+def test_a_module_replaces_one_of_another_compression(world, built, old, former, new):
+    world.install_module(former, packed(old, former))
+    world.machine.standin("modprobe").set(exit=1)
+    driver_that_goes_to(world, built, new)
+    _, client = world.start()
+    assert succeeded(client), world.build_log()
+    assert world.found_by_modprobe() == new
+    assert world.modules()[new][3] == packed(built, new)
+
+
+@pytest.mark.parametrize("former, new", REPLACEMENTS)
+def test_a_module_comes_back_when_one_of_another_compression_fails(world, built, old, former, new):
+    world.install_module(former, packed(old, former), 0o640, (3, 4))
+    before = world.modules()
+    world.machine.standin("modprobe").set(exit=1)
+    # Hidden from the adapting, it takes the old one away and writes to the module folder itself.
+    driver_that_goes_to(world, built, new, root="/lib/.",
+                        then=("rm /lib/./modules/%s/%s; " % (RELEASE, former) if new != former else "")
+                        + "/usr/sbin/depmod -a; exit 3")
+    _, client = world.start()
+    assert results(client) == [(False,)], world.build_log()
+    assert world.modules() == before
+    assert world.found_by_modprobe() == former
+
+
+@pytest.mark.parametrize("root", ["$(INSTALL_MOD_PATH)/usr/lib", "/usr/lib"])
+def test_a_driver_that_goes_to_the_module_folders_real_place_is_installed(world, built, root):
+    driver_that_goes_to(world, built, COMPRESSED, root=root)
+    _, client = world.start()
+    assert succeeded(client), world.build_log()
+    assert world.found_by_modprobe() == COMPRESSED
+    assert "## installed %s/%s\n" % (TREE, COMPRESSED) in world.build_log()
 
 
 # ---- what a build needs

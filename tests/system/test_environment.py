@@ -98,3 +98,19 @@ def test_a_build_tree_that_belongs_to_somebody_else_is_not_built_in(clone):
             parent.chmod(0o755)
     asked = subprocess.run(words, cwd=clone, env=USUAL, stdout=subprocess.PIPE, text=True, check=False)
     assert asked.stdout == "no\n"
+
+
+@pytest.mark.skipif(os.geteuid() != 0, reason="only root can change the root")
+def test_where_no_namespaces_can_be_made_one_line_says_so(tmp_path):
+    # A root that is no mount point: the kernel makes no mount namespace private there.
+    script = "mkdir -p $1/usr && mount --bind /usr $1/usr && mkdir $1/tmp $1/var $1/repository"
+    script += " && for name in bin sbin lib lib64; do ln -s usr/$name $1/$name; done"
+    script += " && mkdir $1/proc $1/dev && mount --bind /dev $1/dev && mount -t proc proc $1/proc"
+    script += " && mount --bind $PWD $1/repository"
+    script += " && chroot $1 sh -c 'cd /repository; . lab/environment.sh; need_namespaces'"
+    result = subprocess.run(["unshare", "--mount", "/bin/sh", "-ec", script, "sh", str(tmp_path)],
+                            cwd=REPOSITORY, env={**USUAL, "PATH": "/usr/sbin:/usr/bin:/sbin:/bin"},
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    assert result.returncode == 1
+    assert result.stdout.startswith("No private machine can be made here (unshare: ")
+    assert len(result.stdout.splitlines()) == 1

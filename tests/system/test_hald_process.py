@@ -204,6 +204,15 @@ def test_an_argument_it_does_not_know_is_named(place, argument):
     assert '"%s"' % argument in result.stderr
 
 
+def test_what_is_shown_steers_no_terminal(machine):
+    usb = SimulatedUsb(machine)
+    usb.plug("1-1", 0x1110, 0x9041, attributes={"product": "a\x1b[2J\u009b\u202ez"})
+    result = machine.run([hal_companion.PROGRAM, "--list"], env=usb.environment)
+    assert "\ta?[2J??z\n" in result.stdout
+    result = machine.run([hal_companion.PROGRAM, "--a\x1b[2J\u202ez"])
+    assert '"--a?[2J?z"' in result.stderr
+
+
 def test_list_prints_what_it_sees_and_ends_without_a_bus(machine):
     usb = SimulatedUsb(machine)
     path = usb.plug("1-1", 0x1110, 0x9041)

@@ -130,7 +130,7 @@ def test_connecting_needs_a_daemon(bus_machine):
 def test_connecting_is_for_the_group_only(machine_up):
     machine_up.pppd.script(link_up(device="8.35") + [stay()])
     refused = Ctl(machine_up, uid=1000)("connect")
-    assert (refused.status, "adduser" in refused.stderr) == (NOT_PERMITTED, True)
+    assert (refused.status, "usermod -a -G" in " ".join(refused.stderr.split())) == (NOT_PERMITTED, True)
     assert Ctl(machine_up, uid=1000, groups=[64999])("connect", "--wait").status == OK
 
 
@@ -141,6 +141,40 @@ def test_disconnecting_ends_the_connection(machine_up):
     result = Ctl(machine_up)("disconnect")
     assert (result.status, result.stdout, result.stderr) == (OK, "Disconnected.\n", "")
     wait_until(lambda: not machine_up.processes("pppd"), what="pppd is gone")
+
+
+def test_an_attempt_that_waits_for_the_line_is_ended_for_good(machine_up):
+    """The daemon goes on with it until the line is there, and starts pppd only then."""
+    machine_up.kernel_log.append("ATM dev 0: ADSL line: training")
+    machine_up.pppd.script(link_up(device="8.35") + [stay()])
+    assert Ctl(machine_up)("connect").status == OK
+    client = machine_up.client()
+    ending = Ctl(machine_up).start("disconnect")
+    wait_until(lambda: "is still being made" in words(ending.errors()), what="it says that it waits")
+    assert "Disconnected." not in ending.output()
+    machine_up.kernel_log.line_up()
+    assert ending.wait() == OK
+    assert ending.output() == "Disconnected.\n"
+    assert client.call("getConnectionState") == 2
+    assert len(machine_up.calls("pppd")) == 1 and not machine_up.processes("pppd")
+
+
+def test_an_attempt_that_gives_up_by_itself_is_disconnected_too(machine_up):
+    machine_up.pppd.script([wait_for("never")])
+    assert Ctl(machine_up)("connect").status == OK
+    machine_up.wait_call("pppd")
+    assert Ctl(machine_up)("disconnect").stdout == "Disconnected.\n"
+    assert machine_up.client().call("getConnectionState") == 2
+
+
+def test_a_daemon_that_ends_while_the_attempt_is_being_ended_is_reported(machine_up):
+    machine_up.kernel_log.append("ATM dev 0: ADSL line: training")
+    assert Ctl(machine_up)("connect").status == OK
+    ending = Ctl(machine_up).start("disconnect")
+    wait_until(lambda: "is still being made" in words(ending.errors()), what="it says that it waits")
+    machine_up.daemons[0].stop()
+    assert ending.wait() == OK
+    assert ending.output() == "Disconnected.\n"
 
 
 def test_another_pppd_is_warned_of_and_spared_unless_forced(machine_up):

@@ -77,6 +77,15 @@ def test_the_manual_has_every_exit_status():
                       re.MULTILINE) == statuses
 
 
+@pytest.mark.parametrize("name", [*PAGES, "norvix-hald.8"])
+def test_the_pages_have_a_date(name):
+    assert re.search(r'^\.TH \S+ \d "\d{4}-\d\d-\d\d" ', page(name), re.MULTILINE)
+
+
+def test_the_manual_names_the_schema_where_it_is_installed():
+    assert "/usr/share/norvix/norvixctl.schema.json" in page("norvixctl.1")
+
+
 def test_the_bus_page_has_every_method_and_signal_in_order():
     interface = ElementTree.parse(REPOSITORY / "dbus/com.norvix.Daemon.xml").getroot()[0]
     text = page("com.norvix.Daemon.7")
@@ -125,7 +134,11 @@ def complete_in_bash(words):
 def complete_in_zsh(words):
     # compadd is the shell's own; here it says what it was given and what fits.
     script = """
-        compadd() { shift; print -l -- ${(M)@:#$words[CURRENT]*} }
+        compadd() {
+            local before=
+            [[ $1 == -P ]] && { before=$2; shift 2 }
+            shift; print -l -- ${(M)${@/#/$before}:#$words[CURRENT]*}
+        }
         program=$1; shift
         words=("$@"); CURRENT=$#
         eval "$($program completion zsh)"
@@ -151,6 +164,21 @@ def test_shells_complete_commands_options_and_values(complete, words, expected):
         assert found
     else:
         assert sorted(found) == sorted(expected)
+
+
+def test_a_value_behind_its_options_sign_is_completed():
+    """For bash the sign is a word of its own."""
+    assert complete_in_bash(["--color", "="]) == ["auto", "always", "never"]
+    assert complete_in_bash(["--color", "=", "n"]) == ["never"]
+    assert complete_in_bash(["line", "set", "--protocol", "=", "PPPoE", "--vp"]) == ["--vpi"]
+    assert complete_in_zsh(["--color="]) == ["--color=auto", "--color=always", "--color=never"]
+    assert complete_in_zsh(["--color=n"]) == ["--color=never"]
+
+
+@pytest.mark.parametrize("complete", [complete_in_bash, complete_in_zsh])
+def test_an_options_value_is_no_command(complete):
+    assert complete(["--color", "never", "sta"]) == ["status"]
+    assert complete(["connect", "-t", "5", "--wa"]) == ["--wait"]
 
 
 def test_every_command_and_option_can_be_completed():

@@ -1,13 +1,15 @@
 # SPDX-License-Identifier: MIT
 """What norvixctl prints: every reading command in every form, compared with recorded outputs."""
+import base64
 import json
 import os
 
 import jsonschema
 import pytest
-from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, SCHEMA, USAGE, Ctl,
-                       golden, without_times)
+from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, PROGRAM, SCHEMA, USAGE,
+                       Ctl, golden, without_times)
 
+from lab.modem_families import FAMILIES, identity
 from lab.waiting import wait_for_line
 from lab.scenario import link_up, stay
 
@@ -65,6 +67,16 @@ def test_every_reading_command_prints_text_lines_and_json(set_up, path):
         if form == "json":
             for line in [result.stdout] if path != "log" else result.stdout.splitlines():
                 check_schema(path, json.loads(line))
+
+
+def test_the_laboratorys_modems_are_those_that_are_supported(machine):
+    supported = {modem["name"]: modem for modem in Ctl(machine).json("modem", "known")["modems"]}
+    assert sorted(family.name for family in FAMILIES.values()) == sorted(supported)
+    for family in FAMILIES.values():
+        modem = supported[family.name]
+        products = [family.product] + [family.product_before] * bool(family.product_before)
+        assert family.driver == modem["driver"]
+        assert {identity(family.vendor, product) for product in products} <= set(modem["ids"])
 
 
 def test_doctor_prints_text_lines_and_json(set_up):
@@ -138,7 +150,7 @@ def test_anybody_may_look_at_the_status(set_up):
     assert Ctl(set_up, uid=1000)("status").status == OK
     refused = Ctl(set_up, uid=1000)("account", "show")
     assert refused.status == NOT_PERMITTED
-    assert "adduser" in refused.stderr
+    assert "usermod -a -G" in " ".join(refused.stderr.split())
 
 
 def test_the_log_is_printed_from_its_end(set_up):
@@ -154,11 +166,84 @@ def test_the_log_is_printed_from_its_end(set_up):
     assert (refused.status, "sudo" in refused.stderr) == (NOT_PERMITTED, True)
 
 
+@pytest.mark.parametrize("content", ["", "one", "one\n", "one\ntwo", "one\n\nthree\n\n",
+                                     "x" * 70000 + "\n" + "y" * 140000 + "\nz\n"])
+def test_the_last_lines_are_those_at_the_end(machine, content):
+    machine.path("/opt/norvix/daemon.log").write_text(content)
+    for count in range(5):
+        expected = content.splitlines()[-count:] if count else []
+        assert Ctl(machine)("log", "-n", str(count)).stdout.splitlines() == expected
+
+
+def peak_memory(machine, *words):
+    """In kB, of a run whose output nobody keeps."""
+    script = ("import resource, subprocess, sys; subprocess.run(sys.argv[1:], check=True, "
+              "stdout=subprocess.DEVNULL); "
+              "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
+    result = machine.run(["/usr/bin/python3", "-IBc", script, PROGRAM, *words],
+                         env=Ctl(machine).environment())
+    return int(result.stdout)
+
+
+@pytest.mark.parametrize("words", [["-n", "3"], ["-n", "100000"], []])
+def test_a_large_log_takes_no_more_memory_than_a_small_one(machine, words):
+    file = machine.path("/opt/norvix/daemon.log")
+    file.write_bytes(b"01-01-2026 00:00:00 a line\n")
+    small = peak_memory(machine, "log", *words)
+    file.write_bytes(b"x" * 2000000 + b"\n" + b"01-01-2026 00:00:00 a line\n" * 200000
+                     + b"y" * 15000000)
+    assert peak_memory(machine, "log", *words) < small + 20000
+
+
+@pytest.mark.parametrize("words", ["status", "status --json", "--help", "--version", "help status",
+                                   "completion bash", "line providers --terse", "log"])
+@pytest.mark.parametrize("where", [">/dev/full", ">&-"])
+def test_output_that_can_not_be_written_is_a_failure(set_up, words, where):
+    result = set_up.run(["/bin/sh", "-c", "exec %s %s %s" % (PROGRAM, words, where)],
+                        env=Ctl(set_up).environment())
+    assert (result.status, result.stdout) == (FAILED, "")
+    assert len(result.stderr.splitlines()) == 1 and "can not be written" in result.stderr
+
+
+def test_without_standard_streams_the_bus_gets_only_its_own_messages(set_up):
+    result = set_up.run(["/bin/sh", "-c", "exec %s idle 7 <&- >&- 2>&-" % PROGRAM],
+                        env=Ctl(set_up).environment())
+    assert result.status == FAILED
+    assert set_up.client().call("getIdlenessTime") == 7
+
+
 def test_control_characters_of_the_log_do_not_reach_the_terminal(machine):
     machine.path("/opt/norvix/daemon.log").write_bytes(b"01-01-2026 00:00:00 a\x1b[2Jb\xff\n")
     assert "\x1b" not in Ctl(machine)("log").stdout
     text = json.loads(Ctl(machine)("log", "--json").stdout)["text"]
     assert text.startswith("a\x1b[2Jb")
+
+
+STEERING = "\x1b[2J\x7f\x85\x9b\u061c\u200e\u202e\u2066\u2028"
+
+
+@pytest.mark.parametrize("form", FORMS.values(), ids=FORMS)
+def test_nothing_that_others_wrote_steers_the_terminal(machine, form):
+    machine.settings(service="home")
+    settings = machine.path("/opt/norvix/.daemon_ng.ini")
+    escaped = "".join(sign if sign in "[2J" else "\\x%x" % ord(sign) for sign in STEERING)
+    settings.write_text(settings.read_text().replace("home", '"a%sz"' % escaped))
+    machine.path("/opt/norvix/daemon.log").write_text("01-01-2026 00:00:00 a%sz\n" % STEERING)
+    for command in ("line", "log", "doctor"):
+        result = Ctl(machine)(command, *form)
+        shown_now = result.stdout + result.stderr
+        assert "a" in shown_now
+        assert not set(STEERING) - set("[2J") & set(shown_now), (command, ascii(shown_now))
+    if "--json" in form:
+        assert Ctl(machine).json("line")["service"] == "a%sz" % STEERING
+
+
+def test_nothing_on_the_command_line_steers_the_terminal(machine):
+    for words in (["a%sz" % STEERING], ["status", "--a%sz" % STEERING], ["help", "a%sz" % STEERING],
+                  ["status", "a%sz" % STEERING], ["--color=a%sz" % STEERING, "status"]):
+        result = Ctl(machine)(*words)
+        assert result.status == USAGE
+        assert not set(STEERING) - set("[2J") & set(result.stdout + result.stderr), result
 
 
 def test_todays_facts_are_printed(machine):
@@ -195,6 +280,34 @@ def test_it_speaks_german_and_machines_get_the_same_words(set_up):
         GOLDEN / "status.terse.txt").read_text(encoding="utf-8")
 
 
+@pytest.mark.parametrize("env, is_german", [
+    ({"LANGUAGE": "de", "LC_ALL": "C"}, False), ({"LANGUAGE": "de", "LC_ALL": "POSIX"}, False),
+    ({"LANGUAGE": "de", "LC_ALL": "C.UTF-8"}, False), ({"LANGUAGE": "de", "LANG": ""}, False),
+    ({"LANG": "de_DE.UTF-8"}, True), ({"LANGUAGE": "de", "LANG": "en_GB.UTF-8"}, True),
+    ({"LANG": "de_DE.UTF-8", "LC_MESSAGES": "C"}, False)])
+def test_the_locale_c_is_english_whatever_the_language_says(machine, env, is_german):
+    assert Ctl(machine)("--help", env=env).stdout.startswith("Aufruf" if is_german else "Usage")
+
+
+def test_text_is_in_the_character_set_of_the_locale(set_up):
+    env = {"LANG": "de_DE.ISO-8859-1", "LC_ALL": "", "LANGUAGE": ""}
+    for name in ("norvix", "norvix_unicorn"):
+        set_up.path("/etc/ppp/peers/" + name).write_text("noauth\n", encoding="ascii")
+    script = '"$@" | base64 -w0'
+
+    def run(*words, stdin=b""):
+        feed = base64.b64encode(stdin).decode()
+        result = set_up.run(["/bin/sh", "-c", "echo %s | base64 -d | %s" % (feed, script), "sh",
+                             PROGRAM, *words], env=Ctl(set_up).environment(**env))
+        return base64.b64decode(result.stdout)
+    assert "für".encode("latin-1") in run("--help") and b"\xc3" not in run("--help")
+    run("account", "set", "me", stdin="gr\u00fcn".encode("latin-1"))
+    assert Ctl(set_up).json("account", "show", "--reveal")["password"] == "gr\u00fcn"
+    assert run("account", "show", "--reveal", "--terse").endswith(b"gr\xfcn\n")
+    revealed = run("account", "show", "--reveal", "--json")
+    assert revealed.isascii() and json.loads(revealed)["password"] == "gr\u00fcn"
+
+
 def test_marks_are_plain_where_the_locale_is_not_utf8(machine):
     text = Ctl(machine)("frob", env={"LANG": "C"}).stderr
     assert text.isascii() and '"frob"' in text
@@ -207,11 +320,19 @@ def test_marks_are_plain_where_the_locale_is_not_utf8(machine):
     (["watch", "--count", "x"], USAGE), (["log", "-n", "x"], USAGE), (["help", "frob"], USAGE),
     (["help", "line"], OK), (["help", "line", "set"], OK), (["completion", "fish"], USAGE),
     (["completion"], USAGE), (["line", "frob"], USAGE), (["--color=red", "status"], USAGE),
+    (["--", "dns"], OK), (["--", "line", "show"], OK), (["--"], USAGE), (["--", "dns", "-h"], USAGE),
 ])
 def test_usage(machine, words, status):
     result = Ctl(machine)(*words)
     assert result.status == status, result
     assert bool(result.stderr) == (status != OK)
+
+
+@pytest.mark.parametrize("group", ["account", "line", "modem", "driver"])
+def test_a_groups_help_names_all_of_its_commands(machine, group):
+    told = Ctl(machine)(group, "--help").stdout
+    for command in Ctl(machine).json("help")["commands"]:
+        assert ("  %s" % command["command"] in told) == command["command"].startswith(group + " ")
 
 
 def test_every_command_explains_itself(machine):

@@ -46,8 +46,12 @@ def exposure():
 def test_the_unit_exposes_less_than_its_like():
     [level] = re.findall(r"Overall exposure level for norvix-daemon.service: ([0-9.]+)", exposure())
     assert float(level) <= 6.5
-    assert "gives %s " % level in (PACKAGING / "norvix-daemon.service.md").read_text(
-        encoding="utf-8")
+    # Each systemd has its own idea of what counts how much.
+    told = dict((version, value) for value, version in re.findall(
+        r"([0-9.]+) with systemd (\d+)",
+        (PACKAGING / "norvix-daemon.service.md").read_text(encoding="utf-8")))
+    [version] = re.findall(r"^systemd (\d+)", run("systemd-analyze", "--version").stdout)
+    assert {"252", "257"} <= set(told) and told.get(version, level) == level
 
 
 def test_each_protection_that_is_off_has_its_reason():
@@ -109,7 +113,7 @@ def test_group_and_folders_are_made(tmp_path):
             for name, facts in made.items()} == {
         "opt/norvix": ("0o2755", 0, group[0]), "opt/norvix/drivers": ("0o755", 0, "0"),
         "var/log/norvix": ("0o2750", 0, group[0]),
-        "opt/norvix/.daemon_ng.ini": ("0o660", 0, group[0]),
+        "opt/norvix/.daemon_ng.ini": ("0o640", 0, group[0]),
         "run/lock/norvixdaemon": ("0o600", 0, "0")}
 
 
@@ -118,18 +122,18 @@ def test_an_administrators_mode_of_the_settings_stays(tmp_path):
     file = tmp_path / "opt/norvix/.daemon_ng.ini"
     file.parent.mkdir(parents=True)
     file.write_text("[General]\nvpi=8\n")
-    file.chmod(0o640)
+    file.chmod(0o600)
     (tmp_path / "etc").mkdir()
     for tool, name in (("systemd-sysusers", "sysusers"), ("systemd-tmpfiles", "tmpfiles")):
         create = ["--create"] if name == "tmpfiles" else []
         run(tool, *create, "--root=%s" % tmp_path, str(PACKAGING / ("norvix-daemon." + name)))
-    assert file.stat().st_mode & 0o777 == 0o640 and file.read_text() == "[General]\nvpi=8\n"
+    assert file.stat().st_mode & 0o777 == 0o600 and file.read_text() == "[General]\nvpi=8\n"
 
 
 def test_the_packages_version_is_the_projects():
     [project] = re.findall(r"project\(norvix VERSION ([0-9.]+)",
                            (REPOSITORY / "CMakeLists.txt").read_text())
-    [package] = re.findall(r"^norvix \(([^)]+)\)", (REPOSITORY / "debian/changelog").read_text())
+    [package, *_] = re.findall(r"^norvix \(([^)]+)\)", (REPOSITORY / "debian/changelog").read_text())
     assert package == project
 
 

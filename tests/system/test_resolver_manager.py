@@ -4,6 +4,7 @@ beside the C library's, and that being killed leaves the old file or the new one
 import ipaddress
 import random
 import shutil
+import time
 
 import pytest
 
@@ -46,6 +47,16 @@ def test_an_empty_list_or_an_invalid_address_touches_nothing(machine, probe, ser
     assert (after.st_ino, after.st_mtime_ns, after.st_ctime_ns) == (
         before.st_ino, before.st_mtime_ns, before.st_ctime_ns)
     assert text_inside(machine) == content
+
+
+def test_a_file_of_a_hundred_megabytes_is_judged_at_once_and_left_alone(machine, probe):
+    content = b"#\n" * 50000000 + b"nameserver 192.0.2.1\n"
+    machine.path(RESOLV).write_bytes(content)
+    begun = time.monotonic()
+    assert not probe("check")
+    assert not probe("set", *SERVERS)
+    assert time.monotonic() - begun < 10
+    assert machine.path(RESOLV).stat().st_size == len(content)
 
 
 def test_a_full_disk_leaves_the_old_file(machine, probe):

@@ -134,3 +134,35 @@ def test_a_damaged_file_stops_nobody(bus_machine, content):
     client.call("getVPI")
     client.call("setIdlenessTime", 1)
     assert client.call("getIdlenessTime") == 1
+
+
+HUGE_LIST = b"@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"
+NESTED_LISTS = b"@Variant(" + b"\\0\\0\\0\\t\\0\\0\\0\\x1" * 300000 + b")"
+
+
+def test_a_value_that_is_no_plain_one_is_not_decoded_and_not_lost(bus_machine):
+    line = b"modem=" + HUGE_LIST + b"\n"
+    bus_machine.path(INI).write_bytes(b"[General]\n" + line + b"vpi=8\n")
+    bus_machine.start_daemon()
+    client = bus_machine.client()
+    assert client.call("getVPI") == "8"
+    client.call("setIdlenessTime", 3)
+    wait_for_line(bus_machine.path(INI), "^idleness=3$")
+    assert line in bus_machine.path(INI).read_bytes()
+
+
+@pytest.mark.parametrize("value", [NESTED_LISTS, b"8\n" + b"".join(
+    b"k%d=\n" % number for number in range(2000000))], ids=["nested lists", "many keys"])
+def test_a_file_too_large_for_settings_is_set_aside_and_that_is_said(bus_machine, value):
+    content = b"[General]\nvpi=" + value + b"\n"
+    bus_machine.path(INI).write_bytes(content)
+    begun = time.monotonic()
+    bus_machine.start_daemon()
+    client = bus_machine.client()
+    assert client.call("getVPI") == "error"
+    assert time.monotonic() - begun < 20
+    client.call("setIdlenessTime", 3)
+    wait_for_line(bus_machine.path(INI), "^idleness=3$")
+    assert bus_machine.path(INI + ".set-aside").read_bytes() == content
+    assert "Settings: %s is no settings file, and has been set aside as %s.set-aside\n" % (
+        INI, INI) in bus_machine.daemon_log()

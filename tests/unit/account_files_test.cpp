@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The texts of pppd's secrets and peer files: what is edited, and what stays.
 #include "network/account_files.h"
+#include "test_data.h"
 
 #include <QFile>
 #include <QRegExp>
@@ -13,7 +14,7 @@ const QByteArray comment = "# client\tserver\tsecret\n";
 
 QByteArray shippedFile(const char *name)
 {
-    QFile file(QStringLiteral(NORVIX_TEST_DATA "/ppp/") + QLatin1String(name));
+    QFile file(testDataFolder() + QStringLiteral("/ppp/") + QLatin1String(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -35,14 +36,14 @@ QString letters(int count)
 std::optional<Account> plainlyRead(const QByteArray &content)
 {
     QRegExp pattern(QStringLiteral("\"(.{1,50})\"\\s+\\*\\s+\"(.{1,50})\"\\s+\\*"));
+    pattern.setMinimal(true);
     QBuffer buffer;
     buffer.setData(content);
     buffer.open(QIODevice::ReadOnly);
     char piece[100];
     while (buffer.readLine(piece, sizeof piece) > 0) {
-        if (pattern.indexIn(QString::fromLatin1(piece)) >= 0) {
-            return Account{QString::fromUtf8(pattern.cap(1).toLatin1()),
-                QString::fromUtf8(pattern.cap(2).toLatin1())};
+        if (pattern.indexIn(QString::fromLocal8Bit(piece)) >= 0) {
+            return Account{pattern.cap(1), pattern.cap(2)};
         }
     }
     return std::nullopt;
@@ -64,6 +65,7 @@ private slots:
     void shippedFilesGetAFurtherEntryAtEveryChange_data();
     void shippedFilesGetAFurtherEntryAtEveryChange();
     void everyOtherByteComesBackUnchanged();
+    void aSecondChangeReplacesALoginOfManyBytes();
     void whatIsWrittenIsRead_data();
     void whatIsWrittenIsRead();
     void filterBeforeThePatternChangesNoAnswer();
@@ -108,17 +110,30 @@ void TestAccountFiles::secretsEntryIsReplacedOrAppended_data()
     row("an entry without quotes is none", "a * b *\n", "a * b *\n" + entry + "\n");
     row("an entry with an empty password is none", "\"a\" * \"\" *\n",
         "\"a\" * \"\" *\n" + entry + "\n");
-    row("a login of 50 bytes is found", "\"" + QByteArray(50, 'l') + "\" * \"b\" *" + tail,
+    row("a login of 50 characters is found", "\"" + QByteArray(50, 'l') + "\" * \"b\" *" + tail,
         entry + tail);
-    row("a login of 51 bytes is not found", "\"" + QByteArray(51, 'l') + "\" * \"b\" *\n",
+    row("a login of 51 characters is not found", "\"" + QByteArray(51, 'l') + "\" * \"b\" *\n",
         "\"" + QByteArray(51, 'l') + "\" * \"b\" *\n" + entry + "\n");
-    row("the greedy dot takes a short neighbour with the entry",
-        "\"a\" * \"b\" *\n\"c\" * \"d\" *\n# rest\n", entry + "\n# rest\n");
-    row("the greedy dot takes an entry for one server with the next entry",
-        "\"a\" isp \"b\" *\n\"c\" * \"d\" *\n# rest\n", entry + "\n# rest\n");
-    row("a neighbour that is too long for the pattern stays",
-        old + "\n\"other-login@provider\" * \"other-password\" *\n",
+    row("a login of 50 characters of two bytes is found",
+        "\"" + QByteArray("\xc3\xa4").repeated(50) + "\" * \"b\" *" + tail, entry + tail);
+    row("a login of 51 characters of two bytes is not found",
+        "\"" + QByteArray("\xc3\xa4").repeated(51) + "\" * \"b\" *\n",
+        "\"" + QByteArray("\xc3\xa4").repeated(51) + "\" * \"b\" *\n" + entry + "\n");
+    row("the neighbours of the entry stay, however short",
+        "\"a\" * \"b\" *\n\"c\" * \"d\" *\n\"e\" * \"f\" *\n",
+        entry + "\n\"c\" * \"d\" *\n\"e\" * \"f\" *\n");
+    row("a neighbour on the entry's own line stays", "\"a\" * \"b\" * \"c\" * \"d\" *\n",
+        entry + " \"c\" * \"d\" *\n");
+    row("a long neighbour stays", old + "\n\"other-login@provider\" * \"other-password\" *\n",
         entry + "\n\"other-login@provider\" * \"other-password\" *\n");
+    row("an entry with an empty login takes its neighbour's login with it",
+        "\"\" * \"b\" *\n\"c\" * \"d\" *\n", entry + " \"d\" *\n");
+    row("an entry with an empty password takes its neighbour's login with it",
+        "\"a\" * \"\" *\n\"c\" * \"d\" *\n", entry + " \"d\" *\n");
+    row("an entry for one server takes its neighbour's login with it",
+        "\"a\" isp \"b\" *\n\"c\" * \"d\" *\n", entry + " \"d\" *\n");
+    row("an entry with an empty value that comes later takes nothing",
+        old + "\n\"a\" * \"\" *\n\"c\" * \"d\" *\n", entry + "\n\"a\" * \"\" *\n\"c\" * \"d\" *\n");
     row("the text ends at the first NUL byte", comment + QByteArray("a\0lost\n", 7),
         comment + "a" + entry + "\n");
     row("a file that begins with a NUL byte is an empty text", QByteArray("\0abc", 4),
@@ -182,15 +197,22 @@ void TestAccountFiles::loginLinesAreReplacedOrAppended_data()
         options + "user \"x\"" + options);
     row("two lines far apart are both replaced", "user \"a\"" + options + "user \"b\"" + options,
         "user \"x\"" + options + "user \"x\"" + options);
-    row("the greedy dot makes one of two lines close together", "user \"a\"\nuser \"b\"\nnoauth\n",
-        "user \"x\"\nnoauth\n");
+    row("two lines one after the other are both replaced", "user \"a\"\nuser \"b\"\nnoauth\n",
+        "user \"x\"\nuser \"x\"\nnoauth\n");
+    row("a quoted option after the line stays", "user \"a\"\nconnect \"chat -v\"\nnoauth\n",
+        "user \"x\"\nconnect \"chat -v\"\nnoauth\n");
+    row("an empty login takes what follows up to the next quote with it",
+        "user \"\"\nconnect \"chat -v\"\n", "user \"x\"chat -v\"\n");
+    row("an empty login with no quote after it is no login line", "user \"\"\nnoauth\n",
+        "user \"\"\nnoauth\nuser \"x\"\n");
     row("a commented line is replaced too", "# user \"a\"" + options, "# user \"x\"" + options);
     row("a line without quotes is none", "user a\n", "user a\nuser \"x\"\n");
     row("a line with two blanks is none", "user  \"a\"\n", "user  \"a\"\nuser \"x\"\n");
     row("a longer word that ends in user counts", "pluginuser \"a\"" + options,
         "pluginuser \"x\"" + options);
-    row("a login of 50 bytes is found", "user \"" + QByteArray(50, 'l') + "\"\n", "user \"x\"\n");
-    row("a login of 51 bytes is not found", "user \"" + QByteArray(51, 'l') + "\"\n",
+    row("a login of 50 characters is found", "user \"" + QByteArray(50, 'l') + "\"\n",
+        "user \"x\"\n");
+    row("a login of 51 characters is not found", "user \"" + QByteArray(51, 'l') + "\"\n",
         "user \"" + QByteArray(51, 'l') + "\"\nuser \"x\"\n");
     row("the text ends at the first NUL byte", QByteArray("noauth\n\0user \"a\"\n", 17),
         "noauth\nuser \"x\"\n");
@@ -234,11 +256,16 @@ void TestAccountFiles::accountIsRead_data()
     row("an entry without a line feed", "\"a\" * \"b\" *", ab);
     row("an entry in the middle of a line", "x \"a\"\t*\t\"b\"  * 10.0.0.1\n", ab);
     row("a commented entry counts", "# \"a\" * \"b\" *\n", ab);
-    row("two entries on one line make one long login", "\"a\" * \"b\" * \"c\" * \"d\" *\n",
-        {QStringLiteral("a\" * \"b\" * \"c"), QStringLiteral("d")});
+    row("the first of two entries on one line", "\"a\" * \"b\" * \"c\" * \"d\" *\n", ab);
+    row("an entry with an empty login makes one with its neighbour on the line",
+        "\"\" * \"b\" * \"c\" * \"d\" *\n", {QStringLiteral("\" * \"b"), QStringLiteral("c")});
+    row("an entry with an empty login leaves the next line alone",
+        "\"\" * \"b\" *\n\"c\" * \"d\" *\n", {QStringLiteral("c"), QStringLiteral("d")});
     row("an entry over two lines is none", "\"a\" *\n\"b\" *\n");
-    row("a login of 51 bytes is not recognised", "\"" + QByteArray(51, 'l') + "\" * \"b\" *\n");
-    row("a password of 51 bytes is not recognised", "\"a\" * \"" + QByteArray(51, 'p') + "\" *\n");
+    row("a login of 51 characters is not recognised",
+        "\"" + QByteArray(51, 'l') + "\" * \"b\" *\n");
+    row("a password of 51 characters is not recognised",
+        "\"a\" * \"" + QByteArray(51, 'p') + "\" *\n");
     row("an entry for one server is none", "\"a\" isp \"b\" *\n");
     row("a NUL byte ends its piece, not the file",
         QByteArray("\"a\" \0* \"b\" *\n", 13) + "\"c\" * \"d\" *\n",
@@ -298,6 +325,17 @@ void TestAccountFiles::everyOtherByteComesBackUnchanged()
         foreign + "user \"x\"" + foreign);
 }
 
+void TestAccountFiles::aSecondChangeReplacesALoginOfManyBytes()
+{
+    const QString login(26, QChar(0xe4));
+    const QByteArray foreign = "# caf\xe9 \xc3\xa4 \xed\xb2\x80 \xf0\x9f\x94\x91 \xc3\n";
+    const QByteArray once = withSecretsEntry(QByteArray(), login, QStringLiteral("first"));
+    QCOMPARE(withSecretsEntry(once + foreign, login, QStringLiteral("second")),
+        QByteArray(once).replace("first", "second") + foreign);
+    const QByteArray peer = withLoginLine(QByteArray(), login);
+    QCOMPARE(withLoginLine(foreign + peer, QStringLiteral("x")), foreign + "user \"x\"\n");
+}
+
 void TestAccountFiles::whatIsWrittenIsRead_data()
 {
     QTest::addColumn<QString>("login");
@@ -318,7 +356,9 @@ void TestAccountFiles::whatIsWrittenIsRead_data()
     row("line feed", QStringLiteral("a\nb"), QStringLiteral("c"), false);
     row("nothing", QString(), QString(), false);
     row("25 characters of two bytes", QString(25, QChar(0xe9)), QString(10, QChar(0xe9)), true);
-    row("26 characters of two bytes", QString(26, QChar(0xe9)), QStringLiteral("p"), false);
+    row("26 characters of two bytes", QString(26, QChar(0xe4)), QStringLiteral("p"), true);
+    row("characters beyond 16 bits", QString::fromUcs4(U"\U0001f511", 1), QStringLiteral("p"),
+        true);
 }
 
 void TestAccountFiles::whatIsWrittenIsRead()

@@ -3,8 +3,12 @@
 #include "client/account_rules.h"
 #include "client/ppp_files.h"
 #include "client/pppd_explain.h"
+#include "client/pppd_words.h"
+#include "network/account_files.h"
 #include "test_data.h"
 
+#include <QRandomGenerator>
+#include <QRegExp>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -12,6 +16,49 @@ namespace {
 
 const char *const goodPeer
     = "plugin pppoe.so\nnic-nas0\nuser \"me@isp\"\nnoauth\nupdetach\nnoipv6\n";
+
+} // namespace
+
+namespace {
+
+QRegExp minimal(const char *pattern)
+{
+    QRegExp expression(QString::fromLatin1(pattern));
+    expression.setMinimal(true);
+    return expression;
+}
+
+/// The files before and after the daemon has replaced the account in them, and what is read then.
+void checkStored(const QString &login, const QString &password)
+{
+    const QString user = encodedLogin(login);
+    const QString secret = encodedPassword(password);
+    const QString entry = QStringLiteral("\"%1\" * \"%2\" *");
+    const QString others = QStringLiteral("\n\"x\" * \"y\" *\n# \"z\" * \"1\" *\n");
+    const QRegExp first = minimal("^\"(.{1,50})\"\\s+\\*\\s+\"(.{1,50})\"\\s+\\*");
+    QString secrets = entry.arg(QStringLiteral("old"), QStringLiteral("gone")) + others;
+    for (int time = 0; time < 2; ++time) { // the second time in place of itself
+        secrets.replace(first, entry.arg(user, secret));
+        QCOMPARE(secrets, entry.arg(user, secret) + others);
+    }
+    QRegExp reading = minimal("\"(.{1,50})\"\\s+\\*\\s+\"(.{1,50})\"\\s+\\*");
+    QCOMPARE(reading.indexIn(secrets), 0);
+    QCOMPARE(decodedWord(reading.cap(1)), login);
+    QCOMPARE(decodedWord(reading.cap(2)), password);
+
+    QString peer = QStringLiteral("noauth\nuser \"old\"\nupdetach\n");
+    for (int time = 0; time < 2; ++time) {
+        peer.replace(minimal("user \".{1,50}\""), QStringLiteral("user \"%1\"").arg(user));
+        QCOMPARE(peer, QStringLiteral("noauth\nuser \"%1\"\nupdetach\n").arg(user));
+    }
+    QCOMPARE(peerLogin(peer.toUtf8()), QString::fromLatin1(user.toUtf8()));
+
+    const QByteArray written = withSecretsEntry("\"old\" * \"gone\" *\n# c\n", user, secret);
+    QVERIFY(hasEntryAtStart(written));
+    const SecretsEntry found = secretsEntries(written).constFirst();
+    QCOMPARE(decodedWord(QString::fromUtf8(found.login)), login);
+    QCOMPARE(decodedWord(QString::fromUtf8(found.password)), password);
+}
 
 } // namespace
 
@@ -38,9 +85,13 @@ private slots:
         QTest::newRow("carriage return") << "a\rb"
                                          << "line feed";
         QTest::newRow("quote") << "a\"b"
-                               << "double quote";
+                               << "";
         QTest::newRow("backslash") << "a\\1"
-                                   << "backslash";
+                                   << "";
+        QTest::newRow("forty-nine and a backslash")
+            << QString(49, QLatin1Char('x')) + QLatin1Char('\\') << "51 characters in pppd's files";
+        QTest::newRow("a surrogate without its half") << QString(QChar(0xD800)) << "not valid text";
+        QTest::newRow("beyond sixteen bits") << QStringLiteral("\U0001F511") << "";
         QTest::newRow("escape") << "a\x1b"
                                 << "control character";
         QTest::newRow("NUL") << QString(QStringLiteral("a") + QChar(0)) << "control character";
@@ -53,10 +104,80 @@ private slots:
     {
         QFETCH(QString, value);
         QFETCH(QString, objection);
-        const QString found = accountObjection(QStringLiteral("The password"), value);
-        QCOMPARE(found.isEmpty(), objection.isEmpty());
-        QVERIFY2(found.contains(objection), qPrintable(found));
-        QVERIFY(value.size() < 2 || !found.contains(value));
+        for (const QString &found : {passwordObjection(value), loginObjection(value)}) {
+            QCOMPARE(found.isEmpty(), objection.isEmpty());
+            QVERIFY2(found.contains(objection), qPrintable(found));
+            QVERIFY(value.size() < 2 || !found.contains(value));
+        }
+    }
+
+    void aPasswordThatNamesAFileIsRefused()
+    {
+        QVERIFY(passwordObjection(QStringLiteral("@/x")).contains(QLatin1String("name of a file")));
+        QVERIFY(passwordObjection(QStringLiteral("@x/")).isEmpty());
+        QVERIFY(loginObjection(QStringLiteral("@/x")).isEmpty());
+    }
+
+    void anEntryThatIsReadInPiecesIsRefused()
+    {
+        const QString fifty(50, QLatin1Char('x'));
+        QVERIFY(accountObjection(fifty, fifty.left(40)).isEmpty());
+        const QString objection = accountObjection(fifty, fifty.left(41));
+        QVERIFY2(objection.contains(QLatin1String("100 bytes")), qPrintable(objection));
+        QVERIFY(!accountObjection(fifty.left(26), QString(26, QChar(0x20AC))).isEmpty());
+    }
+
+    void pppdsWordsAreReadAsPppdReadsThem_data()
+    {
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<QString>("read"); // recorded from pppd
+        QTest::newRow("plain") << "a b#c"
+                               << "a b#c";
+        QTest::newRow("letters") << "\\a\\b\\f\\n\\r\\s\\t"
+                                 << "\a\b\f\n\r \t";
+        QTest::newRow("other signs") << "\\_\\e\\\"\\\\\\8"
+                                     << "_e\"\\8";
+        QTest::newRow("octal") << "\\1\\42z\\0421\\1341"
+                               << "\x01\"z\"1\\1";
+        QTest::newRow("hexadecimal") << "\\x5c1\\x5cg\\xag"
+                                     << "\\1\\g\ng";
+        QTest::newRow("bytes of a character") << "\\303\\244" << QStringLiteral("ä");
+        QTest::newRow("zero ends it") << "a\\0b"
+                                      << "a";
+        QTest::newRow("no digits") << "a\\xyz"
+                                   << "a";
+        QTest::newRow("too large") << "a\\400b"
+                                   << "a";
+    }
+    void pppdsWordsAreReadAsPppdReadsThem()
+    {
+        QFETCH(QString, word);
+        QTEST(decodedWord(word), "read");
+    }
+
+    void whatWasSetIsWhatTheProviderSees()
+    {
+        QRandomGenerator random(20261121);
+        const QString alphabet = QStringLiteral("\"\"\"\\\\\\  **0129xasn@#é²٣\u00a0\u2003");
+        const auto text = [&](int most) {
+            QString value;
+            for (int left = random.bounded(1, most + 1); left > 0; --left) {
+                value += alphabet.at(random.bounded(alphabet.size()));
+            }
+            return value;
+        };
+        int stored = 0;
+        for (int round = 0; round < 4000; ++round) {
+            const QString login = text(20);
+            const QString password = text(20);
+            if (!loginObjection(login).isEmpty() || !passwordObjection(password).isEmpty()
+                || !accountObjection(login, password).isEmpty()) {
+                continue;
+            }
+            ++stored;
+            checkStored(login, password);
+        }
+        QVERIFY2(stored > 3000, qPrintable(QString::number(stored)));
     }
 
     void onlyTheVeryBeginningCounts()

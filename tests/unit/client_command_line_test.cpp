@@ -35,6 +35,9 @@ private slots:
         QTest::newRow("an argument that looks like an option")
             << "account set -- -user"
             << "account set" << QStringList{} << QStringList{"-user"};
+        QTest::newRow("the options end before the command")
+            << "--terse -- line show"
+            << "line show" << QStringList{"terse="} << QStringList{};
     }
     void wordsAreUnderstood()
     {

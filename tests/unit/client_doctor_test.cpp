@@ -7,7 +7,7 @@
 
 namespace {
 
-FileFacts file(const char *path, const QByteArray &content, unsigned mode = 0600)
+SeenFile file(const char *path, const QByteArray &content, unsigned mode = 0600)
 {
     return {QString::fromLatin1(path), true, mode, 0, content};
 }
@@ -29,7 +29,7 @@ Facts soundFacts()
     facts.protocol = QStringLiteral("PPPoE");
     facts.vpi = QStringLiteral("8");
     facts.vci = QStringLiteral("35");
-    facts.hasPppd = facts.hasPppDevice = facts.hasBridgeTool = true;
+    facts.hasPppd = facts.hasPppDevice = facts.hasBridgeTool = facts.hasShippedPeers = true;
     facts.bridgeTool = QStringLiteral("/opt/norvix/bin/br2684ctl_amd64");
     facts.peer = file("/etc/ppp/peers/norvix",
         "plugin pppoe.so\nnic-nas0\nuser \"me\"\nnoauth\nupdetach\nnoipv6\n", 0640);
@@ -120,14 +120,14 @@ private slots:
                 f.isUserAllowed = Answer::No;
                 f.hasGroup = f.isMember = false;
             },
-            "fault", "addgroup");
+            "fault", "groupadd");
         row(
             "not in the group", "permission",
             [](Facts &f) {
                 f.isUserAllowed = Answer::No;
                 f.isMember = false;
             },
-            "fault", "adduser");
+            "fault", "usermod -a -G");
         row(
             "a session from before", "permission", [](Facts &f) { f.isUserAllowed = Answer::No; },
             "fault", "Log out");
@@ -238,6 +238,10 @@ private slots:
             "fault", "br2684");
         row(
             "no peer file", "peer", [](Facts &f) { f.peer.exists = false; }, "fault", "missing");
+        row(
+            "nothing to put in place of a peer file", "peer",
+            [](Facts &f) { f.peer.exists = f.hasShippedPeers = false; }, "fault",
+            "install norvix again");
         row(
             "a peer file that detaches at once", "peer",
             [](Facts &f) { f.peer.content->replace("updetach\n", ""); }, "fault", "updetach");

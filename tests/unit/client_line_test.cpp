@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the client reads from kernel log, processes, resolver file and the table of modems.
+#include "client/disconnect_step.h"
 #include "client/doctor_facts.h"
 #include "client/line_log.h"
 #include "client/link_facts.h"
@@ -14,6 +15,31 @@ class ClientLineTest : public QObject
     Q_OBJECT
 
 private slots:
+    void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("isPppdOurs");
+        QTest::addColumn<bool>("hasWaited");
+        QTest::addColumn<int>("step");
+        const int done = int(DisconnectStep::Done);
+        const int wait = int(DisconnectStep::Wait);
+        const int endAgain = int(DisconnectStep::EndAgain);
+        QTest::newRow("down") << 2 << false << false << done;
+        QTest::newRow("down after an attempt that gave up") << 2 << false << true << done;
+        QTest::newRow("the line trains") << 1 << false << false << wait;
+        QTest::newRow("pppd has been started") << 1 << true << true << endAgain;
+        QTest::newRow("the link is up") << 0 << true << false << endAgain;
+        QTest::newRow("the link is up, its pppd can not be seen") << 0 << false << true << endAgain;
+        QTest::newRow("the interface goes after its pppd") << 0 << false << false << done;
+    }
+    void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded()
+    {
+        QFETCH(int, state);
+        QFETCH(bool, isPppdOurs);
+        QFETCH(bool, hasWaited);
+        QTEST(int(nextDisconnectStep(state, isPppdOurs, hasWaited)), "step");
+    }
+
     void recordedKernelLogsAreUnderstood_data()
     {
         QTest::addColumn<QString>("word");
@@ -98,7 +124,8 @@ private slots:
             QCOMPARE(int(family.ids.size()), catalogue.at(position).ids.size());
             for (const UsbId &id : family.ids) {
                 QVERIFY(catalogue.at(position).ids.contains(id.vendor, id.product));
-                QCOMPARE(driverOfVendor(id.vendor), catalogue.at(position).driver);
+                QCOMPARE(
+                    QString::fromLatin1(driverOfVendor(id.vendor)), catalogue.at(position).driver);
                 QCOMPARE(familyOf(id), &family);
             }
         }

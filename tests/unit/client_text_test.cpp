@@ -4,6 +4,7 @@
 #include "client/signal_text.h"
 #include "client/text_format.h"
 
+#include <QJsonDocument>
 #include <QTest>
 
 class ClientTextTest : public QObject
@@ -61,6 +62,27 @@ private slots:
     void foreignTextCanNotSteerTheTerminal()
     {
         QCOMPARE(printable(QStringLiteral("a\x1b[2Jb\r")), QStringLiteral("a\uFFFD[2Jb\uFFFD"));
+        for (const ushort sign : {0x0, 0x1b, 0x7f, 0x85, 0x9b, 0x61c, 0x200e, 0x200f, 0x2028,
+                 0x202a, 0x202e, 0x2066, 0x2069}) {
+            QCOMPARE(printable(QChar(sign)), QStringLiteral("\uFFFD"));
+        }
+        const QString harmless = QStringLiteral("é “€” \u200d\u2027\u202f\u2065");
+        QCOMPARE(printable(harmless), harmless);
+    }
+
+    void linesKeepTheirFeedsAndOurOwnSequences()
+    {
+        const QString text = QStringLiteral("\x1b[1ma\tb\n\x1b[2Jc\x1b[1mz");
+        QCOMPARE(printableLines(text), QStringLiteral("\uFFFD[1ma\tb\n\uFFFD[2Jc\uFFFD[1mz"));
+        QCOMPARE(printableLines(text, {QStringLiteral("\x1b[1m")}),
+            QStringLiteral("\x1b[1ma\tb\n\uFFFD[2Jc\x1b[1mz"));
+    }
+
+    void jsonEscapesWhatSteers()
+    {
+        const QJsonObject object = {{QStringLiteral("a"), QStringLiteral("x\u009b\u202e\ny")}};
+        QCOMPARE(jsonText(object, true), QStringLiteral("{\"a\":\"x\\u009b\\u202e\\ny\"}"));
+        QCOMPARE(QJsonDocument::fromJson(jsonText(object, false).toUtf8()).object(), object);
     }
 
     void dotsInKeysMakeObjects()

@@ -3,6 +3,7 @@
 #include "bus_tables.h"
 #include "dbus/daemon_adaptor.h"
 #include "fake_daemon.h"
+#include "test_data.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -182,7 +183,7 @@ void DaemonAdaptorTest::theDescriptionListsTheInterfaceInOrder()
 
 void DaemonAdaptorTest::theDescriptionIsTheInstalledFiles()
 {
-    QFile file(QStringLiteral(NORVIX_TEST_DATA "/../../dbus/com.norvix.Daemon.xml"));
+    QFile file(testDataFolder() + QStringLiteral("/../../dbus/com.norvix.Daemon.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();
     const int begin = text.indexOf("  <interface");

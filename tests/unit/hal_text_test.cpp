@@ -98,6 +98,26 @@ private slots:
         QFETCH(QByteArray, input);
         QTEST(QByteArray::fromStdString(hal::validUtf8(input.toStdString())), "expected");
     }
+
+    void what_steers_a_terminal_is_shown_as_question_marks_data()
+    {
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::newRow("plain") << QByteArray("Zażółć 5%") << QByteArray("Zażółć 5%");
+        QTest::newRow("escape") << QByteArray("a\x1b[2J") << QByteArray("a?[2J");
+        QTest::newRow("line feed and tabulator") << QByteArray("a\nb\tc") << QByteArray("a?b?c");
+        QTest::newRow("delete") << QByteArray("a\x7f") << QByteArray("a?");
+        QTest::newRow("upper half") << QByteArray("\xc2\x9b\xc2\xa0") << QByteArray("?\xc2\xa0");
+        QTest::newRow("bidirectional") << QByteArray("\xe2\x80\xae\xe2\x81\xa6\xd8\x9c"
+                                                     "\xe2\x80\x8f\xe2\x80\xa8")
+                                       << QByteArray("?????");
+        QTest::newRow("no UTF-8") << QByteArray("\x9b") << QByteArray("?");
+    }
+    void what_steers_a_terminal_is_shown_as_question_marks()
+    {
+        QFETCH(QByteArray, input);
+        QTEST(QByteArray::fromStdString(hal::visibleText(input.toStdString())), "expected");
+    }
 };
 
 QTEST_APPLESS_MAIN(HalTextTest)

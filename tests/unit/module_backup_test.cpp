@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Keeping, replacing and putting back installed modules, also cut off at every step.
 #include "cut_off.h"
-#include "support/file_copy.h"
 #include "support/module_backup.h"
+#include "support/safe_file.h"
 
 #include <QDir>
 #include <QFile>
@@ -83,18 +83,64 @@ private slots:
         QCOMPARE(found, expected);
     }
 
+    void aFileIsInTheTreeUnderEitherNameOfItsFolder()
+    {
+        const ModuleTree tree(QStringLiteral("/lib/modules/6.12"));
+        const QString module = QStringLiteral("updates/ueagle-atm.ko.xz");
+        QCOMPARE(tree.placeOf(QStringLiteral("/lib/modules/6.12/") + module).value_or(QString()),
+            module);
+        QCOMPARE(
+            tree.placeOf(QStringLiteral("/usr/lib/modules/6.12/") + module).value_or(QString()),
+            module);
+        for (const char *elsewhere :
+            {"/lib/modules/6.1/extra/a.ko", "/lib/modules/6.12.1/extra/a.ko",
+                "/opt/lib/modules/6.12/extra/a.ko", "/lib/modules/6.12"}) {
+            QVERIFY2(!tree.placeOf(QString::fromLatin1(elsewhere)), elsewhere);
+        }
+    }
+
+    void aModuleComesBackWhateverCompressionTookItsPlace_data()
+    {
+        QTest::addColumn<QString>("former");
+        QTest::addColumn<QString>("built");
+        QTest::newRow("a compressed one for a plain one") << "extra/ueagle-atm.ko"
+                                                          << "updates/ueagle-atm.ko.xz";
+        QTest::newRow("a plain one for a compressed one") << "updates/ueagle-atm.ko.xz"
+                                                          << "extra/ueagle-atm.ko";
+        QTest::newRow("in the same folder") << "kernel/ueagle-atm.ko.xz"
+                                            << "kernel/ueagle-atm.ko";
+        QTest::newRow("over itself") << "updates/ueagle-atm.ko.xz"
+                                     << "updates/ueagle-atm.ko.xz";
+    }
+
+    void aModuleComesBackWhateverCompressionTookItsPlace()
+    {
+        QFETCH(QString, former);
+        QFETCH(QString, built);
+        write(inTree(former), QByteArray("\3757zXZ\0old", 9), 0640);
+        const auto before = contents(m_root);
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({built}));
+        write(inTree(built), "new");
+        if (built != former) {
+            QVERIFY(QFile::remove(inTree(former)));
+        }
+        QVERIFY(backup().putBack());
+        QCOMPARE(contents(m_root), before);
+    }
+
     void aReplacedModuleComesBackByteForByteWithItsMode()
     {
         const QString file = inTree(QStringLiteral("kernel/ueagle-atm.ko.xz"));
         write(file, QByteArray("\0old\xff", 5), 0640);
         const auto before = contents(m_root);
-        const std::optional<FileFacts> facts = factsOf(file);
+        const std::optional<FileAttributes> facts = attributesOf(file);
         QVERIFY(backup().take());
         QVERIFY(backup().beginInstall({}));
         write(file, "new", 0600);
         QVERIFY(backup().putBack());
         QCOMPARE(contents(m_root), before);
-        QCOMPARE(factsOf(file)->changed.tv_sec, facts->changed.tv_sec);
+        QCOMPARE(attributesOf(file)->changed.tv_sec, facts->changed.tv_sec);
     }
 
     void ownerAndGroupComeBack()
@@ -108,8 +154,8 @@ private slots:
         QVERIFY(backup().take());
         QVERIFY(QFile::remove(file));
         QVERIFY(backup().putBack());
-        QCOMPARE(factsOf(file)->owner, uid_t(3));
-        QCOMPARE(factsOf(file)->group, gid_t(4));
+        QCOMPARE(attributesOf(file)->owner, uid_t(3));
+        QCOMPARE(attributesOf(file)->group, gid_t(4));
     }
 
     void aLinkedModuleComesBackAsTheLinkItWas()
@@ -162,7 +208,7 @@ private slots:
         write(inTree(QStringLiteral("kernel/ueagle-atm.ko")), "old", 0666);
         QVERIFY(backup().take());
         for (const char *folder : {"backup", "backup/ueagle-atm.ko", "backup/ueagle-atm.ko/kept"}) {
-            const mode_t mode = factsOf(m_folder->filePath(QString::fromLatin1(folder)))->mode;
+            const mode_t mode = attributesOf(m_folder->filePath(QString::fromLatin1(folder)))->mode;
             QCOMPARE(mode & 0777, mode_t(0700));
         }
     }
@@ -177,7 +223,7 @@ private slots:
         write(file, oldBytes);
         int calls = 1;
         int olds = 0;
-        while (cutOffAt(calls++, [&] { copyIntoPlace(fresh, file, *factsOf(fresh)); })) {
+        while (cutOffAt(calls++, [&] { copyIntoPlace(fresh, file, *attributesOf(fresh)); })) {
             QFile opened(file);
             QVERIFY(opened.open(QIODevice::ReadOnly));
             const QByteArray bytes = opened.readAll();
@@ -203,7 +249,7 @@ private slots:
             ModuleBackup own = backup();
             if (own.take() && own.beginInstall(added)) {
                 for (const QString &file : added) {
-                    copyIntoPlace(fresh, inTree(file), *factsOf(fresh));
+                    copyIntoPlace(fresh, inTree(file), *attributesOf(fresh));
                 }
                 removeFile(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")));
             }

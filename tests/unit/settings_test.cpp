@@ -7,8 +7,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 #include <atomic>
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -65,7 +68,12 @@ private slots:
     void theFolderIsMadeOnTheFirstWrite();
     void aFileThatCannotBeWrittenKeepsTheValueInMemory();
     void ownerAndModeOfTheFileSurviveAWrite();
+    void aFullDiskCostsNoSetting();
     void staleLocksAreRemoved();
+    void unfinishedFilesAreRemoved();
+    void whatCannotBeTheSettingsFileIsSetAside_data();
+    void whatCannotBeTheSettingsFileIsSetAside();
+    void aValueThatIsNoPlainOneCountsAsMissing();
     void anotherStoreIsReadToo();
     void aSyncWritesAnotherStoreAndPassesOverNone();
     void workersReadWhileTheMainThreadWrites();
@@ -274,7 +282,7 @@ void SettingsTest::aFileThatCannotBeWrittenKeepsTheValueInMemory()
     QVERIFY(QFile::remove(path));
     QVERIFY(QDir().mkpath(path));
     writeSetting(settings(), "idleness", 5);
-    syncSettings(settings());
+    QVERIFY(!syncSettings(settings()));
     QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 5);
     QVERIFY(QDir(path).removeRecursively());
 }
@@ -303,6 +311,85 @@ void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
     }
 }
 
+void SettingsTest::aFullDiskCostsNoSetting()
+{
+    const QByteArray others = "vpi=" + QByteArray(3000, '8') + "\n";
+    writeAndRead(others);
+    signal(SIGXFSZ, SIG_IGN);
+    struct rlimit before = {};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const struct rlimit full = {1000, before.rlim_max}; // enough for the lock
+    writeSetting(settings(), "idleness", 5);
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
+    const bool isStored = syncSettings(settings());
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+    QVERIFY(!isStored);
+    QCOMPARE(fileText(), "[General]\n" + others);
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
+        QStringList(QStringLiteral(".daemon_ng.ini")));
+    QVERIFY(syncSettings(settings())); // as soon as there is room
+    QCOMPARE(fileText(), "[General]\nidleness=5\n" + others);
+}
+
+void SettingsTest::unfinishedFilesAreRemoved()
+{
+    writeAndRead("vpi=8\n");
+    const QStringList names = {QStringLiteral(".daemon_ng.ini"), QStringLiteral("daemon.log")};
+    for (const char *name :
+        {"daemon.log", ".daemon_ng.ini.kGbXwQ", ".norvix-new-.daemon_ng.ini-a1B2c3"}) {
+        QFile file(folder + QLatin1Char('/') + QLatin1String(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    clearStaleSettingsFiles();
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), names);
+}
+
+void SettingsTest::whatCannotBeTheSettingsFileIsSetAside_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"two million keys", "pipe", "device"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
+{
+    QFETCH(QString, kind);
+    const QByteArray name = QFile::encodeName(path);
+    if (kind == QLatin1String("two million keys")) {
+        QByteArray text = "[General]\n";
+        for (int i = 0; i < 2000000; ++i) {
+            text += 'k' + QByteArray::number(i) + "=\n";
+        }
+        writeFile(text);
+    } else {
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(kind == QLatin1String("pipe") ? mkfifo(name.constData(), 0600)
+                                               : symlink("/dev/zero", name.constData()),
+            0);
+    }
+    struct stat before = {};
+    struct stat after = {};
+    QCOMPARE(lstat(name.constData(), &before), 0);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("has been set aside as")));
+    writeSetting(settings(), "idleness", 4);
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=4\n"));
+    QCOMPARE(lstat((name + ".set-aside").constData(), &after), 0);
+    QCOMPARE(after.st_ino, before.st_ino);
+}
+
+void SettingsTest::aValueThatIsNoPlainOneCountsAsMissing()
+{
+    const QByteArray text = "pppd_arguments=@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)\nvpi=8\n";
+    writeAndRead(text);
+    QCOMPARE(readSetting(settings(), "pppd_arguments").toStringList(), QStringList());
+    QCOMPARE(readSetting(settings(), "pppd_arguments", 7).toInt(), 7);
+    writeSetting(settings(), "idleness", 1);
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(fileText(), "[General]\nidleness=1\n" + text);
+}
+
 void SettingsTest::staleLocksAreRemoved()
 {
     const QStringList locks
@@ -311,11 +398,11 @@ void SettingsTest::staleLocksAreRemoved()
         QFile file(lock);
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
-    removeStaleSettingsLocks();
+    clearStaleSettingsFiles();
     for (const QString &lock : locks) {
         QVERIFY(!QFile::exists(lock));
     }
-    removeStaleSettingsLocks(); // nothing there is fine
+    clearStaleSettingsFiles(); // nothing there is fine
     QVERIFY(QFile::exists(path));
 }
 

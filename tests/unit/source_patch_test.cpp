@@ -45,6 +45,8 @@ private slots:
             "CFLAGS += -I/lib/modules/6.1.0-1-amd64/build/include\n");
         row("build folder of a fixed release", "KDIR=/lib/modules/2.6.18-4-686/build",
             "KDIR=/lib/modules/6.1.0-1-amd64/build");
+        row("the same by its real place", "KDIR=/usr/lib/modules/2.6.18-4-686/build",
+            "KDIR=/lib/modules/6.1.0-1-amd64/build");
         kept("build folder of the running kernel", "KDIR ?= /lib/modules/$(shell uname -r)/build");
         kept("another folder of that beginning", "X=/usr/src/linuxthreads/y");
 
@@ -52,10 +54,13 @@ private slots:
             "\tcp a.ko $(INSTALL_MOD_PATH)/lib/modules/`uname -r`/extra/");
         row("an install folder", "MODDIR=/lib/modules/$(KVER)/kernel/drivers\n",
             "MODDIR=$(INSTALL_MOD_PATH)/lib/modules/$(KVER)/kernel/drivers\n");
+        row("an install folder by its real place", "MODDIR=/usr/lib/modules/$(KVER)/extra\n",
+            "MODDIR=$(INSTALL_MOD_PATH)/lib/modules/$(KVER)/extra\n");
         kept("the root of the modules", "MODROOT=/lib/modules/$(KVER)\n");
         kept("an install that can be redirected",
             "\tcp a.ko $(INSTALL_MOD_PATH)/lib/modules/$(KVER)/extra\n"
-            "\tcp a.ko ${DESTDIR}/lib/modules/$(KVER)/extra\n");
+            "\tcp a.ko ${DESTDIR}/lib/modules/$(KVER)/extra\n"
+            "\tcp a.ko $(INSTALL_MOD_PATH)/usr/lib/modules/$(KVER)/extra\n");
         kept("bytes of any kind", "# \xff\xfe \xc3\xa9\r\nall:\n");
         kept("nothing", "");
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What root may act upon, and folders that root makes where others can write.
-#include "support/file_copy.h"
+#include "support/safe_file.h"
 #include "support/trusted_file.h"
 
 #include <QDir>
@@ -45,6 +45,86 @@ private slots:
         char bytes[10] = {};
         QCOMPARE(read(trusted.file.get(), bytes, sizeof bytes), ssize_t(4));
         QCOMPARE(QByteArray(bytes), QByteArray("text"));
+    }
+
+    TrustedPath followed(const char *name) const
+    {
+        return followTrustedLinks(path(name), geteuid(), m_folder->path());
+    }
+
+    void linksAreFollowedToAFileThatOnlyItsOwnerWrites_data()
+    {
+        QTest::addColumn<QByteArray>("leadsTo");
+        QTest::newRow("beside") << QByteArray("file");
+        QTest::newRow("up and down") << QByteArray("../../a/./b/../b/file");
+        QTest::newRow("another link") << QByteArray("second");
+        QTest::newRow("a folder that is a link") << QByteArray("../../c/file");
+        QTest::newRow("from the root") << QByteArray();
+    }
+
+    void linksAreFollowedToAFileThatOnlyItsOwnerWrites()
+    {
+        QFETCH(QByteArray, leadsTo);
+        write("a/b/file");
+        QCOMPARE(symlink("file", encoded("a/b/second").constData()), 0);
+        QCOMPARE(symlink("a/b", encoded("c").constData()), 0);
+        const QByteArray target = leadsTo.isEmpty() ? encoded("a/b/file") : leadsTo;
+        QCOMPARE(symlink(target.constData(), encoded("a/b/link").constData()), 0);
+        QCOMPARE(followed("a/b/link").refusal, QString());
+        QCOMPARE(followed("a/b/link").path, QFileInfo(path("a/b/file")).canonicalFilePath());
+    }
+
+    void aWayOfLinksThatOthersCouldChangeIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("changed");
+        QTest::addColumn<int>("mode");
+        QTest::newRow("the file") << QByteArray("a/b/file") << 0664;
+        QTest::newRow("the file's folder") << QByteArray("a/b") << 0777;
+        QTest::newRow("the folder of a link on the way") << QByteArray("way") << 01777;
+        QTest::newRow("the folder of the first link") << QByteArray("etc") << 0775;
+    }
+
+    void aWayOfLinksThatOthersCouldChangeIsRefused()
+    {
+        QFETCH(QByteArray, changed);
+        QFETCH(int, mode);
+        write("a/b/file");
+        QVERIFY(makeFolders(path("way")) && makeFolders(path("etc")));
+        QCOMPARE(symlink("../a/b/file", encoded("way/link").constData()), 0);
+        QCOMPARE(symlink("../way/link", encoded("etc/link").constData()), 0);
+        QCOMPARE(followed("etc/link").refusal, QString());
+        QCOMPARE(chmod(encoded(changed.constData()).constData(), mode_t(mode)), 0);
+        QVERIFY(followed("etc/link").refusal.endsWith(QStringLiteral("can be written by others")));
+    }
+
+    void aLinkThatLeadsToNoFileIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("leadsTo");
+        QTest::newRow("nowhere") << QByteArray("nowhere");
+        QTest::newRow("itself") << QByteArray("link");
+        QTest::newRow("a folder") << QByteArray("a/b");
+        QTest::newRow("below a file") << QByteArray("a/b/file/x");
+        QTest::newRow("a device") << QByteArray("/dev/null");
+    }
+
+    void aLinkThatLeadsToNoFileIsRefused()
+    {
+        QFETCH(QByteArray, leadsTo);
+        write("a/b/file");
+        QCOMPARE(symlink(leadsTo.constData(), encoded("link").constData()), 0);
+        QVERIFY(!followed("link").refusal.isEmpty());
+        QCOMPARE(followed("link").path, QString());
+    }
+
+    void aLinkOfSomebodyElseIsRefused()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give files away");
+        }
+        write("a/b/file");
+        QCOMPARE(symlink("a/b/file", encoded("link").constData()), 0);
+        QCOMPARE(lchown(encoded("link").constData(), 65534, 0), 0);
+        QVERIFY(!followed("link").refusal.isEmpty());
     }
 
     void whatOthersCouldChangeIsRefused_data()
@@ -153,7 +233,7 @@ private slots:
             QCOMPARE(mkfifo(encoded("build").constData(), 0600), 0);
         }
         QCOMPARE(makePrivateFolder(path("build")), QString());
-        const std::optional<FileFacts> facts = factsOf(path("build"));
+        const std::optional<FileAttributes> facts = attributesOf(path("build"));
         QCOMPARE(facts->mode, mode_t(S_IFDIR | 0700));
         QVERIFY(filesBelow(path("build")).isEmpty());
         QVERIFY(QFile::exists(path("victim/precious")));

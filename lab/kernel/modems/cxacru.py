@@ -7,11 +7,13 @@ the status in byte 1. Cells are on endpoint 2.
 
 import struct
 
+from ...modem_families import FAMILIES
 from . import cells
 from .descriptors import Description, Endpoint, Interface
 from .device import UsbDevice
 from .line import DOWNSTREAM_KBIT, UPSTREAM_KBIT, State
 
+FAMILY = FAMILIES["cxacru"]
 COMMANDS, DATA = 1, 2
 PACKET = 64
 SLOT_PADDING_OUT, SLOT_PADDING_IN = 11, 3
@@ -62,9 +64,9 @@ class Cxacru(UsbDevice):
 
     stream_endpoints = (DATA,)
 
-    def __init__(self, line, product=0xCB00, serial="1", has_firmware=True):
+    def __init__(self, line, product=FAMILY.product, serial=FAMILY.serial, has_firmware=True):
         super().__init__(Description(
-            vendor=0x0572, product=product, product_name="ADSL USB modem", serial=serial,
+            vendor=FAMILY.vendor, product=product, product_name="ADSL USB modem", serial=serial,
             interfaces=(Interface(0, (
                 Endpoint(0x80 | COMMANDS), Endpoint(COMMANDS),
                 Endpoint(0x80 | DATA), Endpoint(DATA))),)))

@@ -10,12 +10,13 @@ import struct
 import threading
 import time
 
+from ...modem_families import FAMILIES
 from . import cells
 from .descriptors import INTERRUPT, Description, Endpoint, Interface
 from .device import UsbDevice
 from .line import DOWNSTREAM_KBIT, UPSTREAM_KBIT, State
 
-VENDOR = 0x1110
+SERIAL = "00604C123456"
 DATA, PROGRAM, NOTICES = 2, 4, 4
 
 LOAD_MEMORY, SEND_COMMAND = 0xA0, 0x00
@@ -50,7 +51,7 @@ def name(text):
 class Older:
     """The variables of F@st 800 (Eagle I to III)."""
 
-    before, after = 0x9010, 0x900F
+    family = FAMILIES["eagle"]
     chip = "I"
     set_block = 0x0001
     form = struct.Struct("<HBBHIHI")
@@ -89,7 +90,7 @@ class Older:
 class Newer:
     """The variables of F@st 800 E4 (Eagle IV)."""
 
-    before, after = 0x9042, 0x9041
+    family = FAMILIES["eagle-e4"]
     chip = "IV"
     set_block = 0x002C
     form = struct.Struct(">HHHH6I")
@@ -127,9 +128,10 @@ class Newer:
 class EagleBoot(UsbDevice):
     """The modem before its USB firmware runs; calls `on_booted` when it does."""
 
-    def __init__(self, generation, on_booted, serial="00604C123456"):
+    def __init__(self, generation, on_booted, serial=SERIAL):
         super().__init__(Description(
-            vendor=VENDOR, product=generation.before, product_name="USB ADSL modem", serial=serial,
+            vendor=generation.family.vendor, product=generation.family.product_before,
+            product_name="USB ADSL modem", serial=serial,
             interfaces=(Interface(0),)))
         self._on_booted = on_booted
 
@@ -144,9 +146,10 @@ class Eagle(UsbDevice):
 
     stream_endpoints = (DATA,)
 
-    def __init__(self, generation, line, serial="00604C123456"):
+    def __init__(self, generation, line, serial=SERIAL):
         super().__init__(Description(
-            vendor=VENDOR, product=generation.after, product_name="USB ADSL modem", serial=serial,
+            vendor=generation.family.vendor, product=generation.family.product,
+            product_name="USB ADSL modem", serial=serial,
             interfaces=(Interface(0, (Endpoint(0x80 | NOTICES, INTERRUPT, interval=1),)),
                         Interface(1, (Endpoint(DATA), Endpoint(PROGRAM))),
                         Interface(2, (Endpoint(0x80 | DATA),)))))

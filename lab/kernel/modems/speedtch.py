@@ -7,12 +7,13 @@ are on endpoint 7 without padding, the firmware goes through endpoint 5 in two p
 
 import struct
 
+from ...modem_families import FAMILIES
 from . import cells
 from .descriptors import INTERRUPT, Description, Endpoint, Interface
 from .device import UsbDevice
 from .line import DOWNSTREAM_KBIT, UPSTREAM_KBIT, State
 
-VENDOR, PRODUCT = 0x06B9, 0x4061
+FAMILY = FAMILIES["speedtch"]
 NOTICES, FIRMWARE, DATA = 1, 5, 7
 
 WRITE = 0x40
@@ -51,9 +52,9 @@ class Speedtch(UsbDevice):
 
     stream_endpoints = (DATA,)
 
-    def __init__(self, line, serial="0090D0123456", has_firmware=True, takes_firmware=True):
+    def __init__(self, line, serial=FAMILY.serial, has_firmware=True, takes_firmware=True):
         super().__init__(Description(
-            vendor=VENDOR, product=PRODUCT, revision=0x0400, interfaces=_interfaces(),
+            vendor=FAMILY.vendor, product=FAMILY.product, revision=0x0400, interfaces=_interfaces(),
             product_name="SpeedTouch USB", serial=serial))
         self.line = line
         self._starts_with_firmware = has_firmware

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading and rewriting small files: nothing waits, nothing is lost.
-#include "support/file_bytes.h"
+#include "support/safe_file.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -47,7 +47,7 @@ extern "C" int fallocate(int fd, int mode, off_t offset, off_t length)
     return int(syscall(SYS_fallocate, fd, mode, offset, length));
 }
 
-class TestFileBytes : public QObject
+class TestSafeFile : public QObject
 {
     Q_OBJECT
 
@@ -57,6 +57,7 @@ private slots:
 
     void fileIsReadWhole_data();
     void fileIsReadWhole();
+    void aFileOverTheLimitIsNotRead();
     void onlyRegularFilesAreRead_data();
     void onlyRegularFilesAreRead();
     void linkIsFollowedUnlessRefused();
@@ -71,6 +72,8 @@ private slots:
     void replacingALinkLeavesItsTargetAlone();
     void replacingMakesAMissingFileReadableForAll();
     void replacingSweepsWhatAKilledProcessLeft();
+    void whatAnotherProcessIsStillWritingIsNotSwept();
+    void ownerAndModeAreGivenBeforeTheNewFileCanBeSeen();
     void replacingAFolderFailsAndLeavesNothingBehind();
     void plainFileIsNoMountPoint();
 
@@ -81,41 +84,47 @@ private:
     QByteArray bytesOf(const char *name) const;
     struct stat statusOf(const char *name) const;
 
+    QStringList names() const
+    {
+        return QDir(m_folder->path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot | QDir::System);
+    }
+
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestFileBytes::init()
+void TestSafeFile::init()
 {
     m_folder.reset(new QTemporaryDir);
     QVERIFY(m_folder->isValid());
 }
 
-void TestFileBytes::cleanup()
+void TestSafeFile::cleanup()
 {
     m_folder.reset();
 }
 
-void TestFileBytes::write(const char *name, const QByteArray &bytes)
+void TestSafeFile::write(const char *name, const QByteArray &bytes)
 {
     QFile file(path(name));
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(bytes), qint64(bytes.size()));
 }
 
-QByteArray TestFileBytes::bytesOf(const char *name) const
+QByteArray TestSafeFile::bytesOf(const char *name) const
 {
     QFile file(path(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
 }
 
-struct stat TestFileBytes::statusOf(const char *file) const
+struct stat TestSafeFile::statusOf(const char *file) const
 {
     struct stat status = {};
     lstat(name(file).constData(), &status);
     return status;
 }
 
-void TestFileBytes::fileIsReadWhole_data()
+void TestSafeFile::fileIsReadWhole_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -124,7 +133,15 @@ void TestFileBytes::fileIsReadWhole_data()
     QTest::newRow("many blocks") << QByteArray(1000001, 'x');
 }
 
-void TestFileBytes::fileIsReadWhole()
+void TestSafeFile::aFileOverTheLimitIsNotRead()
+{
+    write("file", QByteArray(70000, 'x'));
+    QVERIFY(readFileBytes(path("file"), Links::Follow, 70000));
+    QVERIFY(!readFileBytes(path("file"), Links::Follow, 69999));
+    QCOMPARE(errno, EFBIG);
+}
+
+void TestSafeFile::fileIsReadWhole()
 {
     QFETCH(QByteArray, bytes);
     write("file", bytes);
@@ -133,7 +150,7 @@ void TestFileBytes::fileIsReadWhole()
     QCOMPARE(*read, bytes);
 }
 
-void TestFileBytes::onlyRegularFilesAreRead_data()
+void TestSafeFile::onlyRegularFilesAreRead_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind : {"missing", "folder", "pipe", "dangling link", "link to itself"}) {
@@ -141,7 +158,7 @@ void TestFileBytes::onlyRegularFilesAreRead_data()
     }
 }
 
-void TestFileBytes::onlyRegularFilesAreRead()
+void TestSafeFile::onlyRegularFilesAreRead()
 {
     QFETCH(QString, kind);
     if (kind == QLatin1String("folder")) {
@@ -160,7 +177,7 @@ void TestFileBytes::onlyRegularFilesAreRead()
     QVERIFY(errno != 0);
 }
 
-void TestFileBytes::linkIsFollowedUnlessRefused()
+void TestSafeFile::linkIsFollowedUnlessRefused()
 {
     write("target", "content");
     QCOMPARE(symlink("target", name("link").constData()), 0);
@@ -169,7 +186,7 @@ void TestFileBytes::linkIsFollowedUnlessRefused()
     QCOMPARE(errno, ELOOP);
 }
 
-void TestFileBytes::rewritingKeepsInodeOwnerAndMode_data()
+void TestSafeFile::rewritingKeepsInodeOwnerAndMode_data()
 {
     QTest::addColumn<QByteArray>("oldBytes");
     QTest::addColumn<QByteArray>("newBytes");
@@ -180,7 +197,7 @@ void TestFileBytes::rewritingKeepsInodeOwnerAndMode_data()
     QTest::newRow("the same") << QByteArray("same") << QByteArray("same");
 }
 
-void TestFileBytes::rewritingKeepsInodeOwnerAndMode()
+void TestSafeFile::rewritingKeepsInodeOwnerAndMode()
 {
     QFETCH(QByteArray, oldBytes);
     QFETCH(QByteArray, newBytes);
@@ -196,14 +213,14 @@ void TestFileBytes::rewritingKeepsInodeOwnerAndMode()
     QCOMPARE(after.st_mode, before.st_mode);
 }
 
-void TestFileBytes::fullDiskCostsNoOldByte_data()
+void TestSafeFile::fullDiskCostsNoOldByte_data()
 {
     QTest::addColumn<bool>("reservable");
     QTest::newRow("room is refused before anything is written") << true;
     QTest::newRow("the write stops half-way and is undone") << false;
 }
 
-void TestFileBytes::fullDiskCostsNoOldByte()
+void TestSafeFile::fullDiskCostsNoOldByte()
 {
     QFETCH(bool, reservable);
     const QByteArray oldBytes(5000, 'o');
@@ -222,7 +239,7 @@ void TestFileBytes::fullDiskCostsNoOldByte()
     QCOMPARE(bytesOf("file"), oldBytes);
 }
 
-void TestFileBytes::replacingOnAFullDiskLeavesTheOldFileAlone()
+void TestSafeFile::replacingOnAFullDiskLeavesTheOldFileAlone()
 {
     const QByteArray oldBytes(5000, 'o');
     write("file", oldBytes);
@@ -233,16 +250,16 @@ void TestFileBytes::replacingOnAFullDiskLeavesTheOldFileAlone()
     }
     QVERIFY(!replaced);
     QCOMPARE(bytesOf("file"), oldBytes);
-    QVERIFY(!QFile::exists(path(".file.norvix")));
+    QCOMPARE(names(), QStringList(QStringLiteral("file")));
 }
 
-void TestFileBytes::rewritingMakesNoFile()
+void TestSafeFile::rewritingMakesNoFile()
 {
     QCOMPARE(rewriteFileInPlace(path("file"), "old", "new"), Rewrite::NotOpened);
     QVERIFY(!QFile::exists(path("file")));
 }
 
-void TestFileBytes::rewritingRefusesLinksWhenAsked()
+void TestSafeFile::rewritingRefusesLinksWhenAsked()
 {
     write("target", "content");
     QCOMPARE(symlink("target", name("link").constData()), 0);
@@ -252,7 +269,7 @@ void TestFileBytes::rewritingRefusesLinksWhenAsked()
     QCOMPARE(bytesOf("target"), QByteArray("new"));
 }
 
-void TestFileBytes::replacingHandsOnOwnerAndMode()
+void TestSafeFile::replacingHandsOnOwnerAndMode()
 {
     write("file", "old");
     QCOMPARE(chmod(name("file").constData(), 0604), 0);
@@ -272,7 +289,7 @@ void TestFileBytes::replacingHandsOnOwnerAndMode()
     QCOMPARE(after.st_mode, before.st_mode);
 }
 
-void TestFileBytes::replacingALinkLeavesItsTargetAlone()
+void TestSafeFile::replacingALinkLeavesItsTargetAlone()
 {
     write("target", "content");
     QCOMPARE(chmod(name("target").constData(), 0600), 0);
@@ -283,7 +300,7 @@ void TestFileBytes::replacingALinkLeavesItsTargetAlone()
     QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0644));
 }
 
-void TestFileBytes::replacingMakesAMissingFileReadableForAll()
+void TestSafeFile::replacingMakesAMissingFileReadableForAll()
 {
     const mode_t mask = umask(0077);
     const bool replaced = replaceFile(path("file"), "new");
@@ -293,28 +310,53 @@ void TestFileBytes::replacingMakesAMissingFileReadableForAll()
     QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0644));
 }
 
-void TestFileBytes::replacingSweepsWhatAKilledProcessLeft()
+void TestSafeFile::replacingSweepsWhatAKilledProcessLeft()
 {
     write("file", "old");
     write("precious", "precious");
-    QCOMPARE(symlink("precious", name(".file.norvix").constData()), 0);
+    write(".norvix-new-file-abcdef", "unfinished");
+    write(".norvix-new-other-abcdef", "another file's");
+    QCOMPARE(symlink("precious", name(".norvix-new-file-ghijkl").constData()), 0);
     QVERIFY(replaceFile(path("file"), "new"));
     QCOMPARE(bytesOf("file"), QByteArray("new"));
     QCOMPARE(bytesOf("precious"), QByteArray("precious"));
-    QVERIFY(!QFile::exists(path(".file.norvix")));
+    QCOMPARE(names(),
+        QStringList({QStringLiteral(".norvix-new-other-abcdef"), QStringLiteral("file"),
+            QStringLiteral("precious")}));
 }
 
-void TestFileBytes::replacingAFolderFailsAndLeavesNothingBehind()
+void TestSafeFile::whatAnotherProcessIsStillWritingIsNotSwept()
+{
+    const bool replaced = replaceFileWith(path("file").toStdString(), FileAttributes(), [&](int) {
+        clearUnfinished(path("file"));
+        return true;
+    });
+    QVERIFY(replaced);
+    QCOMPARE(names(), QStringList(QStringLiteral("file")));
+}
+
+void TestSafeFile::ownerAndModeAreGivenBeforeTheNewFileCanBeSeen()
+{
+    write("file", "old");
+    QCOMPARE(chmod(name("file").constData(), 0604), 0);
+    FileAttributes attributes;
+    attributes.owner = geteuid();
+    attributes.group = geteuid() == 0 ? 34 : getegid();
+    attributes.mode = 0640;
+    QVERIFY(replaceFile(path("file"), "new", attributes));
+    QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0640));
+    QCOMPARE(statusOf("file").st_gid, attributes.group);
+}
+
+void TestSafeFile::replacingAFolderFailsAndLeavesNothingBehind()
 {
     QVERIFY(QDir().mkdir(path("file")));
     QVERIFY(!replaceFile(path("file"), "new"));
     QVERIFY(!replaceFile(path("missing/file"), "new"));
-    const QDir folder(m_folder->path());
-    QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-        QStringList(QStringLiteral("file")));
+    QCOMPARE(names(), QStringList(QStringLiteral("file")));
 }
 
-void TestFileBytes::plainFileIsNoMountPoint()
+void TestSafeFile::plainFileIsNoMountPoint()
 {
     write("file", "content");
     QVERIFY(!isMountPoint(path("file")));
@@ -322,5 +364,5 @@ void TestFileBytes::plainFileIsNoMountPoint()
     QVERIFY(isMountPoint(QStringLiteral("/proc")));
 }
 
-QTEST_APPLESS_MAIN(TestFileBytes)
-#include "file_bytes_test.moc"
+QTEST_APPLESS_MAIN(TestSafeFile)
+#include "safe_file_test.moc"

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// The text of the settings file: pure, knows no file.
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QMetaType>
+#include <QString>
+#include <QVariant>
+
+/// A larger file is no settings file of ours: real ones have a few hundred bytes.
+constexpr int mostSettingsBytes = 64 * 1024;
+
+/// A value that is no plain one (a serialised object, say). It counts for nothing, is never
+/// decoded, and is written as it was read: it may be another program's.
+struct UndecodedSetting
+{
+    QByteArray text;
+};
+Q_DECLARE_METATYPE(UndecodedSetting)
+
+/// What a settings file says.
+struct ReadSettings
+{
+    QMap<QString, QVariant> values; ///< a text, a list of texts or bytes each
+    bool isWellFormed = true; ///< whether no line had to be left out
+};
+
+/// Reads @p text as QSettings reads its INI files, but for values that are no plain ones, which
+/// become an UndecodedSetting. Keys of a group are "group/key".
+ReadSettings settingsFrom(const QByteArray &text);
+
+/// The text that QSettings writes for the same values, byte for byte; groups in alphabetical order.
+QByteArray settingsText(const QMap<QString, QVariant> &values);

@@ -1,0 +1,200 @@
+# SPDX-License-Identifier: MIT
+"""Setting things up over the bus: com.norvix.Setup1."""
+import xml.etree.ElementTree
+from pathlib import Path
+
+import pytest
+from account import COMMENT, FILES, OPTIONS, PAP, PEER, UNICORN, Account
+from setup_client import INVALID, NOT_STORED, OBJECT, Setup
+
+from lab.bus_client import BusError
+from lab.fake_hal import POLICY, FakeHal
+from lab.furnishing import NORVIX_GROUP
+
+INI = "/opt/norvix/.daemon_ng.ini"
+SPEEDTOUCH = (0x06B9, 0x4061)
+NOBODY = 65534
+MEMBER = {"uid": NOBODY, "groups": [NORVIX_GROUP]}
+
+
+@pytest.fixture(name="running")
+def running_fixture(bus_machine):
+    bus_machine.start_daemon()
+    return bus_machine
+
+
+def error_of(call, *arguments, **more):
+    with pytest.raises(BusError) as error:
+        call(*arguments, **more)
+    return error.value.name
+
+
+def test_the_description_is_served_as_it_stands_in_the_file(running):
+    served = running.client().call_raw("Introspect", path=OBJECT["path"],
+                                       interface="org.freedesktop.DBus.Introspectable")
+    file = Path(__file__).resolve().parents[2] / "dbus/com.norvix.Setup1.xml"
+    text = file.read_text(encoding="ascii")
+    assert text[text.index("  <interface"):text.index("</node>")] in served
+    assert xml.etree.ElementTree.fromstring(text)[0].get("name") == OBJECT["interface"]
+
+
+# ---- settings
+
+def test_settings_that_were_never_set_are_missing(running):
+    assert Setup(running.client()).settings() == {}
+
+
+def test_settings_are_on_the_disk_when_the_call_returns(running):
+    setup = Setup(running.client())
+    wanted = {"protocol": "PPPoE", "vpi": 8, "vci": 35, "service": "at home, or not",
+              "autoconnect": True, "connect_at_boot": True, "connect_at_modem_plug": False,
+              "idleness": 300}
+    setup.set(**wanted)
+    text = running.path(INI).read_text(encoding="ascii")
+    assert "vpi=8\n" in text and "autoconnect=true\n" in text and "idleness=300\n" in text
+    assert setup.settings() == wanted
+    client = running.client()
+    assert [client.call(name) for name in ("getVPI", "getVCI", "getProtocol", "getService")] == [
+        "8", "35", "PPPoE", "at home, or not"]
+    assert client.call("getConnectAtBoot") is True
+
+
+def test_one_bad_value_stores_nothing_and_says_what_is_expected(running):
+    setup = Setup(running.client())
+    setup.set(vpi=1)
+    before = running.path(INI).read_bytes()
+    with pytest.raises(BusError) as error:
+        setup.set(vci=35, vpi=256)
+    assert (error.value.name, "vpi" in error.value.text, "255" in error.value.text) == (
+        INVALID, True, True)
+    assert error_of(setup.set, vendor_id=1394) == INVALID
+    assert error_of(setup.set, pppd_arguments="mtu") == INVALID
+    assert error_of(setup.set, vpi=("as", ["8"])) == INVALID
+    assert error_of(setup.set, vpi=("ay", b"8" * 100000)) == INVALID
+    assert (running.path(INI).read_bytes(), setup.settings()) == (before, {"vpi": 1})
+
+
+def test_a_change_is_told_once_with_what_changed_by_whatever_method(running):
+    setup = Setup(running.client())
+    setup.set(vpi=8, vci=35)
+    assert setup.changes() == [{"vpi": 8, "vci": 35}]
+    setup.set(vpi=8, vci=36)
+    setup.client.call("setConnectAtBoot", True)
+    assert setup.changes()[1:] == [{"vci": 36}, {"connect_at_boot": True}]
+    setup.set(vpi=8)
+    assert len(setup.changes()) == 3
+
+
+def test_arguments_for_pppd_are_set_and_taken_away(running):
+    setup = Setup(running.client())
+    setup.set_arguments("mtu", "1400")
+    assert setup.arguments() == ["mtu", "1400"]
+    assert 'pppd_arguments=mtu, 1400\n' in running.path(INI).read_text(encoding="ascii")
+    assert error_of(setup.set_arguments, "mtu\nplugin") == INVALID
+    setup.set_arguments()
+    assert setup.arguments() == []
+    assert "pppd_arguments" not in running.path(INI).read_text(encoding="ascii")
+
+
+def test_a_file_that_can_not_be_written_is_an_error_and_stays(running):
+    setup = Setup(running.client())
+    setup.set(vpi=8)
+    before = running.path(INI).read_bytes()
+    running.run(["/usr/bin/mount", "--bind", "-o", "ro", "/opt/norvix", "/opt/norvix"])
+    assert error_of(setup.set, vpi=1, vci=2) == NOT_STORED
+    assert setup.settings() == {"vpi": 8}
+    running.run(["/usr/bin/umount", "/opt/norvix"])
+    setup.set(vci=35)
+    assert setup.settings() == {"vpi": 8, "vci": 35}
+    assert running.path(INI).read_bytes() == before.replace(b"vpi", b"vci=35\nvpi")
+
+
+# ---- the account
+
+def test_an_account_is_stored_as_the_daemon_stores_one(bus_machine):
+    account = Account(bus_machine)
+    setup = Setup(account.client)
+    setup.set_account("user@isp", "se cret#1")
+    assert account.client.named("accountDataChanged")[0].args == (True,)
+    assert account.content(PAP) == COMMENT + b'"user@isp" * "se cret#1" *\n'
+    assert account.content(PEER) == b'user "user@isp"\n' + OPTIONS
+    assert account.content(UNICORN) == OPTIONS + b'user "user@isp"\n'
+    assert account.get() == ["user@isp", "se cret#1"]
+
+
+@pytest.mark.parametrize("value", [
+    "", "x\nplugin evil.so", "x\rplugin evil.so", 'x" plugin evil.so "', 'x\\" plugin evil.so "',
+    "x\\", "\x1b[1m", "x" * 51, "\\1"])
+def test_what_would_be_more_than_a_value_to_pppd_changes_nothing(bus_machine, value):
+    account = Account(bus_machine)
+    for path in (PAP, "/etc/ppp/chap-secrets"):
+        account.write(path, b'"login" * "password" *\n')
+    setup = Setup(account.client)
+    assert error_of(setup.set_account, value, "password") == INVALID
+    assert error_of(setup.set_account, "login", value) == INVALID
+    assert {path: account.content(path) for path in FILES} == account.before
+    account.client.mark()
+    assert account.client.named("accountDataChanged") == []
+
+
+def test_an_account_that_reaches_only_some_files_is_an_error(bus_machine):
+    account = Account(bus_machine)
+    bus_machine.path(UNICORN).unlink()
+    assert error_of(Setup(account.client).set_account, "user", "secret") == NOT_STORED
+    assert account.client.named("accountDataChanged")[0].args == (False,)
+    assert account.content(PEER) == b'user "user"\n' + OPTIONS
+
+
+# ---- the announced modem
+
+@pytest.fixture(name="hal")
+def hal_fixture(machine, tmp_path):
+    policy = tmp_path / "hal.conf"
+    policy.write_text(POLICY, encoding="ascii")
+    machine.start_bus(policies=[policy])
+    return FakeHal.start(machine)
+
+
+def test_the_modem_that_would_be_adopted_is_told_from_its_announcement_on(machine, hal):
+    client = machine.client()
+    daemon = machine.start_daemon()
+    daemon.wait_for_log("getModemState(): klogctl()")
+    setup = Setup(client)
+    assert setup.announced() == ("", 0, 0, "")
+    udi = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("newModemPlugged", timeout=20)
+    assert setup.announced() == ("Thomson Speedtouch 330", *SPEEDTOUCH, udi)
+    client.call("useNewModem")
+    assert setup.announced() == ("", 0, 0, "")
+    assert setup.settings()["udi"] == udi
+
+
+def test_a_modem_that_has_left_or_is_no_longer_the_last_device_is_not_told(machine, hal):
+    client = machine.client()
+    daemon = machine.start_daemon()
+    daemon.wait_for_log("getModemState(): klogctl()")
+    setup = Setup(client)
+    udi = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("newModemPlugged", timeout=20)
+    hal.unplug(udi)
+    client.wait_signal("newModemUnplugged")
+    assert setup.announced() == ("", 0, 0, "")
+
+
+# ---- who may
+
+def test_members_set_settings_and_account_and_only_root_the_arguments(running):
+    if not running.rooted:
+        pytest.skip("other users need root")
+    member = Setup(running.client(**MEMBER))
+    member.set(vpi=8)
+    assert member.settings() == {"vpi": 8} and member.arguments() == []
+    assert error_of(member.set_account, "a\nb", "c") == INVALID
+    denied = "org.freedesktop.DBus.Error.AccessDenied"
+    assert error_of(member.set_arguments, "plugin", "evil.so") == denied
+    assert error_of(member.client.call, "setAccountData", "a", "b") == denied
+    stranger = Setup(running.client(uid=NOBODY))
+    assert stranger.settings() == {"vpi": 8} and stranger.announced()[0] == ""
+    assert error_of(stranger.set, vpi=1) == denied
+    assert error_of(stranger.set_account, "a", "b") == denied
+    assert error_of(stranger.arguments) == denied

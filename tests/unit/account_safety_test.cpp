@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+// What may go into pppd's files without becoming an option of a pppd that runs as root.
+#include "network/account_safety.h"
+
+#include "network/account_files.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(AccountFault)
+
+namespace {
+
+const QByteArray entryFirst = "\"login\" * \"password\" *\n# rest\nother * secret *\n";
+const QByteArray peerFile = "plugin pppoe.so\nnic-nas0\nuser \"login\"\nnoauth\n";
+
+QByteArrayList textsOf(const QList<PppdWord> &words)
+{
+    QByteArrayList texts;
+    for (const PppdWord &word : words) {
+        texts.append((word.startsLine ? "^" : "") + word.text);
+    }
+    return texts;
+}
+
+} // namespace
+
+class TestAccountSafety : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void wordsAreCutAsPppdCutsThem_data();
+    void wordsAreCutAsPppdCutsThem();
+    void valuesAreJudged_data();
+    void valuesAreJudged();
+    void anEscapedQuotationMarkMayBeInAPassword_data();
+    void anEscapedQuotationMarkMayBeInAPassword();
+    void aValueThatNamesThePreviousAccountIsRefused();
+    void whatAnEscapedQuotationMarkLeftBehindIsNotLetOut();
+    void aFileThatDoesNotEndInALineFeedIsNotGluedTo();
+    void aLoginLineThatIsOnlyACommentDoesNotCount();
+    void whateverIsAcceptedChangesNothingButTheAccount();
+};
+
+void TestAccountSafety::wordsAreCutAsPppdCutsThem_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::newRow("nothing") << QByteArray() << QByteArrayList();
+    QTest::newRow("options") << peerFile
+                             << QByteArrayList{"^plugin", "pppoe.so", "^nic-nas0", "^user", "login",
+                                    "^noauth"};
+    QTest::newRow("secrets") << entryFirst
+                             << QByteArrayList{
+                                    "^login", "*", "password", "*", "^other", "*", "secret", "*"};
+    QTest::newRow("comment after a word") << QByteArray("a # b\n c") << QByteArrayList{"^a", "^c"};
+    QTest::newRow("number sign in quotes")
+        << QByteArray("\"a # b\" c") << QByteArrayList{"^a # b", "c"};
+    QTest::newRow("other quotes") << QByteArray("'a \" b' c") << QByteArrayList{"^a \" b", "c"};
+    QTest::newRow("quoted line feed") << QByteArray("\"a\nb\" c") << QByteArrayList{"^a\nb", "c"};
+    QTest::newRow("escaped quotation mark")
+        << QByteArray("\"a\\\" b\" c") << QByteArrayList{"^a\\\" b", "c"};
+    QTest::newRow("escaped blank") << QByteArray("a\\ b c") << QByteArrayList{"^a\\ b", "c"};
+    QTest::newRow("never ending") << QByteArray("\"a\\\"\nb c\n")
+                                  << QByteArrayList{"^a\\\"\nb c\n"};
+    QTest::newRow("glued") << QByteArray("\"a\"b") << QByteArrayList{"^a", "b"};
+    QTest::newRow("up to a zero byte") << QByteArray("a b\0c", 5) << QByteArrayList{"^a", "b"};
+    QTest::newRow("last backslash") << QByteArray("a\\") << QByteArrayList{"^a\\"};
+}
+
+void TestAccountSafety::wordsAreCutAsPppdCutsThem()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArrayList, words);
+    QCOMPARE(textsOf(pppdWords(content)), words);
+}
+
+void TestAccountSafety::valuesAreJudged_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<AccountFault>("fault");
+    QTest::newRow("usual") << "user@isp.example" << AccountFault::None;
+    QTest::newRow("blank, number sign, quote") << "a b#c'd" << AccountFault::None;
+    QTest::newRow("50 characters") << QString(50, 'x') << AccountFault::None;
+    QTest::newRow("26 umlauts") << QString(26, QChar(0xe4)) << AccountFault::None;
+    QTest::newRow("encoded quotation mark") << "a\\042b" << AccountFault::None;
+    QTest::newRow("two backslashes") << "a\\\\b" << AccountFault::None;
+    QTest::newRow("two backslashes at the end") << "a\\\\" << AccountFault::None;
+    QTest::newRow("empty") << "" << AccountFault::Empty;
+    QTest::newRow("51 characters") << QString(51, 'x') << AccountFault::TooLong;
+    QTest::newRow("line feed") << "a\nplugin evil.so" << AccountFault::ControlCharacter;
+    QTest::newRow("carriage return") << "a\rb" << AccountFault::ControlCharacter;
+    QTest::newRow("zero") << QString("a").append(QChar(0)) << AccountFault::ControlCharacter;
+    QTest::newRow("delete") << "a\x7f" << AccountFault::ControlCharacter;
+    QTest::newRow("C1 control") << QString(QChar(0x85)) << AccountFault::ControlCharacter;
+    QTest::newRow("line separator") << QString(QChar(0x2028)) << AccountFault::ControlCharacter;
+    QTest::newRow("quotation mark") << "a\" plugin evil.so \"" << AccountFault::QuotationMark;
+    QTest::newRow("escaped quotation mark")
+        << "a\\\" plugin evil.so" << AccountFault::QuotationMark;
+    QTest::newRow("backslash at the end") << "a\\" << AccountFault::Backslash;
+    QTest::newRow("three at the end") << "a\\\\\\" << AccountFault::Backslash;
+}
+
+void TestAccountSafety::valuesAreJudged()
+{
+    QFETCH(QString, value);
+    QFETCH(AccountFault, fault);
+    QCOMPARE(faultInSecrets(entryFirst, value, QStringLiteral("password")), fault);
+    QCOMPARE(faultInSecrets(QByteArray(), value, QStringLiteral("password")), fault);
+    QCOMPARE(faultInSecrets(entryFirst, QStringLiteral("login"), value), fault);
+    QCOMPARE(faultInPeerFile(peerFile, value), fault);
+    QCOMPARE(faultInPeerFile(QByteArray(), value), fault);
+    QCOMPARE(accountFaultText(fault).isEmpty(), fault == AccountFault::None);
+}
+
+void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<AccountFault>("fault");
+    QTest::newRow("inside") << "a\\\"b" << AccountFault::None;
+    QTest::newRow("at the end") << "a\\\"" << AccountFault::None;
+    QTest::newRow("behind an escaped backslash") << "a\\\\\"b" << AccountFault::QuotationMark;
+    QTest::newRow("not escaped") << "a\"b" << AccountFault::QuotationMark;
+    QTest::newRow("before a blank") << "a\\\" * \\\"b" << AccountFault::QuotationMark;
+}
+
+void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword()
+{
+    QFETCH(QString, password);
+    QFETCH(AccountFault, fault);
+    QCOMPARE(faultInSecrets(entryFirst, "login", password), fault);
+    const QByteArray stored = withSecretsEntry(entryFirst, "login", password);
+    if (fault == AccountFault::None) {
+        QCOMPARE(faultInSecrets(stored, "other", "secret"), AccountFault::None);
+        QCOMPARE(withSecretsEntry(stored, "login", "password"), entryFirst);
+    }
+}
+
+void TestAccountSafety::aValueThatNamesThePreviousAccountIsRefused()
+{
+    for (const char *value : {"\\1", "a\\2b", "\\\\1"}) {
+        const QString text = QString::fromLatin1(value);
+        QCOMPARE(faultInSecrets(entryFirst, "login", text), AccountFault::Backslash);
+        QCOMPARE(faultInSecrets(entryFirst, text, "password"), AccountFault::Backslash);
+        QCOMPARE(faultInSecrets("# comment\n", "login", text), AccountFault::None); // appended
+    }
+}
+
+void TestAccountSafety::whatAnEscapedQuotationMarkLeftBehindIsNotLetOut()
+{
+    // Root once stored such a login; replacing it would leave the rest of it behind as options.
+    QCOMPARE(faultInPeerFile("user \"a\\\" plugin evil.so \"\nnoauth\n", "login"),
+        AccountFault::FileDisagrees);
+    QCOMPARE(faultInSecrets("\"a\" * \"b\\\" * \\\"c\" *\n", "login", "password"),
+        AccountFault::FileDisagrees);
+    QCOMPARE(
+        faultInPeerFile("connect \"chat user \"x\" y\"\n", "login"), AccountFault::FileDisagrees);
+}
+
+void TestAccountSafety::aFileThatDoesNotEndInALineFeedIsNotGluedTo()
+{
+    QCOMPARE(faultInPeerFile("noauth", "login"), AccountFault::FileDisagrees);
+    QCOMPARE(faultInSecrets("# comment", "login", "password"), AccountFault::FileDisagrees);
+}
+
+void TestAccountSafety::aLoginLineThatIsOnlyACommentDoesNotCount()
+{
+    QCOMPARE(faultInPeerFile("# user \"x\"\nnoauth\n", "login"), AccountFault::FileDisagrees);
+}
+
+void TestAccountSafety::whateverIsAcceptedChangesNothingButTheAccount()
+{
+    QRandomGenerator random(20261121);
+    const auto text = [&](const QByteArray &alphabet, int most) {
+        QByteArray made;
+        for (int left = random.bounded(most + 1); left > 0; --left) {
+            made.append(alphabet.at(random.bounded(alphabet.size())));
+        }
+        return made;
+    };
+    int accepted = 0;
+    for (int round = 0; round < 200000; ++round) {
+        const QByteArray content
+            = (round % 2 == 0 ? "user \"" : "") + text("ab\"\\'# \n*12", 24) + "\nnoauth\n";
+        const QString login = QString::fromLatin1(text("xy\"\\'# \n12", 6));
+        if (faultInPeerFile(content, login) != AccountFault::None) {
+            continue;
+        }
+        ++accepted;
+        const QList<PppdWord> before = pppdWords(content);
+        const QList<PppdWord> after = pppdWords(withLoginLine(content, login));
+        QVERIFY(after.size() == before.size() || after.size() == before.size() + 2);
+        QVERIFY(after.contains({login.toLatin1(), false}));
+        for (int index = 0; index < before.size(); ++index) {
+            QVERIFY(
+                after.at(index) == before.at(index) || after.at(index).text == login.toLatin1());
+        }
+    }
+    QVERIFY(accepted > 1000);
+}
+
+QTEST_APPLESS_MAIN(TestAccountSafety)
+#include "account_safety_test.moc"

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+// The text of the settings file, beside what the library itself makes of it.
+#include "support/settings_text.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const char *const pieces[] = {"a", "b=", "vpi=8\n", "\n", "\r\n", "\r", "[General]\n", "[x y]\n",
+    "[%General]\n", "[a%20b\\c]\n", "%41", "%U00e9", "%zz", "\\", "\\n", "\\x41", "\\x", "\\101",
+    "\\\n", "\\\r\n", "\"", "\"q, r\"", ", ", ",", ";", ";c\n", " ", "\t", "k = ", "@@",
+    "@String(x)", "@ByteArray(y)", "@Invalid()", "\xe9", "\xc3\xa9", "0", "=", "[", "]"};
+
+/// Whether the library reads @p content as we do, for what we read at all.
+QString difference(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        return QStringLiteral("cannot write");
+    }
+    file.close();
+    const QMap<QString, QVariant> ours = settingsFrom(content).values;
+    QMap<QString, QVariant> theirs;
+    {
+        const QSettings library(path, QSettings::IniFormat);
+        for (const QString &key : library.allKeys()) {
+            // Others it lists, but looks for under another name.
+            const bool isNormal = !key.isEmpty() && !key.startsWith(QLatin1Char('/'))
+                && !key.endsWith(QLatin1Char('/')) && !key.contains(QLatin1String("//"));
+            if (isNormal) {
+                theirs.insert(key, library.value(key));
+            }
+        }
+    }
+    for (auto value = theirs.begin(); value != theirs.end(); ++value) {
+        const QVariant mine = ours.value(value.key());
+        if (!mine.canConvert<UndecodedSetting>() && mine != value.value()) {
+            return value.key();
+        }
+    }
+    return QString();
+}
+
+QVariant anyValue(quint32 random)
+{
+    static const QString texts[]
+        = {QString(), QStringLiteral("PPPoE"), QStringLiteral(" blank "), QStringLiteral("a, b"),
+            QStringLiteral("a;b=c"), QStringLiteral("@x"), QStringLiteral("\t\n"),
+            QStringLiteral(u"caf\u00e9"), QStringLiteral(u"\u20ac1f"), QStringLiteral("\"'\\?"),
+            QStringLiteral(u"\u00e9a\u007f0g"), QString(QChar(QChar::Null)) + QLatin1Char('7')};
+    const QString text = texts[random % 12];
+    switch ((random >> 8) % 6) {
+    case 0:
+        return int(random);
+    case 1:
+        return (random & 0x10000) != 0;
+    case 2:
+        return QStringList{text, texts[(random >> 4) % 12]};
+    case 3:
+        return (random & 0x10000) != 0 ? QVariant(QStringList()) : QVariant(text.toUtf8());
+    default:
+        return text;
+    }
+}
+
+} // namespace
+
+class TestSettingsText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void filesAreReadAsTheLibraryReadsThem();
+    void valuesAreWrittenAsTheLibraryWritesThem();
+    void whatIsNoPlainValueIsNeitherDecodedNorLost_data();
+    void whatIsNoPlainValueIsNeitherDecodedNorLost();
+    void linesThatMeanNothingAreTold_data();
+    void linesThatMeanNothingAreTold();
+    void manyKeysAreReadQuickly();
+};
+
+void TestSettingsText::filesAreReadAsTheLibraryReadsThem()
+{
+    const QTemporaryDir folder;
+    quint32 random = 20261121;
+    for (int round = 0; round < 4000; ++round) {
+        QByteArray content;
+        for (int i = 0; i < 14; ++i) {
+            random = random * 1664525 + 1013904223;
+            content += pieces[(random >> 16) % (sizeof pieces / sizeof pieces[0])];
+        }
+        // A path of its own each time: the library remembers files.
+        const QString path = folder.filePath(QString::number(round));
+        const QString wrong = difference(path, content);
+        QVERIFY2(wrong.isEmpty(),
+            (content.toPercentEncoding(" =[]\\\",;@()") + " differs in " + wrong.toUtf8())
+                .constData());
+        QFile::remove(path);
+    }
+}
+
+void TestSettingsText::valuesAreWrittenAsTheLibraryWritesThem()
+{
+    const QTemporaryDir folder;
+    const QString keys[] = {QStringLiteral("vpi"), QStringLiteral("a b"), QStringLiteral("zz/b/c"),
+        QStringLiteral(u"\u00e9"), QStringLiteral(u"\u20ac"), QStringLiteral("general/x"),
+        QStringLiteral("_-.9")};
+    quint32 random = 7;
+    for (int round = 0; round < 300; ++round) {
+        const QString path = folder.filePath(QString::number(round));
+        QMap<QString, QVariant> values;
+        for (const QString &key : keys) {
+            random = random * 1664525 + 1013904223;
+            values.insert(key, anyValue(random >> 8));
+        }
+        {
+            QSettings library(path, QSettings::IniFormat);
+            for (auto value = values.begin(); value != values.end(); ++value) {
+                library.setValue(value.key(), value.value());
+            }
+        }
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray written = file.readAll();
+        QCOMPARE(settingsText(values), written);
+        QCOMPARE(settingsText(settingsFrom(written).values), written);
+    }
+}
+
+void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("a list with a huge count")
+        << QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)");
+    QTest::newRow("a time") << QByteArray("@DateTime(\\0\\0\\0\\x10)");
+    QTest::newRow("a size") << QByteArray("@Size(1 2)");
+    QTest::newRow("in a list") << QByteArray("a, @Variant(\\0), b");
+}
+
+void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
+{
+    QFETCH(QByteArray, value);
+    const QByteArray text = "[General]\nvpi=" + value + "\nzz=1\n";
+    const ReadSettings read = settingsFrom(text);
+    QCOMPARE(read.values.value(QStringLiteral("vpi")).toString(), QString());
+    QCOMPARE(read.values.value(QStringLiteral("vpi")).toStringList(), QStringList());
+    QCOMPARE(read.values.value(QStringLiteral("zz")).toInt(), 1);
+    QCOMPARE(settingsText(read.values), text);
+}
+
+void TestSettingsText::linesThatMeanNothingAreTold_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("isWellFormed");
+    QTest::newRow("empty") << QByteArray() << true;
+    QTest::newRow("comments") << QByteArray("; a\n[General]\n;b=c\n") << true;
+    QTest::newRow("no equals sign") << QByteArray("[General]\nvpi\n") << false;
+    QTest::newRow("no end of a section") << QByteArray("[General\nvpi=8\n") << false;
+}
+
+void TestSettingsText::linesThatMeanNothingAreTold()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, isWellFormed);
+    QCOMPARE(settingsFrom(text).isWellFormed, isWellFormed);
+}
+
+void TestSettingsText::manyKeysAreReadQuickly()
+{
+    QByteArray text = "[General]\n";
+    for (int i = 0; text.size() < mostSettingsBytes; ++i) {
+        text += QByteArray::number(i, 36) + "=\n";
+    }
+    QBENCHMARK_ONCE
+    {
+        QVERIFY(settingsFrom(text).values.size() > 9000);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestSettingsText)
+#include "settings_text_test.moc"

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Which settings clients may set over the bus, and how they see them.
+#include "daemon/setup_rules.h"
+
+#include <QtTest>
+
+class TestSetupRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void goodValuesAreTakenAsTheFileHoldsThem();
+    void whatIsNotGoodIsRefusedWithAReason_data();
+    void whatIsNotGoodIsRefusedWithAReason();
+    void oneBadValueRefusesAll();
+    void clientsSeeTypesAndNotTheFilesTexts();
+    void unreadableAndMissingValuesAreLeftOut();
+    void argumentsAreWordsWithoutControlCharacters();
+};
+
+void TestSetupRules::goodValuesAreTakenAsTheFileHoldsThem()
+{
+    const CheckedSettings checked = checkedSettings({{"protocol", "PPPoE"}, {"vpi", 8},
+        {"vci", 65535}, {"service", "at home"}, {"autoconnect", true}, {"connect_at_boot", false},
+        {"connect_at_modem_plug", true}, {"idleness", 300}});
+    QCOMPARE(checked.refusal, QString());
+    const QVariantMap expected = {{"protocol", "PPPoE"}, {"vpi", "8"}, {"vci", "65535"},
+        {"service", "at home"}, {"autoconnect", true}, {"connect_at_boot", false},
+        {"connect_at_modem_plug", true}, {"idleness", 300}};
+    QCOMPARE(checked.values, expected);
+}
+
+void TestSetupRules::whatIsNotGoodIsRefusedWithAReason_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("unknown") << "vpx" << QVariant(1);
+    QTest::newRow("empty name") << "" << QVariant(1);
+    QTest::newRow("a group") << "Other/vpi" << QVariant(1);
+    QTest::newRow("another case") << "VPI" << QVariant(1);
+    QTest::newRow("root's") << "pppd_arguments" << QVariant(QStringList{"mtu", "1400"});
+    QTest::newRow("the modem's name") << "modem" << QVariant("x");
+    QTest::newRow("the modem's vendor") << "vendor_id" << QVariant(1394);
+    QTest::newRow("the modem's product") << "product_id" << QVariant(51966);
+    QTest::newRow("the modem's identifier") << "udi" << QVariant("/x");
+    QTest::newRow("protocol in lower case") << "protocol" << QVariant("pppoe");
+    QTest::newRow("protocol as number") << "protocol" << QVariant(1);
+    QTest::newRow("vpi too great") << "vpi" << QVariant(256);
+    QTest::newRow("vpi negative") << "vpi" << QVariant(-1);
+    QTest::newRow("vpi as text") << "vpi" << QVariant("8");
+    QTest::newRow("vpi as floating point") << "vpi" << QVariant(8.0);
+    QTest::newRow("vpi as flag") << "vpi" << QVariant(true);
+    QTest::newRow("vci too great") << "vci" << QVariant(65536);
+    QTest::newRow("service with a line feed") << "service" << QVariant("a\nb");
+    QTest::newRow("service with an escape") << "service" << QVariant("a\x1b[1m");
+    QTest::newRow("service too long") << "service" << QVariant(QString(101, 'x'));
+    QTest::newRow("service as list") << "service" << QVariant(QStringList{"a", "b"});
+    QTest::newRow("flag as text") << "autoconnect" << QVariant("true");
+    QTest::newRow("flag as number") << "connect_at_boot" << QVariant(1);
+    QTest::newRow("idle time negative") << "idleness" << QVariant(-1);
+}
+
+void TestSetupRules::whatIsNotGoodIsRefusedWithAReason()
+{
+    QFETCH(QString, key);
+    QFETCH(QVariant, value);
+    const CheckedSettings checked = checkedSettings({{key, value}});
+    QVERIFY(checked.refusal.contains(key));
+    QVERIFY(checked.values.isEmpty());
+}
+
+void TestSetupRules::oneBadValueRefusesAll()
+{
+    const CheckedSettings checked = checkedSettings({{"vci", 35}, {"vpi", 256}});
+    QVERIFY(!checked.refusal.isEmpty());
+    QVERIFY(checked.values.isEmpty());
+}
+
+void TestSetupRules::clientsSeeTypesAndNotTheFilesTexts()
+{
+    const QVariantMap seen = settingsForClients({{"vpi", "8"}, {"vci", "35"},
+        {"connect_at_boot", "true"}, {"autoconnect", "false"}, {"idleness", "30"},
+        {"protocol", "PPPoE"}, {"service", QStringList{"a", "b"}}, {"vendor_id", "1394"},
+        {"modem", "CXACRU modem"}, {"udi", "/x"}, {"pppd_arguments", "mtu"}, {"other", "x"}});
+    const QVariantMap expected = {{"vpi", 8}, {"vci", 35}, {"connect_at_boot", true},
+        {"autoconnect", false}, {"idleness", 30}, {"protocol", "PPPoE"}, {"service", "a, b"},
+        {"vendor_id", 1394}, {"modem", "CXACRU modem"}, {"udi", "/x"}};
+    QCOMPARE(seen, expected);
+}
+
+void TestSetupRules::unreadableAndMissingValuesAreLeftOut()
+{
+    QCOMPARE(settingsForClients({{"vpi", "eight"}, {"vci", ""}, {"idleness", QVariant()}}),
+        QVariantMap());
+}
+
+void TestSetupRules::argumentsAreWordsWithoutControlCharacters()
+{
+    QCOMPARE(refusalOfArguments({"mtu", "1400"}), QString());
+    QCOMPARE(refusalOfArguments({}), QString());
+    QVERIFY(!refusalOfArguments({"mtu", ""}).isEmpty());
+    QVERIFY(!refusalOfArguments({"mtu\n1400"}).isEmpty());
+}
+
+QTEST_APPLESS_MAIN(TestSetupRules)
+#include "setup_rules_test.moc"
