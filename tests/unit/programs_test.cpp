@@ -166,6 +166,7 @@ void ProgramsTest::aNameThatIsNowhereOnThePathIsNotStartedFromElsewhere()
         {pathEntry({QStringLiteral("/nowhere")}), pathEntry({QString()}),
             pathEntry({QStringLiteral("."), QStringLiteral("/nowhere"), QStringLiteral("bin")}),
             pathEntry({QStringLiteral(".")})}) {
+        QVERIFY(findProgram(QStringLiteral("elsewhere"), environment).startsWith(QLatin1Char('/')));
         const ProgramResult result
             = runProgram(QStringLiteral("elsewhere"), {}, enough, environment);
         QVERIFY(!result.exitCode);

@@ -240,6 +240,16 @@ private slots:
         QVERIFY(!QFile::exists(path("none")));
     }
 
+    void aParentOfSomebodyElseIsRefused()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give folders away");
+        }
+        QVERIFY(QDir().mkdir(path("parent")));
+        QCOMPARE(chown(encoded("parent").constData(), 65534, 0), 0);
+        QCOMPARE(makePrivateFolder(path("parent/build")), path("parent") + " is not root's");
+    }
+
     void aParentWhereOthersCouldReplaceTheFolderIsRefused()
     {
         QVERIFY(QDir().mkdir(path("parent")));
