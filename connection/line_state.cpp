@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "connection/line_state.h"
 
+#include "support/modem_families.h"
+
 #include <QRegExp>
 #include <QString>
 #include <algorithm>
@@ -29,18 +31,18 @@ struct DriverFamily
 
 // clang-format off
 constexpr std::array<DriverFamily, 4> driverFamilies = {{
-    {0x1110, {"[ueagle-atm]", {}},
+    {eagleVendorId, {"[ueagle-atm]", {}},
      R"(\[ueagle-atm\] modem operational)",
      nullptr,
      R"((\[ueagle-atm\] \(re\)booting started)|(\[ueagle-atm\] Modem started, waiting synchronization))",
      nullptr},
-    {0x0483, {"unicorn_msw:", {}},
+    {unicornVendorId, {"unicorn_msw:", {}},
      R"((unicorn_msw: Current Modem State \(\d\): SHOWTIME_L\d)|(unicorn_msw: Event Reported \(\d\): Showtime))",
      nullptr,
      R"((unicorn_msw: Current Modem State \(\d\): ACTIVATING)|(unicorn_msw: Event Reported \(\d\): Initializing)|(unicorn_msw: Current Modem State \(\d\): INITIALIZING)|(unicorn_msw: Current Modem State \(\d\): Ghs_HANDSHAKING))",
      nullptr},
     // The bare bar in the first state is an alternation; its second half can never match at a marker.
-    {0x06b9, {"ATM dev 0:", "speedtch 0-0:0?0:"},
+    {speedtouchVendorId, {"ATM dev 0:", "speedtch 0-0:0?0:"},
      R"(ATM dev \d: ADSL line is up \(([0-9]{1,5}) kb/s down | ([0-9]{1,5}) kb/s up\))",
      R"(ATM dev \d: ADSL line is synchronising)",
      nullptr,

@@ -37,7 +37,8 @@ void openMissingStandardStreams()
     }
 }
 
-/// Keeps "-debug" twice and "-verbose" out: start scripts rely on what is no switch being ignored.
+/// Keeps one switch twice where a longer form of it might be expected: start scripts rely on what
+/// is no switch being ignored.
 bool wantsDebug(const QStringList &arguments)
 {
     for (const char *option : {"--debug", "-debug", "-d", "--verbose", "-debug", "-v"}) {

@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # SPDX-License-Identifier: MIT
 # Sourced by demo and check before anything else: whatever the shell that they are called from holds,
 # they do the same. Ends with one line where they could not work.

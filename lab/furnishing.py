@@ -16,7 +16,7 @@ FOR_EVERYONE = ("/tmp", "/var/tmp", "/run/lock", "/run/lab")
 # What the host's programs are found and started by, and nothing that says whose machine it is.
 ETC_OF_THE_HOST = ("alternatives", "ld.so.cache", "ld.so.conf", "ld.so.conf.d")
 USERS = {"root": (0, "/root"), "user": (1000, "/tmp"), "nobody": (65534, "/nonexistent")}
-GROUPS = {"root": 0, "tty": 5, "user": 1000, "norvix": NORVIX_GROUP, "nogroup": 65534}
+GROUPS = {"root": 0, "tty": 5, "dip": 30, "user": 1000, "norvix": NORVIX_GROUP, "nogroup": 65534}
 TEXTS = {
     "resolv.conf": "nameserver 192.0.2.53\n",
     "nsswitch.conf": "passwd: files\ngroup: files\nhosts: files dns\n",

@@ -124,13 +124,21 @@ def show_the_kernel():
     safe = MS_NOSUID | MS_NODEV | MS_NOEXEC
     mount("proc", "/proc", "proc", safe)
     mount("sysfs", "/sys", "sysfs", safe | MS_RDONLY)
-    os.mkdir("/mnt/proc-sys-net")
-    bind("/proc/sys/net", "/mnt/proc-sys-net")
+    # Each belongs to a namespace of ours: the network's settings, and the next process id.
+    own = {place: "/mnt/own-" + os.path.basename(place)
+           for place in ("/proc/sys/net", "/proc/sys/kernel/ns_last_pid") if os.path.exists(place)}
+    for place, kept in own.items():
+        if os.path.isdir(place):
+            os.mkdir(kept)
+        else:
+            os.close(os.open(kept, os.O_CREAT | os.O_WRONLY))
+        bind(place, kept)
     for place in ("/proc/sys", "/proc/sysrq-trigger"):
         if os.path.exists(place):
             bind(place, place)
             mount(None, place, flags=MS_REMOUNT | MS_BIND | MS_RDONLY | MS_RELATIME | safe)
-    mount("/mnt/proc-sys-net", "/proc/sys/net", flags=MS_MOVE)
+    for place, kept in own.items():
+        mount(kept, place, flags=MS_MOVE)
 
 
 def arrange_files(state, folders, etc_of_the_host):

@@ -167,7 +167,8 @@ def test_the_log_is_printed_from_its_end(set_up):
 
 
 @pytest.mark.parametrize("content", ["", "one", "one\n", "one\ntwo", "one\n\nthree\n\n",
-                                     "x" * 70000 + "\n" + "y" * 140000 + "\nz\n"])
+                                     "x" * 70000 + "\n" + "y" * 140000 + "\nz\n"],
+    ids=lambda text: "%d-characters" % len(text))
 def test_the_last_lines_are_those_at_the_end(machine, content):
     machine.path("/opt/norvix/daemon.log").write_text(content)
     for count in range(5):
@@ -320,7 +321,7 @@ def test_marks_are_plain_where_the_locale_is_not_utf8(machine):
     (["watch", "--count", "x"], USAGE), (["log", "-n", "x"], USAGE), (["help", "frob"], USAGE),
     (["help", "line"], OK), (["help", "line", "set"], OK), (["completion", "fish"], USAGE),
     (["completion"], USAGE), (["line", "frob"], USAGE), (["--color=red", "status"], USAGE),
-    (["--", "dns"], OK), (["--", "line", "show"], OK), (["--"], USAGE), (["--", "dns", "-h"], USAGE),
+    (["--", "dns"], OK), (["--", "line", "providers"], OK), (["--"], USAGE), (["--", "dns", "-h"], USAGE),
 ])
 def test_usage(machine, words, status):
     result = Ctl(machine)(*words)
