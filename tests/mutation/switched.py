@@ -81,8 +81,6 @@ def rendered(kind, original, changed):
             lines.append("%snorvixChanged(%d) ? static_cast<bool>(%s) :" % (mark, number, text))
         elif kind == "value":
             lines.append("%snorvixChanged(%d) ? (%s) :" % (mark, number, text))
-        elif kind == "return":
-            lines.append("%sif (norvixChanged(%d)) { %s }" % (mark, number, text))
         else:
             lines.append("%sif (norvixChanged(%d)) { %s } else" % (mark, number, text))
     if kind == "condition":

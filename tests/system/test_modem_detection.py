@@ -214,6 +214,17 @@ def test_removing_the_configured_modem_ends_the_connection(hal_machine, hal, is_
     wait_until(lambda: not hal_machine.processes("pppd"), what="pppd is gone")
 
 
+def test_the_configured_modem_plugged_and_removed_is_told_once_each(hal_machine, hal):
+    configured(hal_machine, DEVICES + "usb_device_6b9_4061_1")
+    _, client = started(hal_machine)
+    udi = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("modemPlugged")
+    hal.unplug(udi)
+    client.wait_signal("modemUnplugged")
+    client.mark()
+    assert [name for name, _ in modem_signals(client)] == ["modemPlugged", "modemUnplugged"]
+
+
 # ---- settings that another program has written meanwhile
 
 def test_a_device_is_examined_by_the_settings_as_they_are_then(hal_machine, hal):
