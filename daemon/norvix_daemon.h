@@ -3,8 +3,8 @@
 // their concern; the file is named beside each group.
 #pragma once
 
-#include "daemon/announcements.h"
 #include "connection/process_identity.h"
+#include "daemon/announcements.h"
 #include "daemon/hal_proxy.h"
 #include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
