@@ -68,14 +68,6 @@
         <translation>Der Benutzername</translation>
     </message>
     <message>
-        <source>Not all of pppd&apos;s files could be written; “norvixctl doctor” tells which are missing.</source>
-        <translation>Nicht alle Dateien von pppd konnten geschrieben werden; „norvixctl doctor“ sagt, welche fehlen.</translation>
-    </message>
-    <message>
-        <source>The daemon did not say whether the account was written; see “norvixctl log”.</source>
-        <translation>Der Dienst hat nicht gemeldet, ob das Konto geschrieben wurde; siehe „norvixctl log“.</translation>
-    </message>
-    <message>
         <source>The account is stored. It counts from the next connection on.</source>
         <translation>Das Konto ist gespeichert. Es gilt ab der nächsten Verbindung.</translation>
     </message>
@@ -106,10 +98,6 @@
     <message>
         <source>Say “on” or “off”, not “%1”.</source>
         <translation>Sagen Sie „on“ oder „off“, nicht „%1“.</translation>
-    </message>
-    <message>
-        <source>Only a part is stored: whether a connection starts when the modem in use is plugged in is not.</source>
-        <translation>Nur ein Teil ist gespeichert: Ob eine Verbindung beginnt, wenn das benutzte Modem eingesteckt wird, ist es nicht.</translation>
     </message>
     <message>
         <source>Connections now start by themselves.</source>
@@ -1550,6 +1538,18 @@
     <message>
         <source>The output can not be written: %1.</source>
         <translation>Die Ausgabe kann nicht geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>“norvixctl doctor” tells which of pppd&apos;s files are missing.</source>
+        <translation>„norvixctl doctor“ sagt, welche Dateien von pppd fehlen.</translation>
+    </message>
+    <message>
+        <source>The daemon refuses this: %1.</source>
+        <translation>Der Dienst lehnt das ab: %1.</translation>
+    </message>
+    <message>
+        <source>The daemon could not store it: %1.</source>
+        <translation>Der Dienst konnte es nicht speichern: %1.</translation>
     </message>
 </context>
 </TS>

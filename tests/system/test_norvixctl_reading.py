@@ -29,8 +29,9 @@ def set_up_fixture(new_machine):
     (device / "idProduct").write_text("cafe\n", encoding="ascii")
     modules = machine.path("/usr/lib/modules") / os.uname().release
     modules.mkdir()
-    (modules / "modules.dep").write_text("a/cxacru.ko:\na/ppp_generic.ko:\na/pppoatm.ko:\n",
-                                         encoding="ascii")
+    (modules / "modules.dep").write_text(
+        "".join("a/%s.ko:\n" % name for name in ("atm", "usbatm", "cxacru", "ppp_generic", "pppoatm")),
+        encoding="ascii")
     for name in ("pap-secrets", "chap-secrets"):
         machine.path("/etc/ppp/" + name).write_text(SECRETS, encoding="ascii")
     machine.settings(modem="CXACRU modem", vendor_id=1394, product_id=51966, protocol="PPPoA",

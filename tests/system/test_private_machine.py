@@ -84,7 +84,7 @@ def test_no_account_of_the_host_is_known_inside(machine):
     users = [line.split(":")[0] for line in printed(machine, "getent", "passwd").splitlines()]
     groups = [line.split(":")[0] for line in printed(machine, "getent", "group").splitlines()]
     assert users == ["root", "user", "nobody"]
-    assert groups == ["root", "tty", "user", "norvix", "nogroup"]
+    assert groups == ["root", "tty", "dip", "user", "norvix", "nogroup"]
     assert printed(machine, "id", "-un", "1000") == "user\n"
 
 

@@ -180,7 +180,7 @@ void TestAccountSafety::whateverIsAcceptedChangesNothingButTheAccount()
         return made;
     };
     int accepted = 0;
-    for (int round = 0; round < 200000; ++round) {
+    for (int round = 0; round < 50000; ++round) {
         const QByteArray content
             = (round % 2 == 0 ? "user \"" : "") + text("ab\"\\'# \n*12", 24) + "\nnoauth\n";
         const QString login = QString::fromLatin1(text("xy\"\\'# \n12", 6));
@@ -197,7 +197,7 @@ void TestAccountSafety::whateverIsAcceptedChangesNothingButTheAccount()
                 after.at(index) == before.at(index) || after.at(index).text == login.toLatin1());
         }
     }
-    QVERIFY(accepted > 1000);
+    QVERIFY(accepted > 500);
 }
 
 QTEST_APPLESS_MAIN(TestAccountSafety)
