@@ -58,7 +58,7 @@ QString loginObjection(const QString &login)
 QString passwordObjection(const QString &password)
 {
     const QString name = Say::tr("The password");
-    const QString objection = contentObjection(name, password);
+    QString objection = contentObjection(name, password);
     if (!objection.isEmpty()) {
         return objection;
     }

@@ -11,7 +11,7 @@ namespace {
 QByteArray localeOf(const char *category)
 {
     for (const char *const name : {"LC_ALL", category, "LANG"}) {
-        const QByteArray value = qgetenv(name);
+        QByteArray value = qgetenv(name);
         if (!value.isEmpty()) {
             return value;
         }

@@ -37,7 +37,7 @@ enum class Module
     Unknown, ///< the list of modules can not be read
 };
 
-struct Facts
+struct Facts // NOLINT(clang-analyzer-optin.performance.Padding): in the order of the checks
 {
     bool isBusThere = false;
     bool isDaemonRunning = false;

@@ -411,6 +411,14 @@ def test_a_pid_file_that_is_a_pipe_keeps_nobody_waiting(bus_machine):
     assert bus_machine.calls("kill") == []
 
 
+@pytest.mark.parametrize("switches", [(), ("-d",)])
+def test_that_the_interface_is_a_default_is_told_only_while_debugging(bus_machine, switches):
+    daemon = bus_machine.start_daemon(*switches)
+    assert bus_machine.client().call("getInterface") == "ppp0"
+    daemon.stop()
+    assert ("returning default (ppp0)" in daemon.output()) == bool(switches)
+
+
 @ROOT_ONLY
 def test_a_process_that_took_over_the_id_of_a_crashed_pppd_is_not_killed(line_up):
     daemon, client = established(line_up)
