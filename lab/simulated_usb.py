@@ -29,11 +29,11 @@ class SimulatedUsb:
             env={"TMPDIR": "/dev/shm"}, label="usb")  # in memory: its devices are many small files
         wait_until(lambda: machine.path(SOCKET).exists() or self._process.ended(),
                    what="the USB simulator listens", detail=self._process.errors)
-        connection = socket.socket(
+        # Written to directly: what an interrupt left in a buffer would be written when all is over.
+        self._connection = socket.socket(
             fileno=machine.request("connect", path=SOCKET, uid=0, gid=0, groups=[]))
-        connection.settimeout(PATIENCE)
-        self._stream = connection.makefile("rw", encoding="utf-8")
-        connection.close()
+        self._connection.settimeout(PATIENCE)
+        self._replies = self._connection.makefile("r", encoding="utf-8")
         self.environment = {"LD_PRELOAD": "libumockdev-preload.so.0",
                             "UMOCKDEV_DIR": self.request("root")}
         if ADDRESS_SANITIZER:  # a report into a file of its own would crash in what is preloaded
@@ -45,9 +45,8 @@ class SimulatedUsb:
 
     def request(self, do, **arguments):
         """One request to the simulator; see usb_simulator.py."""
-        self._stream.write(json.dumps({"do": do, **arguments}) + "\n")
-        self._stream.flush()
-        line = self._stream.readline()
+        self._connection.sendall(json.dumps({"do": do, **arguments}).encode() + b"\n")
+        line = self._replies.readline()
         if not line:
             raise RuntimeError("the USB simulator has ended:\n" + self._process.errors())
         reply = json.loads(line)
