@@ -10,6 +10,7 @@ from setup_client import INVALID, NOT_STORED, OBJECT, Setup
 from lab.bus_client import BusError
 from lab.fake_hal import POLICY, FakeHal
 from lab.furnishing import NORVIX_GROUP
+from lab.waiting import wait_until
 
 INI = "/opt/norvix/.daemon_ng.ini"
 SPEEDTOUCH = (0x06B9, 0x4061)
@@ -169,7 +170,17 @@ def test_the_modem_that_would_be_adopted_is_told_from_its_announcement_on(machin
     assert setup.settings()["udi"] == udi
 
 
-def test_a_modem_that_has_left_or_is_no_longer_the_last_device_is_not_told(machine, hal):
+def test_a_modem_is_not_told_once_another_device_has_been_looked_at(machine, hal):
+    client = machine.client()
+    machine.start_daemon().wait_for_log("getModemState(): klogctl()")
+    setup = Setup(client)
+    hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    client.wait_signal("newModemPlugged", timeout=20)
+    hal.plug("usb_device_46d_c526_1", 0x046D, 0xC526)  # useNewModem would store its identifier
+    wait_until(lambda: setup.announced() == ("", 0, 0, ""), 20, "the other device is looked at")
+
+
+def test_a_modem_that_has_left_is_not_told(machine, hal):
     client = machine.client()
     daemon = machine.start_daemon()
     daemon.wait_for_log("getModemState(): klogctl()")
