@@ -2,7 +2,7 @@
 // What the client knows of the modems beyond their names and ids: their firmware.
 #pragma once
 
-#include "support/modem_families.h"
+#include "dbus/modem_families.h"
 
 #include <QString>
 

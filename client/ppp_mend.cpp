@@ -5,7 +5,7 @@
 #include "client/link_facts.h"
 #include "client/ppp_files.h"
 #include "client/say.h"
-#include "support/safe_file.h"
+#include "support/files/safe_file.h"
 
 #include <QFile>
 #include <grp.h>

@@ -2,8 +2,8 @@
 #include "client/settings_file.h"
 
 #include "client/say.h"
-#include "support/safe_file.h"
-#include "support/settings_text.h"
+#include "support/files/safe_file.h"
+#include "support/files/settings_text.h"
 
 #include <QFileInfo>
 #include <QLockFile>

@@ -5,11 +5,11 @@
 #include "connection/line_state.h"
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
-#include "support/debug.h"
-#include "support/modem_families.h"
-#include "support/my_process.h"
-#include "support/programs.h"
-#include "support/system_info.h"
+#include "dbus/modem_families.h"
+#include "support/process/debug.h"
+#include "support/process/my_process.h"
+#include "support/process/programs.h"
+#include "support/process/system_info.h"
 
 #include <QEventLoop>
 #include <QTimer>

@@ -2,7 +2,7 @@
 // The worker thread that brings the link up.
 #pragma once
 
-#include "support/file_descriptor.h"
+#include "support/files/file_descriptor.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "connection/line_state.h"
 
-#include "support/modem_families.h"
+#include "dbus/modem_families.h"
 
 #include <QRegExp>
 #include <QString>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "connection/pid_file.h"
 
-#include "support/file_descriptor.h"
+#include "support/files/file_descriptor.h"
 
 #include <QFile>
 #include <QRegExp>

@@ -2,8 +2,8 @@
 #include "daemon/logging.h"
 
 #include "daemon/log_limit.h"
-#include "support/debug.h"
-#include "support/file_descriptor.h"
+#include "support/files/file_descriptor.h"
+#include "support/process/debug.h"
 
 #include <QDateTime>
 #include <QDir>

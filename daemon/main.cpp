@@ -4,9 +4,9 @@
 #include "daemon/norvix_daemon.h"
 #include "daemon/process_end.h"
 #include "daemon/settings.h"
-#include "support/debug.h"
-#include "support/lock_file.h"
-#include "support/safe_file.h"
+#include "support/files/lock_file.h"
+#include "support/files/safe_file.h"
+#include "support/process/debug.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/modem_catalogue.h"
 
-#include "support/modem_families.h"
+#include "dbus/modem_families.h"
 
 #include <algorithm>
 

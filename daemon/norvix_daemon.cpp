@@ -10,8 +10,8 @@
 #include "dbus/daemon_adaptor.h"
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
-#include "support/debug.h"
-#include "support/my_process.h"
+#include "support/process/debug.h"
+#include "support/process/my_process.h"
 
 #include <QDBusError>
 #include <QEventLoop>

@@ -9,7 +9,7 @@
 #include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
 #include "network/traffic_meter.h"
-#include "support/dns_manager.h"
+#include "support/resolver/dns_manager.h"
 
 #include <QDBusConnection>
 #include <QList>
@@ -53,11 +53,11 @@ public:
     ~Norvix_Daemon() override;
 
     /// The line's state from the kernel log, a LineState as integer. Any thread.
-    static int getModemState(); // connection/modem_state.cpp
+    static int getModemState(); // connection/line_state_slots.cpp
 
     /// The modem that useNewModem() would take into use with its own identifier; without a name
     /// when there is none, or when another device has been looked at since.
-    AnnouncedModem announcedModem() const; // daemon/modem_detection.cpp
+    AnnouncedModem announcedModem() const; // daemon/modem_detection_slots.cpp
 
     /// Appends a connection fact to today's file under /var/log/norvix.
     void writeDailyLog(const QString &msg); // daemon/norvix_daemon.cpp
@@ -92,43 +92,44 @@ signals:
 
 public slots:
     // The methods of the bus, in the order of the interface description.
-    QString getIP(QString interface = QString()); // network/network_status.cpp
-    QString getDefaultRoute(); // network/network_status.cpp
-    void setConnectAtBoot(bool connect); // daemon/settings_methods.cpp
-    void setConnectAtModemPlug(bool connect); // daemon/settings_methods.cpp
-    void establishConnection(); // connection/connection_control.cpp
-    void terminateConnection(); // connection/connection_control.cpp
-    void restartModem(); // driver/modem_restart.cpp
-    void setIdlenessTime(int idleness); // daemon/settings_methods.cpp
-    void useNewModem(); // daemon/modem_detection.cpp
-    void setAccountData(const QString &login, const QString &password); // network/account.cpp
-    bool getIsModemPlugged(); // daemon/modem_detection.cpp
-    bool getIsCompiling(); // driver/driver_build.cpp
-    bool getConnectAtBoot(); // daemon/settings_methods.cpp
-    bool getConnectAtModemPlug(); // daemon/settings_methods.cpp
+    QString getIP(QString interface = QString()); // network/network_status_slots.cpp
+    QString getDefaultRoute(); // network/network_status_slots.cpp
+    void setConnectAtBoot(bool connect); // daemon/settings_slots.cpp
+    void setConnectAtModemPlug(bool connect); // daemon/settings_slots.cpp
+    void establishConnection(); // connection/connection_control_slots.cpp
+    void terminateConnection(); // connection/connection_control_slots.cpp
+    void restartModem(); // driver/restart_slots.cpp
+    void setIdlenessTime(int idleness); // daemon/settings_slots.cpp
+    void useNewModem(); // daemon/modem_detection_slots.cpp
+    void setAccountData(const QString &login, const QString &password); // network/account_slots.cpp
+    bool getIsModemPlugged(); // daemon/modem_detection_slots.cpp
+    bool getIsCompiling(); // driver/build_slots.cpp
+    bool getConnectAtBoot(); // daemon/settings_slots.cpp
+    bool getConnectAtModemPlug(); // daemon/settings_slots.cpp
     bool reply(); // daemon/norvix_daemon.cpp
-    QString getVPI(); // daemon/settings_methods.cpp
-    QString getVCI(); // daemon/settings_methods.cpp
-    QString getProtocol(); // daemon/settings_methods.cpp
-    QString getService(); // daemon/settings_methods.cpp
-    QString getInterface(); // connection/connection_facts.cpp
-    int getConnectionState(); // connection/connection_control.cpp
-    int getIdlenessTime(); // daemon/settings_methods.cpp
-    QStringList getLoginAndPassword(); // network/account.cpp
+    QString getVPI(); // daemon/settings_slots.cpp
+    QString getVCI(); // daemon/settings_slots.cpp
+    QString getProtocol(); // daemon/settings_slots.cpp
+    QString getService(); // daemon/settings_slots.cpp
+    QString getInterface(); // connection/connection_facts_slots.cpp
+    int getConnectionState(); // connection/connection_control_slots.cpp
+    int getIdlenessTime(); // daemon/settings_slots.cpp
+    QStringList getLoginAndPassword(); // network/account_slots.cpp
 
 private slots:
-    void connectingStarted(); // connection/connection_control.cpp
-    void connectingFinished(); // connection/connection_control.cpp
+    void connectingStarted(); // connection/connection_control_slots.cpp
+    void connectingFinished(); // connection/connection_control_slots.cpp
     void writeLog(const QString &str); // daemon/norvix_daemon.cpp
-    void deviceAdded(const QString &udi); // daemon/modem_detection.cpp
-    void deviceRemoved(const QString &udi); // daemon/modem_detection.cpp
-    void verifyDevice(); // daemon/modem_detection.cpp
-    void verifyDNS(); // network/dns_check.cpp
-    void getTransmissionStatistics(QString interface = QString()); // network/network_status.cpp
-    QTime getConnectionTime(); // connection/connection_facts.cpp
-    void debugConnecting(const QByteArray &msg); // connection/connection_control.cpp
-    void compilationFinished(); // driver/driver_build.cpp
-    void compilationStarted(); // driver/driver_build.cpp
+    void deviceAdded(const QString &udi); // daemon/modem_detection_slots.cpp
+    void deviceRemoved(const QString &udi); // daemon/modem_detection_slots.cpp
+    void verifyDevice(); // daemon/modem_detection_slots.cpp
+    void verifyDNS(); // network/dns_check_slots.cpp
+    void getTransmissionStatistics(
+        QString interface = QString()); // network/network_status_slots.cpp
+    QTime getConnectionTime(); // connection/connection_facts_slots.cpp
+    void debugConnecting(const QByteArray &msg); // connection/connection_control_slots.cpp
+    void compilationFinished(); // driver/build_slots.cpp
+    void compilationStarted(); // driver/build_slots.cpp
 
 private:
     // Start-up: daemon/norvix_daemon.cpp
@@ -144,26 +145,26 @@ private:
     void setPppdPatterns();
     void adoptRunningConnection();
 
-    void pppdEnded(); // connection/connection_control.cpp
+    void pppdEnded(); // connection/connection_control_slots.cpp
     void initModemsMap(); // daemon/norvix_daemon.cpp
-    void setOpenDNS(); // network/dns_check.cpp
-    void removePidFiles(); // connection/connection_facts.cpp
+    void setOpenDNS(); // network/dns_check_slots.cpp
+    void removePidFiles(); // connection/connection_facts_slots.cpp
 
-    // Detection: daemon/modem_detection.cpp. Where HAL leaves the question open, the answer is
-    // false and the question is to be asked again once HAL answers.
+    // Detection: daemon/modem_detection_slots.cpp. Where HAL leaves the question open, the answer
+    // is false and the question is to be asked again once HAL answers.
     void askNext();
     bool acceptDevice(const QString &udi);
     bool examineDevice();
 
-    // Bus and HAL: daemon/norvix_daemon.cpp, daemon/modem_detection.cpp
+    // Bus and HAL: daemon/norvix_daemon.cpp, daemon/modem_detection_slots.cpp
     QDBusConnection m_connection;
     HalProxy m_halManager;
     HalProxy m_halDevice;
     HalSilence m_listSilence; ///< about the list of devices
     HalSilence m_deviceSilence; ///< about the properties of a device
 
-    // The line and the connection: connection/connection_control.cpp,
-    // connection/connection_facts.cpp
+    // The line and the connection: connection/connection_control_slots.cpp,
+    // connection/connection_facts_slots.cpp
     QRegExp m_localIpRegExp;
     QRegExp m_connectRegExp;
     QRegExp m_authFailedRegExp;
@@ -173,7 +174,7 @@ private:
     QTime m_connectionTime; ///< elapsed time; invalid while unknown
     QTimer *m_connectionTimeRetry; ///< asks again every second while the time is unknown
 
-    // Detection: daemon/modem_detection.cpp
+    // Detection: daemon/modem_detection_slots.cpp
     QString m_addedUdi = QStringLiteral("...");
     QString m_verifiedUdi = QStringLiteral("#");
     QString m_newModemName;
@@ -186,14 +187,14 @@ private:
     QTimer *m_askTimer; ///< lets bus calls in between two announcements
     QList<ModemInfo> m_modems;
 
-    // Traffic: network/network_status.cpp
+    // Traffic: network/network_status_slots.cpp
     QTimer *m_statisticsTimer;
     TrafficMeter m_trafficMeter;
 
-    // Resolver configuration: network/dns_check.cpp
+    // Resolver configuration: network/dns_check_slots.cpp
     DNS_Manager m_dnsManager;
 
-    // Driver: driver/driver_build.cpp, driver/modem_restart.cpp
+    // Driver: driver/build_slots.cpp, driver/restart_slots.cpp
     CompilerThread *m_compilerThread;
     RestartModem *m_restartThread = nullptr;
     bool m_isCompiling = false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/process_end.h"
 
-#include "support/my_process.h"
+#include "support/process/my_process.h"
 
 #include <array>
 #include <csignal>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/settings.h"
 
-#include "support/safe_file.h"
-#include "support/settings_text.h"
+#include "support/files/safe_file.h"
+#include "support/files/settings_text.h"
 
 #include <QDir>
 #include <QEvent>

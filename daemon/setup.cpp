@@ -5,7 +5,7 @@
 #include "daemon/settings.h"
 #include "daemon/setup_rules.h"
 #include "network/account_safety.h"
-#include "support/safe_file.h"
+#include "support/files/safe_file.h"
 
 #include <QDBusConnection>
 #include <QTimer>

@@ -2,7 +2,7 @@
 #include "driver/compiler_thread.h"
 
 #include "driver/restart_modem.h"
-#include "support/programs.h"
+#include "support/process/programs.h"
 
 namespace {
 

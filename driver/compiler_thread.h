@@ -2,7 +2,7 @@
 // The thread that builds the modem's driver.
 #pragma once
 
-#include "support/compiler.h"
+#include "support/driver/compiler.h"
 
 #include <QList>
 #include <QString>

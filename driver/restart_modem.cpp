@@ -2,8 +2,8 @@
 #include "driver/restart_modem.h"
 
 #include "daemon/settings.h"
-#include "support/modem_families.h"
-#include "support/programs.h"
+#include "dbus/modem_families.h"
+#include "support/process/programs.h"
 
 #include <QProcess>
 

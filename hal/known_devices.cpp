@@ -3,8 +3,8 @@
 
 #include "hal/text.h"
 #include "hal/udi.h"
-#include "support/file_descriptor.h"
-#include "support/safe_write.h"
+#include "support/files/file_descriptor.h"
+#include "support/files/safe_write.h"
 
 #include <cstdio>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The line cutter gives the same lines however its input is split, and loses no byte.
-#include "support/line_cutter.h"
+#include "support/process/line_cutter.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Feeds any bytes to the parser of the resolver configuration.
-#include "support/resolv_conf.h"
+#include "support/resolver/resolv_conf.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -8,22 +8,22 @@ ROOMS = ("daemon", "connection", "network", "driver", "dbus", "support")
 # Unit tests that ask about a file without including its header. Those that include it, or bear its name,
 # are found by themselves.
 UNIT = {
-    "connection/modem_state": ["line_state"],
+    "connection/line_state_slots": ["line_state"],
     "driver/compiler_thread": ["build_plan"],
-    "support/build_log": ["tool_runner"],
-    "support/safe_write": ["safe_file"],
-    "support/file_descriptor": ["tool_runner", "trusted_file"],
-    "support/module_tree": ["module_backup"],
+    "support/driver/build_log": ["tool_runner"],
+    "support/files/safe_write": ["safe_file"],
+    "support/files/file_descriptor": ["tool_runner", "trusted_file"],
+    "support/driver/module_tree": ["module_backup"],
 }
 
 # System tests (tests/system/test_NAME.py), those that say no soonest first. What is not listed is asked
 # about by the tests of its room.
 SYSTEM = {
     "connection/connect_thread": ["connection", "connection_waits", "hostile_pppd", "settings"],
-    "connection/connection_control": ["connection", "connection_waits", "hostile_pppd", "line_state"],
-    "connection/connection_facts": ["network_status", "connection", "hostile_pppd"],
+    "connection/connection_control_slots": ["connection", "connection_waits", "hostile_pppd", "line_state"],
+    "connection/connection_facts_slots": ["network_status", "connection", "hostile_pppd"],
     "connection/line_state": ["line_state", "connection_waits"],
-    "connection/modem_state": ["line_state", "connection_waits"],
+    "connection/line_state_slots": ["line_state", "connection_waits"],
     "connection/process_identity": ["connection", "hostile_pppd", "ghost"],
     "daemon/announcements": ["modem_detection"],
     "daemon/hal_silence": ["modem_detection"],
@@ -32,33 +32,33 @@ SYSTEM = {
     "daemon/logging": ["logging", "start_and_end"],
     "daemon/main": ["start_and_end", "logging"],
     "daemon/modem_catalogue": ["modem_detection", "modem_chain", "driver_build"],
-    "daemon/modem_detection": ["modem_detection", "modem_chain", "settings"],
+    "daemon/modem_detection_slots": ["modem_detection", "modem_chain", "settings"],
     "daemon/norvix_daemon": ["bus_interface", "start_and_end", "logging", "settings", "modem_detection", "connection",
                              "network_status", "driver_build", "modem_restart", "resolver"],
     "daemon/process_end": ["start_and_end", "ending_storm"],
     "daemon/settings": ["settings", "setup", "modem_detection"],
     "daemon/setup": ["setup"],
     "daemon/setup_rules": ["setup"],
-    "daemon/settings_methods": ["settings", "bus_interface"],
-    "driver/modem_restart": ["modem_restart"],
+    "daemon/settings_slots": ["settings", "bus_interface"],
+    "driver/restart_slots": ["modem_restart"],
     "driver/restart_modem": ["modem_restart"],
-    "network/account": ["account", "account_obstacles", "account_in_use"],
+    "network/account_slots": ["account", "account_obstacles", "account_in_use"],
     "network/account_safety": ["setup", "account"],
     "network/account_files": ["account", "account_obstacles", "account_in_use"],
-    "network/dns_check": ["resolver"],
-    "network/network_status": ["network_status", "connection", "long_connection"],
-    "support/debug": ["logging", "connection_waits"],
-    "support/dns_manager": ["resolver_manager", "resolver"],
-    "support/resolv_conf": ["resolver_manager", "resolver"],
-    "support/safe_file": ["resolver_manager", "account", "account_obstacles", "settings", "driver_build"],
-    "support/safe_write": ["resolver_manager", "account", "settings", "driver_build"],
-    "support/settings_text": ["settings"],
-    "support/interface_address": ["network_status", "connection"],
-    "support/line_cutter": ["hostile_pppd", "connection"],
-    "support/lock_file": ["start_and_end"],
-    "support/my_process": ["connection", "hostile_pppd", "connection_waits"],
-    "support/programs": ["connection", "network_status", "connection_waits"],
-    "support/system_info": ["connection"],
+    "network/dns_check_slots": ["resolver"],
+    "network/network_status_slots": ["network_status", "connection", "long_connection"],
+    "support/process/debug": ["logging", "connection_waits"],
+    "support/resolver/dns_manager": ["resolver_manager", "resolver"],
+    "support/resolver/resolv_conf": ["resolver_manager", "resolver"],
+    "support/files/safe_file": ["resolver_manager", "account", "account_obstacles", "settings", "driver_build"],
+    "support/files/safe_write": ["resolver_manager", "account", "settings", "driver_build"],
+    "support/files/settings_text": ["settings"],
+    "support/resolver/interface_address": ["network_status", "connection"],
+    "support/process/line_cutter": ["hostile_pppd", "connection"],
+    "support/files/lock_file": ["start_and_end"],
+    "support/process/my_process": ["connection", "hostile_pppd", "connection_waits"],
+    "support/process/programs": ["connection", "network_status", "connection_waits"],
+    "support/process/system_info": ["connection"],
 }
 ROOM = {
     "connection": ["connection", "connection_waits", "network_status", "line_state", "hostile_pppd"],
@@ -73,7 +73,7 @@ ROOM = {
 def unit_tests(root, file):
     """Names of the unit tests of a file, its own first."""
     stem = re.sub(r"\.\w+$", "", file)
-    own = stem.split("/")[1]
+    own = stem.split("/")[-1]
     found = UNIT.get(stem, [])[:]
     for test in sorted((root / "tests/unit").glob("*_test.cpp")):
         name = test.name[:-len("_test.cpp")]

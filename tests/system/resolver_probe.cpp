@@ -6,7 +6,7 @@
 //                    which servers does the system's own resolver take from it
 //   kill RESET       repairs again and again, killed one system call later each time; the program
 //                    RESET makes the configuration that each attempt starts from
-#include "support/dns_manager.h"
+#include "support/resolver/dns_manager.h"
 
 #include <QByteArrayList>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The commands of a driver build.
 #include "driver/compiler_thread.h"
-#include "support/build_plan.h"
+#include "support/driver/build_plan.h"
 
 #include <QTest>
 

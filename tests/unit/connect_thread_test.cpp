@@ -4,7 +4,7 @@
 #include "captured_stdout.h"
 #include "connection/connect_thread.h"
 #include "connection/line_state.h"
-#include "support/debug.h"
+#include "support/process/debug.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The debug switch and the verbose log.
-#include "support/debug.h"
+#include "support/process/debug.h"
 
 #include <QFile>
 #include <QTemporaryDir>

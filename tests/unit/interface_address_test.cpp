@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The address of an interface, for real interfaces in a network of the test's own.
 #include "private_root.h"
-#include "support/interface_address.h"
+#include "support/resolver/interface_address.h"
 
 #include <QCoreApplication>
 #include <QProcess>

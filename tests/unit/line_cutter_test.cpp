@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The line cutter, fed in pieces of every size.
-#include "support/line_cutter.h"
+#include "support/process/line_cutter.h"
 #include "test_data.h"
 
 #include <QTest>

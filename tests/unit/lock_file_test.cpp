@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The single-instance lock, between real processes.
-#include "support/lock_file.h"
+#include "support/files/lock_file.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -3,7 +3,7 @@
 #include "captured_stdout.h"
 #include "daemon/logging.h"
 #include "private_root.h"
-#include "support/debug.h"
+#include "support/process/debug.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Keeping, replacing and putting back installed modules, also cut off at every step.
 #include "cut_off.h"
-#include "support/module_backup.h"
-#include "support/safe_file.h"
+#include "support/driver/module_backup.h"
+#include "support/files/safe_file.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The line-reading process with children of every kind.
 #include "script_folder.h"
-#include "support/my_process.h"
+#include "support/process/my_process.h"
 #include "worker.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the daemon understands of pppd's output, real transcripts first.
 #include "connection/pppd_line.h"
-#include "support/line_cutter.h"
+#include "support/process/line_cutter.h"
 #include "test_data.h"
 
 #include <QTest>

@@ -2,7 +2,7 @@
 // Finding and running external programs, well-behaved and other ones.
 #include "sanitized.h"
 #include "script_folder.h"
-#include "support/programs.h"
+#include "support/process/programs.h"
 #include "worker.h"
 
 #include <QCoreApplication>

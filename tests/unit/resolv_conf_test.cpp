@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The text of the resolver configuration: what the resolver would see, and what a repair writes.
-#include "support/resolv_conf.h"
+#include "support/resolver/resolv_conf.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading and rewriting small files: nothing waits, nothing is lost.
-#include "support/safe_file.h"
+#include "support/files/safe_file.h"
 
 #include <QDir>
 #include <QTemporaryDir>

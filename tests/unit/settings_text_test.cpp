@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The text of the settings file, beside what the library itself makes of it.
-#include "support/settings_text.h"
+#include "support/files/settings_text.h"
 
 #include <QSettings>
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Judging tarballs by their listing and by their unpacked tree.
-#include "support/source_archive.h"
+#include "support/driver/source_archive.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Adapting old makefiles and sources.
-#include "support/source_patch.h"
+#include "support/driver/source_patch.h"
 
 #include <QTest>
 

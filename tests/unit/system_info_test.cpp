@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The architecture's name.
-#include "support/system_info.h"
+#include "support/process/system_info.h"
 
 #include <QSysInfo>
 #include <QTest>

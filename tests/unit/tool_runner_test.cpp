@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Running the tools of a build: what they are given, how their end is told.
-#include "support/build_log.h"
-#include "support/tool_runner.h"
+#include "support/driver/build_log.h"
+#include "support/process/tool_runner.h"
 
 #include <QElapsedTimer>
 #include <QFile>

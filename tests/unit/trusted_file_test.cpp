@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What root may act upon, and folders that root makes where others can write.
-#include "support/safe_file.h"
-#include "support/trusted_file.h"
+#include "support/files/safe_file.h"
+#include "support/files/trusted_file.h"
 
 #include <QDir>
 #include <QFile>
