@@ -14,6 +14,15 @@ struct ModemInfo
     QMultiMap<qint32, qint32> ids; ///< USB vendor id to product ids
 };
 
+/// A new modem that was announced and is there: what useNewModem() would take into use.
+struct AnnouncedModem
+{
+    QString name; ///< empty: none
+    int vendorId = 0;
+    int productId = 0;
+    QString udi;
+};
+
 /// The compiled-in records, in the order in which they are searched.
 QList<ModemInfo> modemCatalogue();
 

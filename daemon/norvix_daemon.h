@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The central object: all state, all threads, all wiring. Its slots are implemented in the room of
-// their concern; the file is named beside each group.
+// The central object: all state, all threads, all wiring. Its start and its logs are in
+// norvix_daemon.cpp, every slot is in a file of its concern's room whose name ends in _slots.cpp.
 #pragma once
 
 #include "connection/process_identity.h"
@@ -32,35 +32,26 @@ enum ConnectionState
     ConnectionDown = 2,
 };
 
-/// A new modem that was announced and is there: what useNewModem() would take into use.
-struct AnnouncedModem
-{
-    QString name; ///< empty: none
-    int vendorId = 0;
-    int productId = 0;
-    QString udi;
-};
-
 class Norvix_Daemon : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.norvix.Daemon")
 
 public:
-    /// Does the whole start-up (daemon/norvix_daemon.cpp). May wait for a driver build, serving bus
-    /// calls meanwhile; ends the process with status 1 or 2 when the bus refuses the registration.
+    /// Does the whole start-up. May wait for a driver build, serving bus calls meanwhile; ends the
+    /// process with status 1 or 2 when the bus refuses the registration.
     explicit Norvix_Daemon(QObject *parent = nullptr);
     ~Norvix_Daemon() override;
 
     /// The line's state from the kernel log, a LineState as integer. Any thread.
-    static int getModemState(); // connection/line_state_slots.cpp
+    static int getModemState();
 
     /// The modem that useNewModem() would take into use with its own identifier; without a name
     /// when there is none, or when another device has been looked at since.
-    AnnouncedModem announcedModem() const; // daemon/modem_detection_slots.cpp
+    AnnouncedModem announcedModem() const;
 
     /// Appends a connection fact to today's file under /var/log/norvix.
-    void writeDailyLog(const QString &msg); // daemon/norvix_daemon.cpp
+    void writeDailyLog(const QString &msg);
 
 signals:
     Q_SCRIPTABLE void transmissionSpeed(uint rx, uint tx); ///< bytes per second
@@ -92,47 +83,46 @@ signals:
 
 public slots:
     // The methods of the bus, in the order of the interface description.
-    QString getIP(QString interface = QString()); // network/network_status_slots.cpp
-    QString getDefaultRoute(); // network/network_status_slots.cpp
-    void setConnectAtBoot(bool connect); // daemon/settings_slots.cpp
-    void setConnectAtModemPlug(bool connect); // daemon/settings_slots.cpp
-    void establishConnection(); // connection/connection_control_slots.cpp
-    void terminateConnection(); // connection/connection_control_slots.cpp
-    void restartModem(); // driver/restart_slots.cpp
-    void setIdlenessTime(int idleness); // daemon/settings_slots.cpp
-    void useNewModem(); // daemon/modem_detection_slots.cpp
-    void setAccountData(const QString &login, const QString &password); // network/account_slots.cpp
-    bool getIsModemPlugged(); // daemon/modem_detection_slots.cpp
-    bool getIsCompiling(); // driver/build_slots.cpp
-    bool getConnectAtBoot(); // daemon/settings_slots.cpp
-    bool getConnectAtModemPlug(); // daemon/settings_slots.cpp
-    bool reply(); // daemon/norvix_daemon.cpp
-    QString getVPI(); // daemon/settings_slots.cpp
-    QString getVCI(); // daemon/settings_slots.cpp
-    QString getProtocol(); // daemon/settings_slots.cpp
-    QString getService(); // daemon/settings_slots.cpp
-    QString getInterface(); // connection/connection_facts_slots.cpp
-    int getConnectionState(); // connection/connection_control_slots.cpp
-    int getIdlenessTime(); // daemon/settings_slots.cpp
-    QStringList getLoginAndPassword(); // network/account_slots.cpp
+    QString getIP(QString interface = QString());
+    QString getDefaultRoute();
+    void setConnectAtBoot(bool connect);
+    void setConnectAtModemPlug(bool connect);
+    void establishConnection();
+    void terminateConnection();
+    void restartModem();
+    void setIdlenessTime(int idleness);
+    void useNewModem();
+    void setAccountData(const QString &login, const QString &password);
+    bool getIsModemPlugged();
+    bool getIsCompiling();
+    bool getConnectAtBoot();
+    bool getConnectAtModemPlug();
+    bool reply();
+    QString getVPI();
+    QString getVCI();
+    QString getProtocol();
+    QString getService();
+    QString getInterface();
+    int getConnectionState();
+    int getIdlenessTime();
+    QStringList getLoginAndPassword();
 
 private slots:
-    void connectingStarted(); // connection/connection_control_slots.cpp
-    void connectingFinished(); // connection/connection_control_slots.cpp
-    void writeLog(const QString &str); // daemon/norvix_daemon.cpp
-    void deviceAdded(const QString &udi); // daemon/modem_detection_slots.cpp
-    void deviceRemoved(const QString &udi); // daemon/modem_detection_slots.cpp
-    void verifyDevice(); // daemon/modem_detection_slots.cpp
-    void verifyDNS(); // network/dns_check_slots.cpp
-    void getTransmissionStatistics(
-        QString interface = QString()); // network/network_status_slots.cpp
-    QTime getConnectionTime(); // connection/connection_facts_slots.cpp
-    void debugConnecting(const QByteArray &msg); // connection/connection_control_slots.cpp
-    void compilationFinished(); // driver/build_slots.cpp
-    void compilationStarted(); // driver/build_slots.cpp
+    void connectingStarted();
+    void connectingFinished();
+    void writeLog(const QString &str);
+    void deviceAdded(const QString &udi);
+    void deviceRemoved(const QString &udi);
+    void verifyDevice();
+    void verifyDNS();
+    void getTransmissionStatistics(QString interface = QString());
+    QTime getConnectionTime();
+    void debugConnecting(const QByteArray &msg);
+    void compilationFinished();
+    void compilationStarted();
 
 private:
-    // Start-up: daemon/norvix_daemon.cpp
+    // Start-up
     void startLog();
     void checkPolicyFile();
     void registerOnBus();
@@ -145,26 +135,25 @@ private:
     void setPppdPatterns();
     void adoptRunningConnection();
 
-    void pppdEnded(); // connection/connection_control_slots.cpp
-    void initModemsMap(); // daemon/norvix_daemon.cpp
-    void setOpenDNS(); // network/dns_check_slots.cpp
-    void removePidFiles(); // connection/connection_facts_slots.cpp
+    void pppdEnded();
+    void initModemsMap();
+    void setOpenDNS();
+    void removePidFiles();
 
-    // Detection: daemon/modem_detection_slots.cpp. Where HAL leaves the question open, the answer
-    // is false and the question is to be asked again once HAL answers.
+    // Detection. Where HAL leaves the question open, the answer is false and the question is to be
+    // asked again once HAL answers.
     void askNext();
     bool acceptDevice(const QString &udi);
     bool examineDevice();
 
-    // Bus and HAL: daemon/norvix_daemon.cpp, daemon/modem_detection_slots.cpp
+    // Bus and HAL
     QDBusConnection m_connection;
     HalProxy m_halManager;
     HalProxy m_halDevice;
     HalSilence m_listSilence; ///< about the list of devices
     HalSilence m_deviceSilence; ///< about the properties of a device
 
-    // The line and the connection: connection/connection_control_slots.cpp,
-    // connection/connection_facts_slots.cpp
+    // The line and the connection
     QRegExp m_localIpRegExp;
     QRegExp m_connectRegExp;
     QRegExp m_authFailedRegExp;
@@ -174,7 +163,7 @@ private:
     QTime m_connectionTime; ///< elapsed time; invalid while unknown
     QTimer *m_connectionTimeRetry; ///< asks again every second while the time is unknown
 
-    // Detection: daemon/modem_detection_slots.cpp
+    // Detection
     QString m_addedUdi = QStringLiteral("...");
     QString m_verifiedUdi = QStringLiteral("#");
     QString m_newModemName;
@@ -187,14 +176,14 @@ private:
     QTimer *m_askTimer; ///< lets bus calls in between two announcements
     QList<ModemInfo> m_modems;
 
-    // Traffic: network/network_status_slots.cpp
+    // Traffic
     QTimer *m_statisticsTimer;
     TrafficMeter m_trafficMeter;
 
-    // Resolver configuration: network/dns_check_slots.cpp
+    // Resolver configuration
     DNS_Manager m_dnsManager;
 
-    // Driver: driver/build_slots.cpp, driver/restart_slots.cpp
+    // Driver
     CompilerThread *m_compilerThread;
     RestartModem *m_restartThread = nullptr;
     bool m_isCompiling = false;
