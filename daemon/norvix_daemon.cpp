@@ -136,7 +136,16 @@ void Norvix_Daemon::registerSetup()
 {
     // Beside the object above, whose interface stays as its clients know it.
     auto *object = new QObject(this);
-    new SetupAdaptor(object, this);
+    new SetupAdaptor(object,
+        {[this] { return announcedModem(); },
+            [this](const QString &login, const QString &password) {
+                bool isStored = false;
+                const auto outcome = connect(this, &Norvix_Daemon::accountDataChanged, this,
+                    [&isStored](bool success) { isStored = success; });
+                setAccountData(login, password);
+                disconnect(outcome);
+                return isStored;
+            }});
     if (!m_connection.registerObject(
             QStringLiteral("/com/norvix/Setup"), object, QDBusConnection::ExportAdaptors)) {
         writeLog(constructorText(QStringLiteral("failed to register the setup object!")));

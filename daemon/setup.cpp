@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/setup.h"
 
-#include "daemon/norvix_daemon.h"
 #include "daemon/settings.h"
 #include "daemon/setup_rules.h"
 #include "network/account_safety.h"
@@ -54,9 +53,9 @@ AccountFault faultOf(const QString &login, const QString &password)
 
 } // namespace
 
-SetupAdaptor::SetupAdaptor(QObject *object, Norvix_Daemon *daemon)
+SetupAdaptor::SetupAdaptor(QObject *object, SetupDoors daemon)
     : QDBusAbstractAdaptor(object)
-    , m_daemon(daemon)
+    , m_daemon(std::move(daemon))
     , m_announced(GetSettings())
 {
     // Several keys that are written together are announced together.
@@ -104,12 +103,7 @@ void SetupAdaptor::SetAccount(
         answerWithError(message, "InvalidValue", accountFaultText(fault));
         return;
     }
-    bool isStored = false;
-    const auto outcome = connect(m_daemon, &Norvix_Daemon::accountDataChanged, this,
-        [&isStored](bool success) { isStored = success; });
-    m_daemon->setAccountData(login, password);
-    disconnect(outcome);
-    if (!isStored) {
+    if (!m_daemon.storeAccount(login, password)) {
         answerWithError(message, "NotStored",
             QStringLiteral(
                 "not all of pppd's files could be written; the daemon's log says which"));
@@ -118,7 +112,7 @@ void SetupAdaptor::SetAccount(
 
 QString SetupAdaptor::GetAnnouncedModem(int &vendor_id, int &product_id, QString &udi)
 {
-    const AnnouncedModem modem = m_daemon->announcedModem();
+    const AnnouncedModem modem = m_daemon.announcedModem();
     vendor_id = modem.vendorId;
     product_id = modem.productId;
     udi = modem.udi;

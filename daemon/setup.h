@@ -4,16 +4,25 @@
 // with bus errors.
 #pragma once
 
+#include "daemon/modem_catalogue.h"
 #include "setup_introspection.h" // made from com.norvix.Setup1.xml
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <QStringList>
 #include <QVariantMap>
+#include <functional>
 
-class Norvix_Daemon;
+/// What the setup object asks of the daemon's central object. Main thread only.
+struct SetupDoors
+{
+    /// The modem that useNewModem() would take into use; without a name when there is none.
+    std::function<AnnouncedModem()> announcedModem;
+    /// setAccountData(); whether all of pppd's files were written.
+    std::function<bool(const QString &login, const QString &password)> storeAccount;
+};
 
-/// Main thread only, like the daemon object behind it. Errors are
+/// Main thread only, like the central object behind it. Errors are
 /// com.norvix.Setup1.Error.InvalidValue (nothing was changed, the text says what is expected) and
 /// com.norvix.Setup1.Error.NotStored (the text says why).
 class SetupAdaptor : public QDBusAbstractAdaptor
@@ -23,8 +32,8 @@ class SetupAdaptor : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", NORVIX_SETUP_INTROSPECTION)
 
 public:
-    /// @p object is what gets registered at the path; @p daemon must outlive it.
-    SetupAdaptor(QObject *object, Norvix_Daemon *daemon);
+    /// @p object is what gets registered at the path.
+    SetupAdaptor(QObject *object, SetupDoors daemon);
 
 public slots:
     /// The stored settings with their types; what was never set is missing.
@@ -47,6 +56,6 @@ private:
     void store(const QVariantMap &values, const QDBusMessage &message);
     void announceChanges();
 
-    Norvix_Daemon *m_daemon;
+    SetupDoors m_daemon;
     QVariantMap m_announced; ///< the settings as clients know them
 };
