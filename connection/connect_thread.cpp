@@ -33,9 +33,6 @@ constexpr int killallEndingMs = 10000;
 // Lines that may wait for the main thread before reading pauses.
 constexpr int linesAhead = 256;
 
-constexpr int resultNoSync = 0;
-constexpr int resultOther = 3;
-
 int counter = 0;
 
 } // namespace
@@ -116,7 +113,7 @@ bool ConnectThread::waitForSynchronization()
     if (counter > 6) {
         writeVerbose(
             "ConnectThread::waitForSynchronization(): counter > 6, resetting and returning.\n");
-        m_result = resultNoSync;
+        m_result = NotSynchronized;
         counter = 0;
         return false;
     }
@@ -204,11 +201,11 @@ void ConnectThread::prepareBridging()
 
 void ConnectThread::run()
 {
-    m_result = resultOther;
+    m_result = Ended;
     puts("ConnectThread::run()");
     if (!waitForSynchronization()) {
         say("run", QStringLiteral("modem synchronization failed, returning!"));
-        m_result = resultNoSync;
+        m_result = NotSynchronized;
         return;
     }
     syncSettings(m_settings);

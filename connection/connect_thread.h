@@ -39,7 +39,16 @@ public:
     /// still runs would kill it. Nothing to wait for when it is not open. Main thread.
     void waitBeforePppd(FileDescriptor killall);
 
-    /// The outcome once the thread has finished: 0 when the line never synchronised, else 3.
+    /// What came of it.
+    enum Result
+    {
+        NotSynchronized = 0,
+        TimedOut
+        = 2, ///< no thread ends with it any more, pppd's line tells; kept for one that will
+        Ended = 3,
+    };
+
+    /// The outcome once the thread has finished, a Result.
     int result() const { return m_result; }
 
 signals:
@@ -69,7 +78,7 @@ private:
     QStringList m_environment;
     bool m_is32bit;
     QSettings *m_settings;
-    int m_result = 3;
+    int m_result = Ended;
     int m_linesSent = 0;
     std::mutex m_killallMutex;
     FileDescriptor m_killall;

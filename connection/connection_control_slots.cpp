@@ -85,14 +85,14 @@ void Norvix_Daemon::connectingFinished()
 {
     m_connecting = false;
     emit setEnabledConnect(true);
-    switch (m_connectThread->result()) {
-    case 0:
+    switch (static_cast<ConnectThread::Result>(m_connectThread->result())) {
+    case ConnectThread::NotSynchronized:
         emit synchronizationFailed();
         break;
-    case 2: // no thread ends with it any more, pppd's line tells; kept for one that will
+    case ConnectThread::TimedOut:
         emit connectionTimeout();
         break;
-    default:
+    case ConnectThread::Ended:
         break;
     }
     emit connectionState(getConnectionState());

@@ -13,15 +13,13 @@ void Norvix_Daemon::compilationStarted()
 void Norvix_Daemon::compilationFinished()
 {
     m_isCompiling = false;
-    switch (m_compilerThread->result()) {
-    case 0:
+    switch (static_cast<CompilerThread::Result>(m_compilerThread->result())) {
+    case CompilerThread::Built:
         emit compilationFinished(true);
         break;
-    case 1:
-    case 2:
+    case CompilerThread::CompilationFailed:
+    case CompilerThread::InstallationFailed:
         emit compilationFinished(false);
-        break;
-    default:
         break;
     }
 }

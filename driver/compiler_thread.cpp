@@ -6,6 +6,10 @@
 
 namespace {
 
+// What testDriver() gives besides modprobe's exit codes.
+constexpr int notLoaded = -1; // no module is set, or modprobe crashed or was ended
+constexpr int notStarted = -2;
+
 /// A bare number as the trace has always shown it, with a blank after it: who reads debug logs, of
 /// users that ask for help, knows by 20 to 27 how far a build came.
 void trace(int number)
@@ -57,16 +61,16 @@ int buildDriver(Compiler &compiler, const std::function<void()> &testDriver)
     if (compiler.compileDriver() != 0) {
         compiler.restoreDriver();
         qDebug("%s", "CompilerThread::run(): driver compilation failed!");
-        return 1;
+        return CompilerThread::CompilationFailed;
     }
     qDebug("%s", "CompilerThread::run(): installing driver...");
     if (compiler.installDriver() != 0) {
         qDebug("%s", "CompilerThread::run(): driver installation failed!");
         compiler.restoreDriver();
-        return 2;
+        return CompilerThread::InstallationFailed;
     }
     testDriver();
-    return 0;
+    return CompilerThread::Built;
 }
 
 CompilerThread::CompilerThread(Norvix_Daemon *daemon, const QString &driverName, QObject *parent)
@@ -81,13 +85,11 @@ int CompilerThread::testDriver()
 {
     if (m_driverName.isEmpty()) {
         qDebug("%s", "CompilerThread::testDriver(): m_driverName is empty!");
-        return -1;
+        return notLoaded;
     }
     const ProgramResult result
         = runProgram(QStringLiteral("modprobe"), {m_driverName}, moduleTimeoutMs);
-    constexpr int notStarted = -2;
-    constexpr int crashed = -1;
-    return result.processId == 0 ? notStarted : result.exitCode.value_or(crashed);
+    return result.processId == 0 ? notStarted : result.exitCode.value_or(notLoaded);
 }
 
 void CompilerThread::run()

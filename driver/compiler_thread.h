@@ -20,7 +20,7 @@ std::optional<Compiler::ModemDriver> driverRecord(
     const QList<Compiler::ModemDriver> &drivers, const QString &driverName);
 
 /// Takes @p compiler through its steps; after a success calls @p testDriver. Gives the thread's
-/// result: 0 success, 1 compilation failed, 2 installation failed.
+/// result, a CompilerThread::Result.
 int buildDriver(Compiler &compiler, const std::function<void()> &testDriver);
 
 /// Tests whether the modem's driver loads, and builds it from its tarball when it does not.
@@ -35,8 +35,15 @@ public:
     /// The kernel module to test and build, without ".ko". Main thread, while the thread is idle.
     void setDriverName(const QString &name) { m_driverName = name; }
 
-    /// The last build's outcome: 0 success, 1 compilation failed, 2 installation failed. Main
-    /// thread, while the thread is idle.
+    /// What came of a build.
+    enum Result
+    {
+        Built = 0,
+        CompilationFailed = 1,
+        InstallationFailed = 2,
+    };
+
+    /// The last build's outcome, a Result. Main thread, while the thread is idle.
     int result() const { return m_result; }
 
     /// Loads the module; waits for modprobe, which is ended at moduleTimeoutMs. Its exit code, -2
@@ -50,5 +57,5 @@ protected:
 private:
     QList<Compiler::ModemDriver> m_drivers;
     QString m_driverName;
-    int m_result = 0;
+    int m_result = Built;
 };
