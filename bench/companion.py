@@ -1,28 +1,20 @@
-#!/usr/bin/python3 -B
 # SPDX-License-Identifier: MIT
-"""Measures norvix-hald beside its floor with 10, 1,000 and 10,000 devices and prints one table:
-sudo bench/hald [--quick]. See README.md."""
+"""norvix-hald beside its floor with 10, 1,000 and 10,000 devices."""
 import shutil
 import statistics
 import subprocess
-import sys
 import time
-from pathlib import Path
+from collections import namedtuple
 
-REPOSITORY = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(REPOSITORY))
-from lab import hal_companion  # noqa: E402
-from lab.bus_client import BusError  # noqa: E402
-from lab.hal_companion import DEVICES, MANAGER, NAME, PROGRAM, manager, news  # noqa: E402
-from lab.private_machine import BUILD, PrivateMachine  # noqa: E402
-from lab.simulated_usb import SimulatedUsb  # noqa: E402
-from lab.waiting import wait_until  # noqa: E402
+from lab import hal_companion
+from lab.bus_client import BusError
+from lab.hal_companion import DEVICES, MANAGER, NAME, PROGRAM, manager, news
+from lab.private_machine import BUILD, PrivateMachine
+from lab.simulated_usb import SimulatedUsb
+from lab.waiting import wait_until
 
-QUICK = "--quick" in sys.argv
-SIZES = (10, 1000) if QUICK else (10, 1000, 10000)
-ROUNDS = 2 if QUICK else 5
-EVENTS = 30 if QUICK else 100
-CALLS = 800 if QUICK else 2000
+Effort = namedtuple("Effort", "sizes rounds events calls")
+RESULT, LOOK = Effort((10, 1000, 10000), 5, 100, 2000), Effort((10, 1000), 2, 30, 800)
 FOLDER = "/opt/norvix/bench"
 # udev's events: after the kernel's first one all devices would be looked at again.
 COMMANDS = ([PROGRAM, "--monitor=udev"], [FOLDER + "/floor-hal"])
@@ -60,10 +52,10 @@ class Running:
                                    argument, count], timeout=300)
         return float(result.stdout.split()[0])
 
-    def events(self, path):
+    def events(self, path, count):
         """The times from an event to DeviceAdded at the client, in microseconds."""
         times = []
-        for _ in range(EVENTS):
+        for _ in range(count):
             for action in ("remove", "add"):
                 before = len(news(self.client))
                 sent = self.usb.request("timed_event", path=path, action=action)
@@ -80,23 +72,26 @@ class Running:
         return int(rollup.split("Private_Dirty:")[1].split()[0])
 
 
-def measure(machine, usb, path, command):
+def measure(machine, usb, path, command, effort):
     with Running(machine, usb, command) as service:
         figures = {"memory at rest, kB": service.dirty_memory(),
                    "start until the name is owned, us": service.start * 1e6}
-        figures["GetAllDevices, us"] = service.call(MANAGER, "Manager", "GetAllDevices", "udi", CALLS // 40)
+        figures["GetAllDevices, us"] = service.call(MANAGER, "Manager", "GetAllDevices", "udi",
+                                                    effort.calls // 40)
         figures["GetProperty, us"] = service.call(CHANGING, "Device", "GetProperty",
-                                                  "usb_device.vendor_id", CALLS)
-        figures["event to DeviceAdded, us"] = statistics.median(service.events(path))
+                                                  "usb_device.vendor_id", effort.calls)
+        figures["event to DeviceAdded, us"] = statistics.median(service.events(path, effort.events))
         return figures
 
 
-def main():
+def print_table(quick):
+    """Builds what is measured, measures and prints."""
+    effort = LOOK if quick else RESULT
     subprocess.run(["ninja", "-C", str(BUILD), "norvix-hald", "floor-hal", "bench-hal-caller"], check=True,
                    stdout=subprocess.DEVNULL)
     row = "%-36s %8s %12s %12s %7s"
     print(row % ("", "devices", "norvix-hald", "floor", "ratio"))
-    for size in SIZES:
+    for size in effort.sizes:
         with PrivateMachine() as machine:
             hal_companion.prepare(machine)
             machine.start_bus(policies=[hal_companion.POLICY])
@@ -108,13 +103,10 @@ def main():
             for number in range(2, size):
                 usb.plug("1-%d" % number, 0x0572, 0xcafe, serial="S%d" % number, interfaces=())
             best = {}
-            for _ in range(ROUNDS):
+            for _ in range(effort.rounds):
                 for column, command in enumerate(COMMANDS):
-                    for name, value in measure(machine, usb, path, command).items():
+                    for name, value in measure(machine, usb, path, command, effort).items():
                         pair = best.setdefault(name, [float("inf")] * 2)
                         pair[column] = min(pair[column], value)
             for name, (ours, floor) in best.items():
                 print(row % (name, size, "%.0f" % ours, "%.0f" % floor, "%.2f" % (ours / floor)), flush=True)
-
-
-main()
