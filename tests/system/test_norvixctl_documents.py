@@ -194,9 +194,10 @@ def test_every_command_and_option_can_be_completed():
 
 def test_everything_is_translated_to_german(tmp_path):
     copy = tmp_path / "norvixctl_de.ts"
-    copy.write_bytes((REPOSITORY / "client/translations/norvixctl_de.ts").read_bytes())
+    copy.write_bytes((REPOSITORY / "ctl/translations/norvixctl_de.ts").read_bytes())
     subprocess.run(["lupdate", "-silent", "-no-obsolete", "-locations", "none",
-                    REPOSITORY / "client", "-ts", copy], check=True, capture_output=True)
+                    REPOSITORY / "client", REPOSITORY / "ctl", "-ts", copy],
+                   check=True, capture_output=True)
     contexts = ElementTree.parse(copy).getroot().iter("message")
     for message in contexts:
         source, translation = message.findtext("source"), message.find("translation")

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// norvixctl account show, account set
+#include "client/account_rules.h"
+#include "client/daemon_bus.h"
+#include "client/pppd_words.h"
+#include "client/say.h"
+#include "ctl/command_line.h"
+#include "ctl/commands.h"
+#include "ctl/screen/password_input.h"
+#include "ctl/screen/report.h"
+
+#include <unistd.h>
+
+namespace {
+
+/// The password from whoever has it; an error text instead of one that was mistyped.
+std::optional<QString> readPassword(QString &error)
+{
+    if (isatty(STDIN_FILENO) != 1) {
+        return restOfInput();
+    }
+    auto first = askHidden(Say::tr("Password"));
+    if (!first) {
+        error = Say::tr("No password was given.");
+        return std::nullopt;
+    }
+    const QString objection = passwordObjection(*first);
+    if (!objection.isEmpty()) {
+        return first; // refused below, before it is typed again
+    }
+    if (askHidden(Say::tr("Password again")) != first) {
+        error = Say::tr("The two passwords differ. Nothing was changed.");
+        return std::nullopt;
+    }
+    return first;
+}
+
+/// Login and password as the provider gets them; empty when none are stored.
+QStringList storedAccount(const BusReply &reply)
+{
+    QStringList account = reply.value.toStringList();
+    for (QString &word : account) {
+        word = decodedWord(word);
+    }
+    return account;
+}
+
+/// What the files answer afterwards; a warning when it is not what was stored.
+void compareWithFiles(
+    const DaemonBus &bus, const Terminal &terminal, const QString &login, const QString &password)
+{
+    if (storedAccount(bus.call("getLoginAndPassword")) != QStringList{login, password}) {
+        terminal.note(Say::tr("Warning: pppd's files still answer with another account, so this "
+                              "one will not take effect. “sudo norvixctl doctor --fix” mends "
+                              "them."));
+    }
+}
+
+} // namespace
+
+int runAccountShow(const Invocation &invocation, const Terminal &terminal)
+{
+    const DaemonBus bus;
+    const BusReply reply = bus.call("getLoginAndPassword");
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
+    const QStringList account = storedAccount(reply);
+    const bool isSet = account.size() == 2;
+    const bool isRevealed = invocation.has("reveal");
+    const QJsonValue none(QJsonValue::Null);
+    Report report;
+    report.add(QStringLiteral("login"), isSet ? QJsonValue(account.at(0)) : none, Say::tr("Login"),
+        isSet ? account.at(0) : Say::tr("none stored"));
+    report.add(QStringLiteral("hasPassword"), isSet,
+        isSet && !isRevealed ? Say::tr("Password") : QString(),
+        Say::tr("stored (--reveal shows it)"));
+    if (isRevealed) {
+        report.add(QStringLiteral("password"), isSet ? QJsonValue(account.at(1)) : none,
+            Say::tr("Password"), isSet ? account.at(1) : Say::tr("none stored"));
+    }
+    report.print(terminal);
+    return Ok;
+}
+
+int runAccountSet(const Invocation &invocation, const Terminal &terminal)
+{
+    QString login = invocation.arguments.value(0);
+    if (invocation.arguments.isEmpty()) {
+        if (isatty(STDIN_FILENO) != 1) {
+            return terminal.fail(
+                BadUsage, Say::tr("Give the login: “norvixctl account set LOGIN”."));
+        }
+        login = askVisible(Say::tr("Login")).value_or(QString());
+    }
+    QString objection = loginObjection(login);
+    if (!objection.isEmpty()) {
+        return terminal.fail(ValueRefused, objection);
+    }
+    const auto password = readPassword(objection);
+    if (!password) {
+        return terminal.fail(ValueRefused, objection);
+    }
+    objection = passwordObjection(*password);
+    if (objection.isEmpty()) {
+        objection = accountObjection(login, *password);
+    }
+    if (!objection.isEmpty()) {
+        return terminal.fail(ValueRefused, objection);
+    }
+
+    const DaemonBus bus;
+    const BusReply reply = bus.callSetup("SetAccount",
+        {encodedLogin(login), encodedPassword(*password)}, DaemonBus::Start::IfNeeded);
+    if (reply.code == Failed) {
+        return terminal.fail(Failed,
+            reply.error + QLatin1Char(' ')
+                + Say::tr("“norvixctl doctor” tells which of pppd's files are missing."));
+    }
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
+    terminal.line(Say::tr("The account is stored. It counts from the next connection on."));
+    compareWithFiles(bus, terminal, login, *password);
+    return Ok;
+}

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// norvixctl doctor
+#include "client/daemon_bus.h"
+#include "client/doctor_checks.h"
+#include "client/ppp_mend.h"
+#include "client/say.h"
+#include "client/text_format.h"
+#include "ctl/command_line.h"
+#include "ctl/commands.h"
+#include "ctl/screen/report.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace {
+
+constexpr int narrowestText = 34;
+
+QString verdictText(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Good:
+        return Say::tr("ok");
+    case Verdict::Doubtful:
+        return Say::tr("look");
+    case Verdict::Fault:
+        return Say::tr("FAULT");
+    case Verdict::NotChecked:
+        break;
+    }
+    return Say::tr("?");
+}
+
+Tone verdictTone(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Good:
+        return Tone::Good;
+    case Verdict::Doubtful:
+        return Tone::Doubtful;
+    case Verdict::Fault:
+        return Tone::Bad;
+    case Verdict::NotChecked:
+        break;
+    }
+    return Tone::Faint;
+}
+
+void printForPerson(const QList<Finding> &findings, const Terminal &terminal)
+{
+    int widestTitle = 0;
+    int widestVerdict = 0;
+    for (const Finding &finding : findings) {
+        widestTitle = std::max(widestTitle, finding.title.size());
+        widestVerdict = std::max(widestVerdict, verdictText(finding.verdict).size());
+    }
+    // On a narrow terminal the words go below the title.
+    const bool isNarrow = terminal.width() < widestVerdict + widestTitle + narrowestText;
+    const int margin = isNarrow ? 4 : widestVerdict + widestTitle + 4;
+    const QString indent(margin, QLatin1Char(' '));
+    const int width = terminal.width() - margin;
+    for (const Finding &finding : findings) {
+        const QString verdict = verdictText(finding.verdict).leftJustified(widestVerdict);
+        QStringList lines = wrapped(printable(finding.text), width);
+        if (!finding.remedy.isEmpty()) {
+            // The width of the arrow and its blank.
+            lines += wrapped(QStringLiteral("-> ") + finding.remedy, width, 3);
+        }
+        const QString gap = isNarrow ? QLatin1Char('\n') + indent : QStringLiteral("  ");
+        const QString title = isNarrow ? finding.title : finding.title.leftJustified(widestTitle);
+        terminal.line(terminal.toned(verdict, verdictTone(finding.verdict)) + QLatin1String("  ")
+            + title + gap + lines.join(QLatin1Char('\n') + indent));
+    }
+    const auto faults = std::count_if(findings.begin(), findings.end(),
+        [](const Finding &finding) { return finding.verdict == Verdict::Fault; });
+    terminal.line();
+    terminal.paragraph(faults == 0 ? Say::tr("Nothing that stops a connection was found.")
+                                   : Say::tr("%n thing(s) stop a connection. Begin with the first.",
+                                       nullptr, int(faults)));
+}
+
+Table tableOf(const QList<Finding> &findings)
+{
+    Table table(QStringLiteral("checks"),
+        {QStringLiteral("id"), QStringLiteral("verdict"), QStringLiteral("text"),
+            QStringLiteral("remedy")},
+        {});
+    for (const Finding &finding : findings) {
+        const QJsonValue remedy
+            = finding.remedy.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(finding.remedy);
+        table.add({finding.id, verdictWord(finding.verdict), finding.text, remedy});
+    }
+    return table;
+}
+
+} // namespace
+
+int runDoctor(const Invocation &invocation, const Terminal &terminal)
+{
+    if (invocation.has("fix")) {
+        if (geteuid() != 0) {
+            return terminal.fail(
+                NotPermitted, Say::tr("Only root may mend: “sudo norvixctl doctor --fix”."));
+        }
+        const MendResult result = mendPppFiles(gatherFacts(DaemonBus()));
+        for (const QString &text : result.done) {
+            terminal.note(text);
+        }
+        if (!result.error.isEmpty()) {
+            return terminal.fail(Failed, result.error);
+        }
+    }
+    const DaemonBus bus;
+    const QList<Finding> findings = examine(gatherFacts(bus));
+    if (terminal.form == Form::Human) {
+        printForPerson(findings, terminal);
+    } else {
+        tableOf(findings).print(terminal);
+    }
+    const bool hasFault = std::any_of(findings.begin(), findings.end(),
+        [](const Finding &finding) { return finding.verdict == Verdict::Fault; });
+    return hasFault ? FaultsFound : Ok;
+}

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// norvixctl line show, set, providers
+#include "client/daemon_bus.h"
+#include "client/providers.h"
+#include "client/say.h"
+#include "client/settings_file.h"
+#include "client/text_format.h"
+#include "ctl/command_line.h"
+#include "ctl/commands.h"
+#include "ctl/screen/report.h"
+
+#include <unistd.h>
+
+namespace {
+
+struct LineKey
+{
+    const char *key;
+    const char *getter;
+    const char *label;
+};
+
+const QList<LineKey> &lineKeys()
+{
+    static const QList<LineKey> keys = {
+        {"protocol", "getProtocol", QT_TRANSLATE_NOOP("Say", "Protocol")},
+        {"vpi", "getVPI", QT_TRANSLATE_NOOP("Say", "VPI")},
+        {"vci", "getVCI", QT_TRANSLATE_NOOP("Say", "VCI")},
+        {"service", "getService", QT_TRANSLATE_NOOP("Say", "Service")},
+    };
+    return keys;
+}
+
+/// Why the values can not be stored; empty when they can. Takes them over into @p values, none when
+/// none was given.
+QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values)
+{
+    struct Range
+    {
+        const char *key;
+        int most;
+    };
+    for (const Range &range : {Range{"vpi", 255}, Range{"vci", 65535}}) {
+        if (!invocation.has(range.key)) {
+            continue;
+        }
+        const auto number = wholeNumber(invocation.value(range.key), 0, range.most);
+        if (!number) {
+            return Say::tr("--%1 takes a whole number from 0 to %2.")
+                .arg(QLatin1String(range.key))
+                .arg(range.most);
+        }
+        values.insert(QLatin1String(range.key), *number);
+    }
+    if (invocation.has("protocol")) {
+        values.insert(QStringLiteral("protocol"), invocation.value("protocol"));
+    }
+    if (invocation.has("service")) {
+        const QString service = invocation.value("service");
+        if (printable(service) != service) {
+            return Say::tr("--service takes text without control characters.");
+        }
+        values.insert(QStringLiteral("service"), service);
+    }
+    return QString();
+}
+
+/// The daemon is the one writer of its settings. Without one, root writes the file.
+BusReply store(const QMap<QString, QVariant> &values)
+{
+    BusReply reply = DaemonBus().callSetup("SetSettings", {values}, DaemonBus::Start::IfNeeded);
+    if (reply.code == NoDaemon && geteuid() == 0) {
+        reply.code = writeSettings(values, reply.error);
+    }
+    return reply;
+}
+
+} // namespace
+
+int runLineShow(const Invocation &, const Terminal &terminal)
+{
+    const DaemonBus bus;
+    const bool isFileReadable = canReadSettings();
+    BusReply last;
+    Report report;
+    for (const LineKey &key : lineKeys()) {
+        QString value;
+        if (isFileReadable) {
+            value = settingText(key.key);
+        } else {
+            last = bus.call(key.getter);
+            value = last.value.toString();
+            value = value == QLatin1String("error") ? QString() : value;
+        }
+        const bool isSet = !value.isEmpty();
+        report.add(QLatin1String(key.key), isSet ? QJsonValue(value) : QJsonValue(QJsonValue::Null),
+            Say::tr(key.label), isSet ? value : Say::tr("not set"));
+    }
+    if (!last.ok()) {
+        return terminal.fail(last.code, last.error);
+    }
+    report.print(terminal);
+    return Ok;
+}
+
+int runLineSet(const Invocation &invocation, const Terminal &terminal)
+{
+    QMap<QString, QVariant> values;
+    const QString objection = takeValues(invocation, values);
+    if (!objection.isEmpty()) {
+        return terminal.fail(ValueRefused, objection);
+    }
+    if (values.isEmpty()) {
+        return terminal.fail(
+            BadUsage, Say::tr("Give at least one of --vpi, --vci, --protocol and --service."));
+    }
+    const BusReply reply = store(values);
+    if (!reply.ok()) {
+        return terminal.fail(reply.code, reply.error);
+    }
+    terminal.paragraph(Say::tr("Stored. The next connection uses it."));
+    const QString protocol = settingText("protocol");
+    if (protocol != QLatin1String("PPPoE")) {
+        terminal.paragraph(Say::tr("With PPPoA the circuit that counts stands in "
+                                   "/etc/ppp/peers/norvix: the line “%1.%2” behind “plugin "
+                                   "pppoatm.so”. “sudo norvixctl doctor --fix” puts it there.")
+                               .arg(settingText("vpi", QStringLiteral("0")),
+                                   settingText("vci", QStringLiteral("0"))));
+    }
+    return Ok;
+}
+
+int runLineProviders(const Invocation &, const Terminal &terminal)
+{
+    Table table(QStringLiteral("providers"),
+        {QStringLiteral("country"), QStringLiteral("name"), QStringLiteral("vpi"),
+            QStringLiteral("vci"), QStringLiteral("protocol")},
+        {Say::tr("Country"), Say::tr("Provider"), Say::tr("VPI"), Say::tr("VCI"),
+            Say::tr("Protocol")});
+    for (const Provider &provider : commonProviders()) {
+        table.add({QString::fromLatin1(provider.country), QString::fromLatin1(provider.name),
+            provider.vpi, provider.vci, QString::fromLatin1(provider.protocol)});
+    }
+    table.print(terminal);
+    if (terminal.form == Form::Human) {
+        terminal.line();
+        terminal.paragraph(Say::tr("Values that were common; the provider's own letter decides."));
+    }
+    return Ok;
+}
