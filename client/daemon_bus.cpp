@@ -2,6 +2,7 @@
 #include "client/daemon_bus.h"
 
 #include "client/say.h"
+#include "dbus/contract.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
@@ -11,15 +12,7 @@ namespace {
 
 constexpr int answerMs = 25000;
 
-QString serviceName()
-{
-    return QStringLiteral("com.norvix.Daemon");
-}
-
-QString objectPath()
-{
-    return QStringLiteral("/com/norvix/Daemon");
-}
+const QLatin1String service(Bus::service);
 
 } // namespace
 
@@ -50,12 +43,12 @@ BusReply failedReply(const QDBusError &error)
                               "see “norvixctl log”.");
         break;
     default:
-        if (error.name() == QLatin1String("com.norvix.Setup1.Error.InvalidValue")) {
+        if (error.name() == QLatin1String(Bus::setupRefused)) {
             reply.code = ValueRefused;
             reply.error = Say::tr("The daemon refuses this: %1.").arg(error.message());
             break;
         }
-        if (error.name() == QLatin1String("com.norvix.Setup1.Error.NotStored")) {
+        if (error.name() == QLatin1String(Bus::setupNotStored)) {
             reply.code = Failed;
             reply.error = Say::tr("The daemon could not store it: %1.").arg(error.message());
             break;
@@ -87,6 +80,11 @@ QString DaemonBus::notRunningText()
                    "norvix-daemon”.");
 }
 
+bool DaemonBus::isDaemonRunning() const
+{
+    return hasOwner(service);
+}
+
 bool DaemonBus::isConnected() const
 {
     return m_bus.isConnected();
@@ -100,8 +98,8 @@ bool DaemonBus::hasOwner(const QString &name) const
 BusReply DaemonBus::call(
     const char *method, const QVariantList &arguments, Start start, int timeoutMs) const
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        serviceName(), objectPath(), serviceName(), QLatin1String(method));
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QLatin1String(Bus::daemonPath),
+        QLatin1String(Bus::daemonInterface), QLatin1String(method));
     message.setArguments(arguments);
     message.setAutoStartService(start == Start::IfNeeded);
     return callOther(message, timeoutMs);
@@ -109,9 +107,8 @@ BusReply DaemonBus::call(
 
 BusReply DaemonBus::callSetup(const char *method, const QVariantList &arguments, Start start) const
 {
-    QDBusMessage message
-        = QDBusMessage::createMethodCall(serviceName(), QStringLiteral("/com/norvix/Setup"),
-            QStringLiteral("com.norvix.Setup1"), QLatin1String(method));
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QLatin1String(Bus::setupPath),
+        QLatin1String(Bus::setupInterface), QLatin1String(method));
     message.setArguments(arguments);
     message.setAutoStartService(start == Start::IfNeeded);
     return callOther(message, answerMs);
@@ -133,13 +130,13 @@ BusReply DaemonBus::callOther(const QDBusMessage &message, int timeoutMs) const
 
 void DaemonBus::listen()
 {
-    m_bus.connect(
-        serviceName(), objectPath(), serviceName(), QString(), this, SLOT(take(QDBusMessage)));
+    m_bus.connect(service, QLatin1String(Bus::daemonPath), QLatin1String(Bus::daemonInterface),
+        QString(), this, SLOT(take(QDBusMessage)));
     m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
         SIGNAL(busLost()));
-    auto *watcher = new QDBusServiceWatcher(
-        serviceName(), m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    auto *watcher
+        = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &DaemonBus::daemonAppeared);
     connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &DaemonBus::daemonLeft);
 }

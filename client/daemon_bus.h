@@ -37,7 +37,7 @@ public:
     /// False when the system bus can not be reached.
     bool isConnected() const;
     /// Whether somebody owns the daemon's name now.
-    bool isDaemonRunning() const { return hasOwner(QStringLiteral("com.norvix.Daemon")); }
+    bool isDaemonRunning() const;
     bool hasOwner(const QString &name) const;
 
     /// Calls a method of the daemon and waits for the reply, @p timeoutMs at most.

@@ -4,6 +4,7 @@
 #include "daemon/norvix_daemon.h"
 #include "daemon/process_end.h"
 #include "daemon/settings.h"
+#include "dbus/contract.h"
 #include "support/debug.h"
 #include "support/lock_file.h"
 #include "support/safe_file.h"
@@ -65,7 +66,7 @@ Name takeName(const QDBusConnection &bus)
         return Name::Unknown;
     }
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
-        = names->registerService(QStringLiteral("com.norvix.Daemon"));
+        = names->registerService(QLatin1String(Bus::service));
     if (!reply.isValid()) {
         return Name::Unknown;
     }

@@ -8,6 +8,7 @@
 #include "ctl/commands.h"
 #include "ctl/screen/password_input.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <unistd.h>
 
@@ -49,7 +50,8 @@ QStringList storedAccount(const BusReply &reply)
 void compareWithFiles(
     const DaemonBus &bus, const Terminal &terminal, const QString &login, const QString &password)
 {
-    if (storedAccount(bus.call("getLoginAndPassword")) != QStringList{login, password}) {
+    if (storedAccount(bus.call(DaemonMethod::getLoginAndPassword))
+        != QStringList{login, password}) {
         terminal.note(Say::tr("Warning: pppd's files still answer with another account, so this "
                               "one will not take effect. “sudo norvixctl doctor --fix” mends "
                               "them."));
@@ -61,7 +63,7 @@ void compareWithFiles(
 int runAccountShow(const Invocation &invocation, const Terminal &terminal)
 {
     const DaemonBus bus;
-    const BusReply reply = bus.call("getLoginAndPassword");
+    const BusReply reply = bus.call(DaemonMethod::getLoginAndPassword);
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }
@@ -110,7 +112,7 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
     }
 
     const DaemonBus bus;
-    const BusReply reply = bus.callSetup("SetAccount",
+    const BusReply reply = bus.callSetup(SetupMethod::SetAccount,
         {encodedLogin(login), encodedPassword(*password)}, DaemonBus::Start::IfNeeded);
     if (reply.code == Failed) {
         return terminal.fail(Failed,

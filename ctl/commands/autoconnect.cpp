@@ -6,6 +6,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 namespace {
 
@@ -25,8 +26,8 @@ Which chosen(const Invocation &invocation)
 
 int show(const DaemonBus &bus, const Terminal &terminal)
 {
-    const BusReply boot = bus.call("getConnectAtBoot");
-    const BusReply plug = bus.call("getConnectAtModemPlug");
+    const BusReply boot = bus.call(DaemonMethod::getConnectAtBoot);
+    const BusReply plug = bus.call(DaemonMethod::getConnectAtModemPlug);
     if (!boot.ok() || !plug.ok()) {
         return terminal.fail(
             boot.ok() ? plug.code : boot.code, boot.ok() ? plug.error : boot.error);
@@ -68,7 +69,8 @@ int runAutoconnect(const Invocation &invocation, const Terminal &terminal)
         settings.insert(QStringLiteral("connect_at_modem_plug"), on);
         settings.insert(QStringLiteral("autoconnect"), on);
     }
-    const BusReply reply = bus.callSetup("SetSettings", {settings}, DaemonBus::Start::IfNeeded);
+    const BusReply reply
+        = bus.callSetup(SetupMethod::SetSettings, {settings}, DaemonBus::Start::IfNeeded);
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }

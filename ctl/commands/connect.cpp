@@ -7,6 +7,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/terminal.h"
+#include "dbus/contract.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -58,7 +59,8 @@ public:
 private:
     bool request()
     {
-        const BusReply reply = m_bus.call("establishConnection", {}, DaemonBus::Start::IfNeeded);
+        const BusReply reply
+            = m_bus.call(DaemonMethod::establishConnection, {}, DaemonBus::Start::IfNeeded);
         if (!reply.ok()) {
             end(reply.code, reply.error);
         }
@@ -82,14 +84,14 @@ private:
 
     void awaitStart(const QString &signal)
     {
-        if (signal == QLatin1String("establishingConnection")) {
+        if (signal == QLatin1String(DaemonSignal::establishingConnection)) {
             m_isTaken = true;
             if (!m_isFollowed) {
                 end(Ok, Say::tr("Connecting. “norvixctl watch” follows it."));
                 return;
             }
             m_terminal.line(Say::tr("Connecting…"));
-        } else if (signal == QLatin1String("connectionState")) {
+        } else if (signal == QLatin1String(DaemonSignal::connectionState)) {
             // The attempt before ours has only now ended, and ours was refused because of it.
             QTimer::singleShot(0, &m_loop, [this] { request(); });
         }
@@ -97,43 +99,43 @@ private:
 
     void follow(const QString &signal, const QVariantList &arguments)
     {
-        if (signal == QLatin1String("synchronizing")) {
+        if (signal == QLatin1String(DaemonSignal::synchronizing)) {
             m_terminal.line(Say::tr("Waiting for the line to synchronise…"));
-        } else if (signal == QLatin1String("connectionEstablished")) {
+        } else if (signal == QLatin1String(DaemonSignal::connectionEstablished)) {
             m_isUp = true;
-        } else if (signal == QLatin1String("incorrectDNS")) {
+        } else if (signal == QLatin1String(DaemonSignal::incorrectDNS)) {
             m_terminal.line(
                 Say::tr("The resolver configuration is wrong; the daemon corrects it."));
-        } else if (signal == QLatin1String("IP")) {
+        } else if (signal == QLatin1String(DaemonSignal::IP)) {
             m_address = arguments.value(0).toString();
-        } else if (signal == QLatin1String("defaultRoute") && m_isUp) {
+        } else if (signal == QLatin1String(DaemonSignal::defaultRoute) && m_isUp) {
             end(Ok,
                 Say::tr("Connected: address %1, default route through %2.")
                     .arg(m_address, arguments.value(0).toString()));
-        } else if (signal == QLatin1String("synchronizationFailed")) {
+        } else if (signal == QLatin1String(DaemonSignal::synchronizationFailed)) {
             end(NoSynchronization,
                 Say::tr("The line did not synchronise. Check the telephone cable and the filter; "
                         "“norvixctl doctor” tells more."));
-        } else if (signal == QLatin1String("connectionTimeout")) {
+        } else if (signal == QLatin1String(DaemonSignal::connectionTimeout)) {
             end(NoAnswer,
                 Say::tr("Time-out: the provider does not answer. Check VPI, VCI and protocol with "
                         "“norvixctl line show”."));
-        } else if (signal == QLatin1String("invalidAccountData")) {
+        } else if (signal == QLatin1String(DaemonSignal::invalidAccountData)) {
             end(AccountRefused,
                 Say::tr("The provider refused login or password. Set them again with “norvixctl "
                         "account set”."));
-        } else if (signal == QLatin1String("connectionTerminated")) {
+        } else if (signal == QLatin1String(DaemonSignal::connectionTerminated)) {
             end(NotConnected, Say::tr("The attempt was ended by another client."));
-        } else if (signal == QLatin1String("connectionState")) {
+        } else if (signal == QLatin1String(DaemonSignal::connectionState)) {
             takeFinalState(arguments.value(0).toInt());
         }
     }
 
     void takeFinalState(int state)
     {
-        if (state == 0) {
-            const QString address = m_bus.call("getIP").value.toString();
-            const QString route = m_bus.call("getDefaultRoute").value.toString();
+        if (state == ConnectionUp) {
+            const QString address = m_bus.call(DaemonMethod::getIP).value.toString();
+            const QString route = m_bus.call(DaemonMethod::getDefaultRoute).value.toString();
             end(Ok,
                 Say::tr("Connected: address %1, default route through %2.").arg(address, route));
             return;
@@ -187,16 +189,17 @@ int runConnect(const Invocation &invocation, const Terminal &terminal)
         seconds = *given;
     }
     DaemonBus bus;
-    const BusReply state = bus.call("getConnectionState", {}, DaemonBus::Start::IfNeeded);
+    const BusReply state
+        = bus.call(DaemonMethod::getConnectionState, {}, DaemonBus::Start::IfNeeded);
     if (!state.ok()) {
         return terminal.fail(state.code, state.error);
     }
-    if (state.value.toInt() == 0) {
+    if (state.value.toInt() == ConnectionUp) {
         // The daemon would not refuse: it would start a second pppd.
         terminal.line(Say::tr("Already connected."));
         return Ok;
     }
     bus.listen();
     Attempt attempt(bus, terminal, invocation.has("wait") || invocation.has("timeout"));
-    return attempt.run(state.value.toInt() == 1, seconds * 1000);
+    return attempt.run(state.value.toInt() == ConnectionConnecting, seconds * 1000);
 }

@@ -8,6 +8,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/terminal.h"
+#include "dbus/contract.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -41,7 +42,7 @@ public:
     {
         // What comes while a call waits for its answer is looked at right after it.
         QObject::connect(&bus, &DaemonBus::received, &m_loop, [this](const QString &signal) {
-            if (signal == QLatin1String("connectionState")) {
+            if (signal == QLatin1String(DaemonSignal::connectionState)) {
                 QTimer::singleShot(0, &m_loop, [this] { look(); });
             }
         });
@@ -70,11 +71,11 @@ public:
     }
 
 private:
-    BusReply endNow() const { return m_bus.call("terminateConnection"); }
+    BusReply endNow() const { return m_bus.call(DaemonMethod::terminateConnection); }
 
     void look()
     {
-        const BusReply reply = m_bus.call("getConnectionState");
+        const BusReply reply = m_bus.call(DaemonMethod::getConnectionState);
         if (!reply.ok()) {
             m_loop.exit(Ok); // nobody is there who could go on
             return;

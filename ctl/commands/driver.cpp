@@ -6,6 +6,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -50,7 +51,7 @@ QString moduleText(Module module)
 int runDriverShow(const Invocation &, const Terminal &terminal)
 {
     const DaemonBus bus;
-    const BusReply compiling = bus.call("getIsCompiling");
+    const BusReply compiling = bus.call(DaemonMethod::getIsCompiling);
     const Facts facts = gatherDriverFacts();
     const bool isKnown = !facts.driver.isEmpty();
     const QJsonValue none(QJsonValue::Null);
@@ -75,14 +76,14 @@ int runDriverRestart(const Invocation &, const Terminal &terminal)
     QEventLoop loop;
     bool hasStarted = false;
     QObject::connect(&bus, &DaemonBus::received, &loop, [&](const QString &signal) {
-        hasStarted = hasStarted || signal == QLatin1String("restartModemStarted");
-        if (signal == QLatin1String("restartModemFinished") && hasStarted) {
+        hasStarted = hasStarted || signal == QLatin1String(DaemonSignal::restartModemStarted);
+        if (signal == QLatin1String(DaemonSignal::restartModemFinished) && hasStarted) {
             loop.exit(Ok);
         }
     });
     QObject::connect(&bus, &DaemonBus::daemonLeft, &loop, [&] { loop.exit(NoDaemon); });
     bus.listen();
-    const BusReply reply = bus.call("restartModem", {}, DaemonBus::Start::IfNeeded);
+    const BusReply reply = bus.call(DaemonMethod::restartModem, {}, DaemonBus::Start::IfNeeded);
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }

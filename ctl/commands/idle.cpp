@@ -5,6 +5,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <limits>
 
@@ -18,7 +19,8 @@ int runIdle(const Invocation &invocation, const Terminal &terminal)
             return terminal.fail(
                 ValueRefused, Say::tr("The idle time is a whole number from 0 to %1.").arg(most));
         }
-        const BusReply reply = bus.call("setIdlenessTime", {*number}, DaemonBus::Start::IfNeeded);
+        const BusReply reply
+            = bus.call(DaemonMethod::setIdlenessTime, {*number}, DaemonBus::Start::IfNeeded);
         if (!reply.ok()) {
             return terminal.fail(reply.code, reply.error);
         }
@@ -26,7 +28,7 @@ int runIdle(const Invocation &invocation, const Terminal &terminal)
             Say::tr("Stored. The daemon itself does not act on it; desktop clients may."));
         return Ok;
     }
-    const BusReply reply = bus.call("getIdlenessTime");
+    const BusReply reply = bus.call(DaemonMethod::getIdlenessTime);
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }

@@ -8,6 +8,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <unistd.h>
 
@@ -23,10 +24,10 @@ struct LineKey
 const QList<LineKey> &lineKeys()
 {
     static const QList<LineKey> keys = {
-        {"protocol", "getProtocol", QT_TRANSLATE_NOOP("Say", "Protocol")},
-        {"vpi", "getVPI", QT_TRANSLATE_NOOP("Say", "VPI")},
-        {"vci", "getVCI", QT_TRANSLATE_NOOP("Say", "VCI")},
-        {"service", "getService", QT_TRANSLATE_NOOP("Say", "Service")},
+        {"protocol", DaemonMethod::getProtocol, QT_TRANSLATE_NOOP("Say", "Protocol")},
+        {"vpi", DaemonMethod::getVPI, QT_TRANSLATE_NOOP("Say", "VPI")},
+        {"vci", DaemonMethod::getVCI, QT_TRANSLATE_NOOP("Say", "VCI")},
+        {"service", DaemonMethod::getService, QT_TRANSLATE_NOOP("Say", "Service")},
     };
     return keys;
 }
@@ -68,7 +69,8 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
 /// The daemon is the one writer of its settings. Without one, root writes the file.
 BusReply store(const QMap<QString, QVariant> &values)
 {
-    BusReply reply = DaemonBus().callSetup("SetSettings", {values}, DaemonBus::Start::IfNeeded);
+    BusReply reply
+        = DaemonBus().callSetup(SetupMethod::SetSettings, {values}, DaemonBus::Start::IfNeeded);
     if (reply.code == NoDaemon && geteuid() == 0) {
         reply.code = writeSettings(values, reply.error);
     }
@@ -90,7 +92,7 @@ int runLineShow(const Invocation &, const Terminal &terminal)
         } else {
             last = bus.call(key.getter);
             value = last.value.toString();
-            value = value == QLatin1String("error") ? QString() : value;
+            value = value == QLatin1String(Bus::unset) ? QString() : value;
         }
         const bool isSet = !value.isEmpty();
         report.add(QLatin1String(key.key), isSet ? QJsonValue(value) : QJsonValue(QJsonValue::Null),

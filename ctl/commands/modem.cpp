@@ -7,6 +7,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ bool isConfigured(const UsbModem &modem)
 int runModemShow(const Invocation &, const Terminal &terminal)
 {
     const DaemonBus bus;
-    const BusReply plugged = bus.call("getIsModemPlugged");
+    const BusReply plugged = bus.call(DaemonMethod::getIsModemPlugged);
     const UsbId id = configuredId();
     const bool isSet = id.vendor != 0;
     const QJsonValue none(QJsonValue::Null);
@@ -95,7 +96,7 @@ int runModemPlugged(const Invocation &, const Terminal &terminal)
 int runModemAdopt(const Invocation &, const Terminal &terminal)
 {
     const DaemonBus bus;
-    const BusReply plugged = bus.call("getIsModemPlugged");
+    const BusReply plugged = bus.call(DaemonMethod::getIsModemPlugged);
     if (!plugged.ok()) {
         return terminal.fail(plugged.code, plugged.error);
     }
@@ -107,7 +108,7 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
         return terminal.fail(Failed, Say::tr("No supported modem is plugged in."));
     }
     // Adopting nothing would make the daemon forget the modem that it knows.
-    const BusReply announced = bus.callSetup("GetAnnouncedModem");
+    const BusReply announced = bus.callSetup(SetupMethod::GetAnnouncedModem);
     if (!announced.ok()) {
         return terminal.fail(announced.code, announced.error);
     }
@@ -118,7 +119,7 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
                     "while it runs. Unplug it, plug it in again, wait ten seconds, and repeat "
                     "the command."));
     }
-    const BusReply reply = bus.call("useNewModem");
+    const BusReply reply = bus.call(DaemonMethod::useNewModem);
     if (!reply.ok()) {
         return terminal.fail(reply.code, reply.error);
     }

@@ -7,6 +7,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <QDateTime>
 #include <QEventLoop>
@@ -48,7 +49,7 @@ int runMonitor(const Invocation &, const Terminal &terminal)
     StopSignals stop;
     DaemonBus bus;
     if (!bus.isConnected()) {
-        return terminal.fail(NoDaemon, bus.call("reply").error);
+        return terminal.fail(NoDaemon, bus.call(DaemonMethod::reply).error);
     }
     QEventLoop loop;
     const auto own = [&terminal](const char *name, const QString &text) {

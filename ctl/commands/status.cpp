@@ -9,6 +9,7 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ QJsonValue textOrNull(const QString &text)
 /// The daemon's placeholder for "none" as an empty text.
 QString withoutDots(const QString &text)
 {
-    return text == QLatin1String("...") ? QString() : text;
+    return text == QLatin1String(Bus::none) ? QString() : text;
 }
 
 void addModem(Report &report, const BusReply &plugged)
@@ -102,10 +103,10 @@ void addConnection(Report &report, const DaemonBus &bus, int state)
     const auto ask = [&](const char *method) {
         return bus.call(method, {}, DaemonBus::Start::Never, shortTimeoutMs).value.toString();
     };
-    const bool isUp = state == 0;
-    const QString interface = isUp ? ask("getInterface") : QString();
-    const QString address = isUp ? withoutDots(ask("getIP")) : QString();
-    const QString route = withoutDots(ask("getDefaultRoute"));
+    const bool isUp = state == ConnectionUp;
+    const QString interface = isUp ? ask(DaemonMethod::getInterface) : QString();
+    const QString address = isUp ? withoutDots(ask(DaemonMethod::getIP)) : QString();
+    const QString route = withoutDots(ask(DaemonMethod::getDefaultRoute));
     const auto shown
         = [](const QString &text) { return text.isEmpty() ? QStringLiteral("-") : text; };
 
@@ -127,17 +128,18 @@ int runStatus(const Invocation &, const Terminal &terminal)
     const DaemonBus bus;
     const bool isRunning = bus.isDaemonRunning();
     const BusReply state
-        = bus.call("getConnectionState", {}, DaemonBus::Start::Never, shortTimeoutMs);
+        = bus.call(DaemonMethod::getConnectionState, {}, DaemonBus::Start::Never, shortTimeoutMs);
     const BusReply compiling
-        = bus.call("getIsCompiling", {}, DaemonBus::Start::Never, shortTimeoutMs);
+        = bus.call(DaemonMethod::getIsCompiling, {}, DaemonBus::Start::Never, shortTimeoutMs);
 
     Report report;
     report.add(QStringLiteral("daemon.running"), isRunning, Say::tr("Daemon"),
         isRunning ? Say::tr("running") : Say::tr("not running"),
         isRunning ? Tone::Good : Tone::Bad);
-    addModem(report, bus.call("getIsModemPlugged", {}, DaemonBus::Start::Never, shortTimeoutMs));
+    addModem(report,
+        bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs));
     addLine(report);
-    addConnection(report, bus, state.ok() ? state.value.toInt() : -1);
+    addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
     report.add(QStringLiteral("driver.compiling"),
         compiling.ok() ? QJsonValue(compiling.value.toBool()) : QJsonValue(QJsonValue::Null));
     if (compiling.value.toBool()) {

@@ -8,6 +8,7 @@
 #include "ctl/screen/charset.h"
 #include "ctl/screen/report.h"
 #include "ctl/screen/watch_view.h"
+#include "dbus/contract.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -21,7 +22,7 @@ constexpr int shortTimeoutMs = 3000;
 bool isFigure(const QString &signal)
 {
     return signal.startsWith(QLatin1String("transmission"))
-        || signal == QLatin1String("connectionTime");
+        || signal == QLatin1String(DaemonSignal::connectionTime);
 }
 
 class View
@@ -70,13 +71,13 @@ private:
         const auto ask = [this](const char *method) {
             return m_bus.call(method, {}, DaemonBus::Start::Never, shortTimeoutMs).value;
         };
-        const QVariant connection = ask("getConnectionState");
-        m_state.connection = connection.isValid() ? connection.toInt() : -1;
+        const QVariant connection = ask(DaemonMethod::getConnectionState);
+        m_state.connection = connection.isValid() ? connection.toInt() : connectionUnknown;
         forgetConnection(m_state);
-        if (m_state.connection == 0) {
-            m_state.interface = ask("getInterface").toString();
-            m_state.address = ask("getIP").toString();
-            m_state.route = ask("getDefaultRoute").toString();
+        if (m_state.connection == ConnectionUp) {
+            m_state.interface = ask(DaemonMethod::getInterface).toString();
+            m_state.address = ask(DaemonMethod::getIP).toString();
+            m_state.route = ask(DaemonMethod::getDefaultRoute).toString();
         }
         m_isScreen ? draw() : printChange();
     }
@@ -84,10 +85,10 @@ private:
     void take(const QString &signal, const QVariantList &arguments)
     {
         const bool closesTick = takeSignal(m_state, signal, arguments);
-        if (signal == QLatin1String("defaultRoute")) {
+        if (signal == QLatin1String(DaemonSignal::defaultRoute)) {
             m_state.interface = m_bus
-                                    .call(
-                                        "getInterface", {}, DaemonBus::Start::Never, shortTimeoutMs)
+                                    .call(DaemonMethod::getInterface, {}, DaemonBus::Start::Never,
+                                        shortTimeoutMs)
                                     .value.toString();
         }
         if (m_isScreen) {
@@ -170,7 +171,7 @@ int runWatch(const Invocation &invocation, const Terminal &terminal)
     StopSignals stop;
     DaemonBus bus;
     if (!bus.isConnected()) {
-        return terminal.fail(NoDaemon, bus.call("reply").error);
+        return terminal.fail(NoDaemon, bus.call(DaemonMethod::reply).error);
     }
     View view(bus, terminal, mostTicks);
     const int code = view.run(stop);

@@ -2,8 +2,8 @@
 #include "ctl/screen/watch_view.h"
 
 #include "client/say.h"
-#include "client/signal_text.h"
 #include "client/text_format.h"
+#include "dbus/contract.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,7 +50,7 @@ QString connectionLine(const WatchState &state)
         return Say::tr("the daemon is not running");
     }
     QStringList parts = {connectionText(state.connection)};
-    if (state.connection == 0) {
+    if (state.connection == ConnectionUp) {
         parts.append({orDash(state.interface), orDash(state.address)});
     }
     if (state.seconds) {
@@ -89,42 +89,42 @@ bool takeSignal(WatchState &state, const QString &signal, const QVariantList &ar
 {
     const QVariant first = arguments.value(0);
     const QVariant second = arguments.value(1);
-    if (signal == QLatin1String("transmissionSpeed")) {
+    if (signal == QLatin1String(DaemonSignal::transmissionSpeed)) {
         state.receiveRate = plausibleRate(first);
         state.sendRate = plausibleRate(second);
         remember(state.receiveHistory, state.receiveRate);
         remember(state.sendHistory, state.sendRate);
         return false;
     }
-    if (signal == QLatin1String("transmissionErrors")) {
+    if (signal == QLatin1String(DaemonSignal::transmissionErrors)) {
         state.receiveErrors = first.toDouble();
         state.sendErrors = second.toDouble();
         return false;
     }
-    if (signal == QLatin1String("transmissionBytes")) {
+    if (signal == QLatin1String(DaemonSignal::transmissionBytes)) {
         state.received = first.toDouble();
         state.sent = second.toDouble();
         return true;
     }
-    if (signal == QLatin1String("connectionTime")) {
+    if (signal == QLatin1String(DaemonSignal::connectionTime)) {
         state.seconds = first.toLongLong() * 3600 + second.toLongLong() * 60
             + arguments.value(2).toLongLong();
         return false;
     }
-    if (signal == QLatin1String("IP")) {
+    if (signal == QLatin1String(DaemonSignal::IP)) {
         state.address = first.toString();
-    } else if (signal == QLatin1String("defaultRoute")) {
+    } else if (signal == QLatin1String(DaemonSignal::defaultRoute)) {
         state.route = first.toString();
-    } else if (signal == QLatin1String("connectionEstablished")) {
-        state.connection = 0;
-    } else if (signal == QLatin1String("connectionState")) {
+    } else if (signal == QLatin1String(DaemonSignal::connectionEstablished)) {
+        state.connection = ConnectionUp;
+    } else if (signal == QLatin1String(DaemonSignal::connectionState)) {
         state.connection = first.toInt();
-    } else if (signal == QLatin1String("establishingConnection")) {
-        state.connection = 1;
-    } else if (signal == QLatin1String("connectionTerminated")) {
-        state.connection = 2;
+    } else if (signal == QLatin1String(DaemonSignal::establishingConnection)) {
+        state.connection = ConnectionConnecting;
+    } else if (signal == QLatin1String(DaemonSignal::connectionTerminated)) {
+        state.connection = ConnectionDown;
     }
-    if (state.connection == 2) {
+    if (state.connection == ConnectionDown) {
         forgetConnection(state);
     }
     state.event = signalText(signal, arguments);

@@ -2,6 +2,8 @@
 // The live view as a value: signals go in, lines of text come out.
 #pragma once
 
+#include "client/signal_text.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -12,7 +14,7 @@
 struct WatchState
 {
     bool isDaemonThere = false;
-    int connection = -1; ///< as on the bus; -1 while unknown
+    int connection = connectionUnknown; ///< as on the bus
     QString interface;
     QString address;
     QString route;

@@ -86,20 +86,6 @@ def test_the_manual_names_the_schema_where_it_is_installed():
     assert "/usr/share/norvix/norvixctl.schema.json" in page("norvixctl.1")
 
 
-def test_the_bus_page_has_every_method_and_signal_in_order():
-    interface = ElementTree.parse(REPOSITORY / "dbus/com.norvix.Daemon.xml").getroot()[0]
-    text = page("com.norvix.Daemon.7")
-    for kind, heading in (("method", "METHODS"), ("signal", "SIGNALS")):
-        expected = []
-        for member in interface.findall(kind):
-            given = [arg for arg in member if kind == "signal" or arg.get("direction") == "in"]
-            back = [arg for arg in member if kind == "method" and arg.get("direction") == "out"]
-            arguments = ", ".join(arg.get("type") + " " + arg.get("name") for arg in given)
-            expected.append("%s(%s)%s" % (member.get("name"), arguments,
-                                          "".join(" -> " + arg.get("type") for arg in back)))
-        assert re.findall(r'^\.B "(.*)"$', section(text, heading), re.MULTILINE) == expected
-
-
 def test_the_settings_page_has_every_key_that_the_daemon_uses():
     used = set()
     for room in ("daemon", "connection", "driver", "network"):

@@ -3,6 +3,7 @@
 #include "client/signal_text.h"
 #include "client/text_format.h"
 #include "ctl/screen/report.h"
+#include "dbus/contract.h"
 
 #include <QJsonDocument>
 #include <QTest>
@@ -145,6 +146,15 @@ private slots:
         QFETCH(QVariantList, arguments);
         QFETCH(QString, text);
         QCOMPARE(signalText(signal, arguments), text);
+    }
+
+    void everySignalOfTheInterfaceHasOneOfItsOwn()
+    {
+        for (const BusSignal &signal : daemonSignals) {
+            const QString name = QLatin1String(signal.name);
+            const QString text = signalText(name, {1, 2, 3});
+            QVERIFY2(!text.startsWith(name + QLatin1Char(' ')), signal.name);
+        }
     }
 
     void argumentsAreNamedAsInTheInterfaceDescription()
