@@ -27,9 +27,7 @@ const std::vector<SignalRow> &signalTable()
         {DaemonSignal::defaultRoute, QT_TRANSLATE_NOOP("Say", "default route: through %1")},
         {DaemonSignal::connectionTime, QT_TRANSLATE_NOOP("Say", "connected for %1")},
         {DaemonSignal::modemPlugged, QT_TRANSLATE_NOOP("Say", "modem plugged: %1")},
-        {DaemonSignal::newModemPlugged,
-            QT_TRANSLATE_NOOP(
-                "Say", "new modem plugged: %1 – “norvixctl modem adopt” takes it into use")},
+        {DaemonSignal::newModemPlugged, QT_TRANSLATE_NOOP("Say", "new modem plugged: %1")},
         {DaemonSignal::modemUnplugged, QT_TRANSLATE_NOOP("Say", "modem unplugged")},
         {DaemonSignal::newModemUnplugged, QT_TRANSLATE_NOOP("Say", "new modem unplugged")},
         {DaemonSignal::incorrectDNS, QT_TRANSLATE_NOOP("Say", "resolver configuration is wrong")},

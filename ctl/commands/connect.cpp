@@ -6,6 +6,7 @@
 #include "client/say.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/remedy_text.h"
 #include "ctl/screen/terminal.h"
 #include "dbus/contract.h"
 
@@ -144,7 +145,8 @@ private:
         const auto log = fileContent(QStringLiteral("/opt/norvix/daemon.log"), 16 << 20);
         const PppdVerdict verdict = explainPppd(pppdLinesOfLog(log.value_or("")));
         if (!verdict.line.isEmpty() && !verdict.isGood) {
-            text += QLatin1Char(' ') + verdict.meaning + QLatin1Char(' ') + verdict.remedy;
+            text += QLatin1Char(' ') + verdict.meaning + QLatin1Char(' ')
+                + remedyText(verdict.remedy);
         } else {
             text += QLatin1Char(' ') + Say::tr("“norvixctl doctor” looks for the reason.");
         }

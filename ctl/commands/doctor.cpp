@@ -7,6 +7,7 @@
 #include "client/text_format.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ void printForPerson(const QList<Finding> &findings, const Terminal &terminal)
     int widestTitle = 0;
     int widestVerdict = 0;
     for (const Finding &finding : findings) {
-        widestTitle = std::max(widestTitle, finding.title.size());
+        widestTitle = std::max(widestTitle, checkTitle(finding.check).size());
         widestVerdict = std::max(widestVerdict, verdictText(finding.verdict).size());
     }
     // On a narrow terminal the words go below the title.
@@ -61,13 +62,15 @@ void printForPerson(const QList<Finding> &findings, const Terminal &terminal)
     const int width = terminal.width() - margin;
     for (const Finding &finding : findings) {
         const QString verdict = verdictText(finding.verdict).leftJustified(widestVerdict);
-        QStringList lines = wrapped(printable(finding.text), width);
-        if (!finding.remedy.isEmpty()) {
+        QStringList lines = wrapped(printable(factsText(finding)), width);
+        const QString remedy = remedyText(finding.remedy);
+        if (!remedy.isEmpty()) {
             // The width of the arrow and its blank.
-            lines += wrapped(QStringLiteral("-> ") + finding.remedy, width, 3);
+            lines += wrapped(QStringLiteral("-> ") + remedy, width, 3);
         }
         const QString gap = isNarrow ? QLatin1Char('\n') + indent : QStringLiteral("  ");
-        const QString title = isNarrow ? finding.title : finding.title.leftJustified(widestTitle);
+        const QString name = checkTitle(finding.check);
+        const QString title = isNarrow ? name : name.leftJustified(widestTitle);
         terminal.line(terminal.toned(verdict, verdictTone(finding.verdict)) + QLatin1String("  ")
             + title + gap + lines.join(QLatin1Char('\n') + indent));
     }
@@ -86,9 +89,9 @@ Table tableOf(const QList<Finding> &findings)
             QStringLiteral("remedy")},
         {});
     for (const Finding &finding : findings) {
-        const QJsonValue remedy
-            = finding.remedy.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(finding.remedy);
-        table.add({finding.id, verdictWord(finding.verdict), finding.text, remedy});
+        const QString remedy = remedyText(finding.remedy);
+        table.add({finding.check, verdictWord(finding.verdict), factsText(finding),
+            remedy.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(remedy)});
     }
     return table;
 }

@@ -6,6 +6,7 @@
 #include "client/stop_signals.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
@@ -58,7 +59,7 @@ int runMonitor(const Invocation &, const Terminal &terminal)
     QObject::connect(&bus, &DaemonBus::received, &loop,
         [&](const QString &signal, const QVariantList &arguments) {
             printEvent(terminal, signal, signalArguments(signal, arguments),
-                signalText(signal, arguments));
+                signalWithRemedy(signal, arguments));
         });
     QObject::connect(&bus, &DaemonBus::daemonAppeared, &loop,
         [&] { own("daemon-appeared", Say::tr("the daemon has started")); });

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/screen/watch_view.h"
 
+#include "ctl/screen/remedy_text.h"
+
 #include "client/say.h"
 #include "client/text_format.h"
 #include "dbus/contract.h"
@@ -127,7 +129,7 @@ bool takeSignal(WatchState &state, const QString &signal, const QVariantList &ar
     if (state.connection == ConnectionDown) {
         forgetConnection(state);
     }
-    state.event = signalText(signal, arguments);
+    state.event = signalWithRemedy(signal, arguments);
     return false;
 }
 

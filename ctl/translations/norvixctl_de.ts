@@ -1412,6 +1412,14 @@
         <translation>Modem eingesteckt: %1</translation>
     </message>
     <message>
+        <source>new modem plugged: %1</source>
+        <translation>neues Modem eingesteckt: %1</translation>
+    </message>
+    <message>
+        <source>There is no “user” line.</source>
+        <translation>Es gibt keine Zeile „user“.</translation>
+    </message>
+    <message>
         <source>new modem plugged: %1 – “norvixctl modem adopt” takes it into use</source>
         <translation>neues Modem eingesteckt: %1 – „norvixctl modem adopt“ übernimmt es</translation>
     </message>

@@ -279,19 +279,18 @@ private slots:
         QFETCH(bool, isPppoe);
         QFETCH(QString, fault);
         const PeerKind kind = isPppoe ? PeerKind::Bridge : PeerKind::Atm;
-        const QStringList faults = peerFaults(content, kind, QStringLiteral("8.35"));
-        if (fault.isEmpty()) {
-            QCOMPARE(faults, QStringList());
-        } else {
-            QVERIFY2(faults.join(QLatin1Char(' ')).contains(fault),
-                qPrintable(faults.join(QLatin1Char(' '))));
+        QString said;
+        for (const Fact &found : peerFaults(content, kind, QStringLiteral("8.35"))) {
+            said += found.text + QLatin1Char(' ');
         }
+        QCOMPARE(said.isEmpty(), fault.isEmpty());
+        QVERIFY2(said.contains(fault), qPrintable(said));
     }
 
     void aModemWithItsOwnInterfaceNeedsNeitherBridgeNorCircuit()
     {
         const QByteArray peer = "nic-dsl0\nuser \"me\"\nnoauth\nupdetach\nnoipv6\n";
-        QCOMPARE(peerFaults(peer, PeerKind::OwnInterface, QString()), QStringList());
+        QVERIFY(peerFaults(peer, PeerKind::OwnInterface, QString()).isEmpty());
         QCOMPARE(peerFaults("user me\nnoauth\n", PeerKind::OwnInterface, QString()).size(), 1);
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The judgements of the client's check-up, fact by fact.
+// The judgements of the check-up, fact by fact, in the words of this program.
 #include "client/doctor_checks.h"
+#include "ctl/screen/remedy_text.h"
 
 #include <QTest>
 #include <functional>
@@ -47,7 +48,7 @@ using Spoil = std::function<void(Facts &)>;
 
 Q_DECLARE_METATYPE(Spoil)
 
-class ClientDoctorTest : public QObject
+class CtlDoctorTest : public QObject
 {
     Q_OBJECT
 
@@ -56,8 +57,8 @@ private slots:
     {
         for (const Finding &finding : examine(soundFacts())) {
             QVERIFY2(finding.verdict == Verdict::Good,
-                qPrintable(finding.id + QLatin1String(": ") + finding.text));
-            QVERIFY(finding.remedy.isEmpty());
+                qPrintable(finding.check + QLatin1String(": ") + factsText(finding)));
+            QVERIFY(finding.remedy.kind == RemedyKind::None);
         }
     }
 
@@ -72,9 +73,10 @@ private slots:
         unicorn.atmModule = unicorn.usbatmModule = unicorn.bridgeModule = Module::Missing;
         for (const Facts &facts : {overAtm, unicorn}) {
             for (const Finding &finding : examine(facts)) {
-                if (finding.id == QLatin1String("driver") || finding.id == QLatin1String("ppp")
-                    || finding.id == QLatin1String("bridge")) {
-                    QVERIFY2(finding.verdict == Verdict::Good, qPrintable(finding.text));
+                if (finding.check == QLatin1String("driver")
+                    || finding.check == QLatin1String("ppp")
+                    || finding.check == QLatin1String("bridge")) {
+                    QVERIFY2(finding.verdict == Verdict::Good, qPrintable(factsText(finding)));
                 }
             }
         }
@@ -88,6 +90,14 @@ private slots:
         QCOMPARE(facts.protocolModuleName(), "pppoatm");
         facts.configured = {0x0483, 0x0138};
         QCOMPARE(facts.protocolModuleName(), "pppoe");
+    }
+
+    void everyRemedyButNoneIsTold()
+    {
+        for (int kind = 1; kind <= int(RemedyKind::ConnectLater); ++kind) {
+            QVERIFY(!remedyText({RemedyKind(kind), QString()}).isEmpty());
+        }
+        QCOMPARE(remedyText({}), QString());
     }
 
     void eachFactIsJudged_data()
@@ -268,6 +278,10 @@ private slots:
             },
             "fault", "account set");
         row(
+            "no user line", "peer", [](Facts &f) { f.peer.content->replace("user \"me\"\n", ""); },
+            "fault",
+            "peers/norvix: There is no “user” line: set the account with “norvixctl account");
+        row(
             "another login in the peer file", "secrets",
             [](Facts &f) { f.peer.content->replace("\"me\"", "\"you\""); }, "fault",
             "is not the login");
@@ -296,11 +310,12 @@ private slots:
         Facts facts = soundFacts();
         spoil(facts);
         for (const Finding &finding : examine(facts)) {
-            if (finding.id == id) {
+            if (finding.check == id) {
                 QCOMPARE(verdictWord(finding.verdict), verdict);
-                const QString said = finding.text + QLatin1Char(' ') + finding.remedy;
+                const QString remedy = remedyText(finding.remedy);
+                const QString said = factsText(finding) + QLatin1Char(' ') + remedy;
                 QVERIFY2(said.contains(words), qPrintable(said));
-                QVERIFY(finding.verdict != Verdict::Fault || !finding.remedy.isEmpty());
+                QVERIFY(finding.verdict != Verdict::Fault || !remedy.isEmpty());
                 return;
             }
         }
@@ -308,5 +323,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ClientDoctorTest)
+QTEST_GUILESS_MAIN(CtlDoctorTest)
 #include "doctor_test.moc"

@@ -2,6 +2,7 @@
 // What the command-line client makes of numbers, paragraphs and values.
 #include "client/signal_text.h"
 #include "client/text_format.h"
+#include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
@@ -155,6 +156,18 @@ private slots:
             const QString text = signalText(name, {1, 2, 3});
             QVERIFY2(!text.startsWith(name + QLatin1Char(' ')), signal.name);
         }
+    }
+
+    void aNewModemsSentenceNamesTheCommand()
+    {
+        const QString name = QStringLiteral("%1 modem");
+        QCOMPARE(signalText(QLatin1String(DaemonSignal::newModemPlugged), {name}),
+            QStringLiteral("new modem plugged: %1 modem"));
+        QCOMPARE(signalWithRemedy(QLatin1String(DaemonSignal::newModemPlugged), {name}),
+            QStringLiteral("new modem plugged: %1 modem – “norvixctl modem adopt” takes it into "
+                           "use"));
+        QCOMPARE(signalWithRemedy(QLatin1String(DaemonSignal::modemUnplugged), {}),
+            signalText(QLatin1String(DaemonSignal::modemUnplugged), {}));
     }
 
     void argumentsAreNamedAsInTheInterfaceDescription()
