@@ -2,7 +2,7 @@
 #include "ctl/help_text.h"
 
 #include "client/say.h"
-#include "client/text_format.h"
+#include "ctl/screen/paragraph.h"
 
 #include <QJsonArray>
 #include <algorithm>

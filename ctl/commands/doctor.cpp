@@ -7,6 +7,7 @@
 #include "client/text_format.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/paragraph.h"
 #include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 

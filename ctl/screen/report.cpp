@@ -3,6 +3,7 @@
 
 #include "client/text_format.h"
 #include "ctl/screen/charset.h"
+#include "ctl/screen/paragraph.h"
 
 #include <QJsonDocument>
 #include <algorithm>

@@ -2,8 +2,8 @@
 #include "ctl/screen/terminal.h"
 
 #include "client/say.h"
-#include "client/text_format.h"
 #include "ctl/screen/charset.h"
+#include "ctl/screen/paragraph.h"
 
 #include <QByteArray>
 #include <algorithm>
