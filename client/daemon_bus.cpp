@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "client/daemon_bus.h"
 
-#include "client/say.h"
+#include "dbus/contract.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
@@ -11,68 +11,40 @@ namespace {
 
 constexpr int answerMs = 25000;
 
-QString serviceName()
-{
-    return QStringLiteral("com.norvix.Daemon");
-}
-
-QString objectPath()
-{
-    return QStringLiteral("/com/norvix/Daemon");
-}
+const QLatin1String service(Bus::service);
 
 } // namespace
 
-BusReply failedReply(const QDBusError &error)
+Failure failureOf(const QDBusError &error)
 {
-    BusReply reply;
     switch (error.type()) {
     case QDBusError::ServiceUnknown:
-        reply.code = NoDaemon;
-        reply.error = DaemonBus::notRunningText();
-        break;
+        return {FailureKind::NoDaemon, QString()};
     case QDBusError::Disconnected:
     case QDBusError::NoServer:
-        reply.code = NoDaemon;
-        reply.error = Say::tr("The system bus can not be reached: is dbus-daemon running?");
-        break;
+        return {FailureKind::NoBus, QString()};
     case QDBusError::AccessDenied:
-        reply.code = NotPermitted;
-        reply.error = Say::tr("The system bus does not let you do this. Members of the group "
-                              "“norvix” and root may: “sudo usermod -a -G norvix $USER”, then log "
-                              "in again.");
-        break;
+        return {FailureKind::NotPermitted, QString()};
     case QDBusError::NoReply:
     case QDBusError::Timeout:
     case QDBusError::TimedOut:
-        reply.code = Failed;
-        reply.error = Say::tr("The daemon does not answer. It may be waiting for another program; "
-                              "see “norvixctl log”.");
-        break;
+        return {FailureKind::NoAnswer, QString()};
     default:
-        if (error.name() == QLatin1String("com.norvix.Setup1.Error.InvalidValue")) {
-            reply.code = ValueRefused;
-            reply.error = Say::tr("The daemon refuses this: %1.").arg(error.message());
-            break;
-        }
-        if (error.name() == QLatin1String("com.norvix.Setup1.Error.NotStored")) {
-            reply.code = Failed;
-            reply.error = Say::tr("The daemon could not store it: %1.").arg(error.message());
-            break;
-        }
-        if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
-            reply.code = NoDaemon;
-            reply.error = DaemonBus::notRunningText();
-            break;
-        }
-        // A failed activation comes under several names of its own.
-        reply.code = error.name().contains(QLatin1String(".Spawn.")) ? NoDaemon : Failed;
-        reply.error = reply.code == NoDaemon
-            ? Say::tr("The system bus could not start the daemon: %1").arg(error.message())
-            : Say::tr("The daemon answered with an error: %1").arg(error.message());
         break;
     }
-    return reply;
+    if (error.name() == QLatin1String(Bus::setupRefused)) {
+        return {FailureKind::DaemonRefused, error.message()};
+    }
+    if (error.name() == QLatin1String(Bus::setupNotStored)) {
+        return {FailureKind::DaemonNotStored, error.message()};
+    }
+    if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
+        return {FailureKind::NoDaemon, QString()};
+    }
+    // A failed activation comes under several names of its own.
+    return {error.name().contains(QLatin1String(".Spawn.")) ? FailureKind::NotStarted
+                                                            : FailureKind::DaemonError,
+        error.message()};
 }
 
 DaemonBus::DaemonBus(QObject *parent)
@@ -81,10 +53,9 @@ DaemonBus::DaemonBus(QObject *parent)
 {
 }
 
-QString DaemonBus::notRunningText()
+bool DaemonBus::isDaemonRunning() const
 {
-    return Say::tr("The daemon is not running. Start it with “sudo systemctl start "
-                   "norvix-daemon”.");
+    return hasOwner(service);
 }
 
 bool DaemonBus::isConnected() const
@@ -100,8 +71,8 @@ bool DaemonBus::hasOwner(const QString &name) const
 BusReply DaemonBus::call(
     const char *method, const QVariantList &arguments, Start start, int timeoutMs) const
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        serviceName(), objectPath(), serviceName(), QLatin1String(method));
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QLatin1String(Bus::daemonPath),
+        QLatin1String(Bus::daemonInterface), QLatin1String(method));
     message.setArguments(arguments);
     message.setAutoStartService(start == Start::IfNeeded);
     return callOther(message, timeoutMs);
@@ -109,9 +80,8 @@ BusReply DaemonBus::call(
 
 BusReply DaemonBus::callSetup(const char *method, const QVariantList &arguments, Start start) const
 {
-    QDBusMessage message
-        = QDBusMessage::createMethodCall(serviceName(), QStringLiteral("/com/norvix/Setup"),
-            QStringLiteral("com.norvix.Setup1"), QLatin1String(method));
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QLatin1String(Bus::setupPath),
+        QLatin1String(Bus::setupInterface), QLatin1String(method));
     message.setArguments(arguments);
     message.setAutoStartService(start == Start::IfNeeded);
     return callOther(message, answerMs);
@@ -120,26 +90,24 @@ BusReply DaemonBus::callSetup(const char *method, const QVariantList &arguments,
 BusReply DaemonBus::callOther(const QDBusMessage &message, int timeoutMs) const
 {
     if (!m_bus.isConnected()) {
-        return failedReply(QDBusError(QDBusError::Disconnected, QString()));
+        return {{FailureKind::NoBus, QString()}, {}};
     }
     const QDBusMessage answer = m_bus.call(message, QDBus::Block, timeoutMs);
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        return failedReply(QDBusError(answer));
+        return {failureOf(QDBusError(answer)), {}};
     }
-    BusReply reply;
-    reply.value = answer.arguments().value(0);
-    return reply;
+    return {{}, answer.arguments().value(0)};
 }
 
 void DaemonBus::listen()
 {
-    m_bus.connect(
-        serviceName(), objectPath(), serviceName(), QString(), this, SLOT(take(QDBusMessage)));
+    m_bus.connect(service, QLatin1String(Bus::daemonPath), QLatin1String(Bus::daemonInterface),
+        QString(), this, SLOT(take(QDBusMessage)));
     m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
         SIGNAL(busLost()));
-    auto *watcher = new QDBusServiceWatcher(
-        serviceName(), m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    auto *watcher
+        = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &DaemonBus::daemonAppeared);
     connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &DaemonBus::daemonLeft);
 }

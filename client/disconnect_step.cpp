@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "client/disconnect_step.h"
 
+#include "dbus/contract.h"
+
 DisconnectStep nextDisconnectStep(int state, bool isPppdOurs, bool hasWaited)
 {
-    switch (state) {
-    case 0:
+    switch (ConnectionState(state)) {
+    case ConnectionUp:
         // Its pppd may be hidden from this user.
         return isPppdOurs || hasWaited ? DisconnectStep::EndAgain : DisconnectStep::Done;
-    case 1:
+    case ConnectionConnecting:
         return isPppdOurs ? DisconnectStep::EndAgain : DisconnectStep::Wait;
-    default:
-        return DisconnectStep::Done;
+    case ConnectionDown:
+        break;
     }
+    return DisconnectStep::Done;
 }

@@ -11,27 +11,22 @@ namespace {
 
 Finding good(const QString &text)
 {
-    return {QString(), QString(), Verdict::Good, text, QString()};
+    return {QString(), Verdict::Good, {{text, {}}}, {}};
 }
 
-Finding doubtful(const QString &text, const QString &remedy)
+Finding doubtful(const QString &text, RemedyKind remedy, const QString &detail = QString())
 {
-    return {QString(), QString(), Verdict::Doubtful, text, remedy};
+    return {QString(), Verdict::Doubtful, {{text, {}}}, {remedy, detail}};
 }
 
-Finding fault(const QString &text, const QString &remedy)
+Finding fault(const QString &text, RemedyKind remedy, const QString &detail = QString())
 {
-    return {QString(), QString(), Verdict::Fault, text, remedy};
+    return {QString(), Verdict::Fault, {{text, {}}}, {remedy, detail}};
 }
 
-Finding notChecked(const QString &text, const QString &remedy = QString())
+Finding notChecked(const QString &text, RemedyKind remedy = RemedyKind::None)
 {
-    return {QString(), QString(), Verdict::NotChecked, text, remedy};
-}
-
-QString asRoot()
-{
-    return Say::tr("Repeat the check with “sudo norvixctl doctor”.");
+    return {QString(), Verdict::NotChecked, {{text, {}}}, {remedy, QString()}};
 }
 
 struct NeededModule
@@ -55,24 +50,20 @@ std::optional<Finding> lackingModules(const Facts &facts, const QList<NeededModu
     }
     return fault(Say::tr("Kernel %1 lacks what this connection needs: %2.")
                      .arg(facts.kernel, lacking.join(QStringLiteral(", "))),
-        Say::tr("Install the distribution's full kernel, not one for clouds or a minimal one, and "
-                "boot it: “sudo apt install linux-image-amd64”, “sudo reboot”."));
+        RemedyKind::InstallKernel);
 }
 
 Finding checkDaemon(const Facts &facts)
 {
     if (!facts.isBusThere) {
-        return fault(Say::tr("The system bus can not be reached."),
-            Say::tr("Start it: “sudo systemctl start dbus”."));
+        return fault(Say::tr("The system bus can not be reached."), RemedyKind::StartBus);
     }
     if (!facts.isDaemonRunning) {
-        return fault(Say::tr("The daemon is not running."),
-            Say::tr("Start it: “sudo systemctl start norvix-daemon”."));
+        return fault(Say::tr("The daemon is not running."), RemedyKind::StartDaemon);
     }
     if (!facts.doesDaemonAnswer) {
-        return fault(Say::tr("The daemon is on the bus but does not answer."),
-            Say::tr("Look at “norvixctl log”, then restart it: “sudo systemctl restart "
-                    "norvix-daemon”."));
+        return fault(
+            Say::tr("The daemon is on the bus but does not answer."), RemedyKind::RestartDaemon);
     }
     return good(Say::tr("running and answering"));
 }
@@ -85,7 +76,7 @@ Finding checkCompanion(const Facts &facts)
     case Answer::No:
         return fault(Say::tr("The companion that finds USB devices does not answer on the bus, so "
                              "no modem is ever noticed."),
-            Say::tr("Start it: “sudo systemctl start norvix-hald”."));
+            RemedyKind::StartCompanion);
     case Answer::Unknown:
         break;
     }
@@ -95,9 +86,8 @@ Finding checkCompanion(const Facts &facts)
 Finding checkPolicy(const Facts &facts)
 {
     if (!facts.hasPolicy) {
-        return fault(Say::tr("/etc/dbus-1/system.d/norvix.conf is missing."),
-            Say::tr("Install the bus policy again and reload the bus: “sudo systemctl reload "
-                    "dbus”."));
+        return fault(
+            Say::tr("/etc/dbus-1/system.d/norvix.conf is missing."), RemedyKind::InstallPolicy);
     }
     return good(Say::tr("installed"));
 }
@@ -114,23 +104,21 @@ Finding checkPermission(const Facts &facts)
     }
     if (!facts.hasGroup) {
         return fault(Say::tr("The bus refuses this user, and there is no group “norvix”."),
-            Say::tr("Create the group and join it: “sudo groupadd --system norvix”, “sudo usermod "
-                    "-a -G norvix $USER”, then log in again."));
+            RemedyKind::CreateGroup);
     }
     if (facts.isMember) {
         return fault(Say::tr("This user is in the group “norvix”, but this session began earlier."),
-            Say::tr("Log out and in again."));
+            RemedyKind::LogInAgain);
     }
     return fault(Say::tr("The bus refuses this user: only root and the group “norvix” may."),
-        Say::tr("Join the group: “sudo usermod -a -G norvix $USER”, then log in again."));
+        RemedyKind::JoinGroup);
 }
 
 Finding checkModem(const Facts &facts)
 {
     if (facts.modems.isEmpty()) {
-        return fault(Say::tr("No modem that the daemon knows is plugged in."),
-            Say::tr("Plug it in, without a hub if you can. “norvixctl modem known” lists what is "
-                    "supported."));
+        return fault(
+            Say::tr("No modem that the daemon knows is plugged in."), RemedyKind::PlugModem);
     }
     const UsbModem &modem = facts.modems.constFirst();
     const QString name
@@ -139,12 +127,11 @@ Finding checkModem(const Facts &facts)
         && facts.configured.product == modem.id.product;
     if (facts.areSettingsReadable && !isConfigured) {
         return fault(Say::tr("%1 is plugged in but not taken into use.").arg(name),
-            Say::tr("Unplug it, plug it in again, wait ten seconds, then: “norvixctl modem "
-                    "adopt”."));
+            RemedyKind::ReplugAndAdoptModem);
     }
     if (facts.doesDaemonSeeModem == Answer::No) {
         return doubtful(Say::tr("%1 is plugged in, but the daemon does not see it.").arg(name),
-            Say::tr("Unplug it and plug it in again; see the check of the companion."));
+            RemedyKind::ReplugModem);
     }
     return good(Say::tr("%1 is plugged in").arg(name));
 }
@@ -155,8 +142,7 @@ Finding checkDriver(const Facts &facts)
         return notChecked(Say::tr("not known without a modem"));
     }
     if (facts.isCompiling) {
-        return doubtful(
-            Say::tr("The driver is being built now."), Say::tr("Wait until it has finished."));
+        return doubtful(Say::tr("The driver is being built now."), RemedyKind::WaitForDriver);
     }
     // Without what it stands on no driver loads, and none can be built.
     if (facts.isDriverOverAtm()
@@ -176,25 +162,18 @@ Finding checkDriver(const Facts &facts)
     case Module::Missing:
         break;
     }
-    return fault(Say::tr("There is no driver %1 for kernel %2.").arg(facts.driver, facts.kernel),
-        facts.hasDriverSource
-            ? Say::tr("Install the kernel's headers and restart the daemon: it then builds the "
-                      "driver (“sudo apt install linux-headers-%1”).")
-                  .arg(facts.kernel)
-            : Say::tr("Install the distribution's full kernel, or put the driver's source into "
-                      "/opt/norvix/drivers and restart the daemon."));
+    const QString text
+        = Say::tr("There is no driver %1 for kernel %2.").arg(facts.driver, facts.kernel);
+    return facts.hasDriverSource ? fault(text, RemedyKind::InstallHeaders, facts.kernel)
+                                 : fault(text, RemedyKind::InstallDriver);
 }
 
-QString firmwareRemedy(const Facts &facts)
+Finding withoutFirmware(Verdict verdict, const QString &text, const Facts &facts)
 {
-    if (!facts.firmwarePackage.isEmpty()) {
-        return Say::tr("Install the firmware: “sudo apt install %1” (of the component "
-                       "non-free-firmware), then unplug the modem and plug it in again.")
-            .arg(facts.firmwarePackage);
-    }
-    return Say::tr("Put the modem's firmware files into /lib/firmware (%1), then unplug the modem "
-                   "and plug it in again.")
-        .arg(facts.firmware);
+    const Remedy remedy = facts.firmwarePackage.isEmpty()
+        ? Remedy{RemedyKind::CopyFirmware, facts.firmware}
+        : Remedy{RemedyKind::InstallFirmwarePackage, facts.firmwarePackage};
+    return {QString(), verdict, {{text, {}}}, remedy};
 }
 
 Finding checkFirmware(const Facts &facts)
@@ -202,22 +181,24 @@ Finding checkFirmware(const Facts &facts)
     if (facts.driver.isEmpty()) {
         return notChecked(Say::tr("not known without a modem"));
     }
-    const QString remedy = firmwareRemedy(facts);
     for (const UsbModem &modem : facts.modems) {
         if (isBeforeFirmware(modem.id)) {
-            return fault(Say::tr("The modem still shows the id %1: it has not got its firmware.")
-                             .arg(idText(modem.id)),
-                remedy);
+            return withoutFirmware(Verdict::Fault,
+                Say::tr("The modem still shows the id %1: it has not got its firmware.")
+                    .arg(idText(modem.id)),
+                facts);
         }
     }
     if (facts.line && facts.line->line == Line::FirmwareFailed) {
-        return fault(Say::tr("The driver could not load the modem's firmware."), remedy);
+        return withoutFirmware(
+            Verdict::Fault, Say::tr("The driver could not load the modem's firmware."), facts);
     }
     if (facts.firmware.isEmpty()) {
         return good(Say::tr("none needed"));
     }
     if (!facts.hasFirmware) {
-        return doubtful(Say::tr("/lib/firmware/%1 is missing.").arg(facts.firmware), remedy);
+        return withoutFirmware(
+            Verdict::Doubtful, Say::tr("/lib/firmware/%1 is missing.").arg(facts.firmware), facts);
     }
     return good(Say::tr("%1 is there").arg(facts.firmware));
 }
@@ -227,8 +208,7 @@ Finding checkLine(const Facts &facts)
     if (facts.modems.isEmpty()) {
         return notChecked(Say::tr("not known without a modem"));
     }
-    const QString wait = Say::tr("Wait a minute. If it stays so, check the telephone cable and the "
-                                 "filter, then “norvixctl driver restart”.");
+    const RemedyKind wait = RemedyKind::WaitForLine;
     if (facts.line) {
         if (facts.line->line == Line::Up) {
             return good(lineText(*facts.line));
@@ -242,7 +222,8 @@ Finding checkLine(const Facts &facts)
         return *facts.carrier ? good(Say::tr("synchronised"))
                               : doubtful(Say::tr("The ATM device reports no carrier."), wait);
     }
-    return notChecked(Say::tr("the kernel log is not readable for this user"), asRoot());
+    return notChecked(
+        Say::tr("the kernel log is not readable for this user"), RemedyKind::LookAsRoot);
 }
 
 Finding checkLineSettings(const Facts &facts)
@@ -250,8 +231,7 @@ Finding checkLineSettings(const Facts &facts)
     if (facts.isUnicorn()) {
         return good(Say::tr("this modem needs none"));
     }
-    const QString remedy = Say::tr("Set them: “norvixctl line set --vpi 8 --vci 35 --protocol "
-                                   "PPPoE”; “norvixctl line providers” lists common values.");
+    const RemedyKind remedy = RemedyKind::SetLine;
     if (facts.protocol.isEmpty() && facts.vpi.isEmpty() && facts.vci.isEmpty()) {
         return fault(Say::tr("VPI, VCI and protocol are not set."), remedy);
     }
@@ -275,8 +255,7 @@ Finding checkLineSettings(const Facts &facts)
 Finding checkPpp(const Facts &facts)
 {
     if (!facts.hasPppd) {
-        return fault(
-            Say::tr("pppd is not installed."), Say::tr("Install it: “sudo apt install ppp”."));
+        return fault(Say::tr("pppd is not installed."), RemedyKind::InstallPppd);
     }
     if (const auto lacking = lackingModules(facts,
             {{QStringLiteral("ppp_generic"), facts.pppModule},
@@ -284,8 +263,7 @@ Finding checkPpp(const Facts &facts)
         return *lacking;
     }
     if (!facts.hasPppDevice && facts.pppModule != Module::Available) {
-        return doubtful(Say::tr("/dev/ppp does not exist."),
-            Say::tr("Load the module: “sudo modprobe ppp_generic”."));
+        return doubtful(Say::tr("/dev/ppp does not exist."), RemedyKind::LoadPppModule);
     }
     return good(Say::tr("pppd and the kernel's support are there"));
 }
@@ -301,46 +279,34 @@ Finding checkBridge(const Facts &facts)
     }
     if (!facts.hasBridgeTool) {
         return fault(Say::tr("%1 is missing or can not be run.").arg(facts.bridgeTool),
-            Say::tr("“sudo apt install br2684ctl”, then “sudo ln -s /usr/sbin/br2684ctl %1”.")
-                .arg(facts.bridgeTool));
+            RemedyKind::InstallBridge, facts.bridgeTool);
     }
     return good(Say::tr("there"));
-}
-
-QString withoutShippedPeers()
-{
-    return Say::tr("The peer files that are shipped in /opt/norvix/share/peers are missing, too: "
-                   "install norvix again, or write this one by hand (norvix-daemon(8) shows one "
-                   "that works).");
 }
 
 Finding checkPeer(const Facts &facts)
 {
     if (!facts.peer.exists) {
         return fault(Say::tr("%1 is missing.").arg(facts.peer.path),
-            facts.hasShippedPeers
-                ? Say::tr("Let the shipped one be put there: “sudo norvixctl doctor --fix”.")
-                : withoutShippedPeers());
+            facts.hasShippedPeers ? RemedyKind::PlacePeer : RemedyKind::InstallPeers);
     }
     if (!facts.peer.content) {
-        return notChecked(
-            Say::tr("%1 is not readable for this user").arg(facts.peer.path), asRoot());
+        return notChecked(Say::tr("%1 is not readable for this user").arg(facts.peer.path),
+            RemedyKind::LookAsRoot);
     }
-    const QStringList faults = peerFaults(*facts.peer.content, facts.peerKind(), facts.circuit());
+    const QList<Fact> faults = peerFaults(*facts.peer.content, facts.peerKind(), facts.circuit());
     if (!faults.isEmpty()) {
-        return fault(Say::tr("%1: %2").arg(facts.peer.path, faults.join(QLatin1Char(' '))),
-            facts.hasShippedPeers ? Say::tr(
-                "“sudo norvixctl doctor --fix” puts the shipped one in place of one that "
-                "nobody has edited; otherwise correct it (norvix-daemon(8) shows one that "
-                "works).")
-                                  : withoutShippedPeers());
+        Finding found = fault(facts.peer.path + QLatin1Char(':'),
+            facts.hasShippedPeers ? RemedyKind::ReplacePeer : RemedyKind::InstallPeers);
+        found.facts += faults;
+        return found;
     }
     return good(Say::tr("%1 is fine").arg(facts.peer.path));
 }
 
 Finding checkSecretsFile(const SeenFile &file)
 {
-    const QString mend = Say::tr("Let it be mended: “sudo norvixctl doctor --fix”.");
+    const RemedyKind mend = RemedyKind::MendSecrets;
     if (!file.exists) {
         return fault(Say::tr("%1 is missing.").arg(file.path), mend);
     }
@@ -349,7 +315,8 @@ Finding checkSecretsFile(const SeenFile &file)
             Say::tr("%1 holds passwords, and others than root may read it.").arg(file.path), mend);
     }
     if (!file.content) {
-        return notChecked(Say::tr("%1 is readable for root only").arg(file.path), asRoot());
+        return notChecked(
+            Say::tr("%1 is readable for root only").arg(file.path), RemedyKind::LookAsRoot);
     }
     if (!hasEntryAtStart(*file.content)) {
         return fault(
@@ -360,8 +327,7 @@ Finding checkSecretsFile(const SeenFile &file)
     }
     const QList<SecretsEntry> entries = secretsEntries(*file.content);
     if (entries.constFirst().login == placeholderLogin()) {
-        return fault(Say::tr("No account is stored yet."),
-            Say::tr("Set the account: “norvixctl account set”."));
+        return fault(Say::tr("No account is stored yet."), RemedyKind::SetAccount);
     }
     return good(Say::tr("order and modes are right"));
 }
@@ -379,7 +345,7 @@ Finding checkSecrets(const Facts &facts)
     const QByteArray login = secretsEntries(*facts.papSecrets.content).constFirst().login;
     if (facts.peer.content && peerLogin(*facts.peer.content) != QString::fromLatin1(login)) {
         return fault(Say::tr("The login of the secrets is not the login of the peer file."),
-            Say::tr("Set the account: “norvixctl account set”."));
+            RemedyKind::SetAccount);
     }
     return chap;
 }
@@ -387,12 +353,12 @@ Finding checkSecrets(const Facts &facts)
 Finding checkResolver(const Facts &facts)
 {
     if (!facts.resolver.isReadable) {
-        return doubtful(Say::tr("%1 can not be read.").arg(facts.resolver.path),
-            Say::tr("The daemon writes it at the next connection."));
+        return doubtful(
+            Say::tr("%1 can not be read.").arg(facts.resolver.path), RemedyKind::WaitForResolver);
     }
     if (facts.resolver.servers.isEmpty()) {
-        return doubtful(Say::tr("%1 names no server.").arg(facts.resolver.path),
-            Say::tr("The daemon writes it at the next connection."));
+        return doubtful(
+            Say::tr("%1 names no server.").arg(facts.resolver.path), RemedyKind::WaitForResolver);
     }
     return good(facts.resolver.servers.join(QStringLiteral(", ")));
 }
@@ -408,7 +374,7 @@ Finding checkOtherPppd(const Facts &facts)
     if (!others.isEmpty()) {
         return doubtful(Say::tr("Another pppd is running (%1); disconnecting ends every pppd.")
                             .arg(others.join(QStringLiteral(", "))),
-            Say::tr("End the other connection first, or do not disconnect while it is needed."));
+            RemedyKind::EndOtherConnection);
     }
     return good(Say::tr("none"));
 }
@@ -419,14 +385,15 @@ Finding checkLastAttempt(const Facts &facts)
         return notChecked(Say::tr("there is no log yet"));
     }
     if (!facts.log.content) {
-        return notChecked(Say::tr("the daemon's log is not readable for this user"), asRoot());
+        return notChecked(
+            Say::tr("the daemon's log is not readable for this user"), RemedyKind::LookAsRoot);
     }
     const PppdVerdict verdict = explainPppd(pppdLinesOfLog(*facts.log.content));
     if (verdict.line.isEmpty()) {
         return good(Say::tr("nothing to report"));
     }
     const QString text = Say::tr("%1 (pppd: “%2”)").arg(verdict.meaning, verdict.line);
-    return verdict.isGood ? good(text) : doubtful(text, verdict.remedy);
+    return verdict.isGood ? good(text) : doubtful(text, verdict.remedy.kind);
 }
 
 struct Check
@@ -466,11 +433,21 @@ QList<Finding> examine(const Facts &facts)
     QList<Finding> findings;
     for (const Check &check : checks()) {
         Finding finding = check.run(facts);
-        finding.id = QLatin1String(check.id);
-        finding.title = Say::tr(check.title);
+        finding.check = QLatin1String(check.id);
+
         findings.append(finding);
     }
     return findings;
+}
+
+QString checkTitle(const QString &id)
+{
+    for (const Check &check : checks()) {
+        if (id == QLatin1String(check.id)) {
+            return Say::tr(check.title);
+        }
+    }
+    return id;
 }
 
 QString verdictWord(Verdict verdict)

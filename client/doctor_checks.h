@@ -17,15 +17,17 @@ enum class Verdict
 
 struct Finding
 {
-    QString id; ///< stays the same in every language
-    QString title;
+    QString check; ///< its id, the same in every language
     Verdict verdict = Verdict::Good;
-    QString text;
-    QString remedy; ///< empty when nothing needs to be done
+    QList<Fact> facts; ///< in the user's language, one sentence each
+    Remedy remedy;
 };
 
 /// All checks in the order in which a connection needs them.
 QList<Finding> examine(const Facts &facts);
+
+/// The name of a check in the user's language.
+QString checkTitle(const QString &id);
 
 /// "ok", "warning", "fault" or "not-checked".
 QString verdictWord(Verdict verdict);

@@ -3,6 +3,7 @@
 
 #include "client/daemon_bus.h"
 #include "client/settings_file.h"
+#include "dbus/contract.h"
 
 #include <QDir>
 #include <QFile>
@@ -51,20 +52,21 @@ void lookAtBus(const DaemonBus &bus, Facts &facts)
         return;
     }
     facts.doesDaemonAnswer
-        = bus.call("reply", {}, DaemonBus::Start::Never, shortTimeoutMs).value.toBool();
+        = bus.call(DaemonMethod::reply, {}, DaemonBus::Start::Never, shortTimeoutMs).value.toBool();
     // A method that changes nothing and is open to the same people as those that do.
     const BusReply permission
-        = bus.call("getLoginAndPassword", {}, DaemonBus::Start::Never, shortTimeoutMs);
-    facts.isUserAllowed = permission.ok() ? Answer::Yes
-        : permission.code == NotPermitted ? Answer::No
-                                          : Answer::Unknown;
+        = bus.call(DaemonMethod::getLoginAndPassword, {}, DaemonBus::Start::Never, shortTimeoutMs);
+    facts.isUserAllowed = permission.ok()                      ? Answer::Yes
+        : permission.failure.kind == FailureKind::NotPermitted ? Answer::No
+                                                               : Answer::Unknown;
     const BusReply plugged
-        = bus.call("getIsModemPlugged", {}, DaemonBus::Start::Never, shortTimeoutMs);
+        = bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs);
     if (plugged.ok()) {
         facts.doesDaemonSeeModem = plugged.value.toBool() ? Answer::Yes : Answer::No;
     }
     facts.isCompiling
-        = bus.call("getIsCompiling", {}, DaemonBus::Start::Never, shortTimeoutMs).value.toBool();
+        = bus.call(DaemonMethod::getIsCompiling, {}, DaemonBus::Start::Never, shortTimeoutMs)
+              .value.toBool();
 }
 
 void lookAtHal(const DaemonBus &bus, Facts &facts)
@@ -78,7 +80,8 @@ void lookAtHal(const DaemonBus &bus, Facts &facts)
     const BusReply reply = bus.callOther(devices, shortTimeoutMs);
     // Whoever may not ask it knows at least that somebody is there.
     facts.isHalAnswering = reply.ok()
-            || (reply.code == NotPermitted && bus.hasOwner(QStringLiteral("org.freedesktop.Hal")))
+            || (reply.failure.kind == FailureKind::NotPermitted
+                && bus.hasOwner(QStringLiteral("org.freedesktop.Hal")))
         ? Answer::Yes
         : Answer::No;
 }
@@ -93,11 +96,11 @@ void lookAtSettings(const DaemonBus &bus, Facts &facts)
             return settingText(key);
         }
         const QString value = bus.call(getter).value.toString();
-        return value == QLatin1String("error") ? QString() : value;
+        return value == QLatin1String(Bus::unset) ? QString() : value;
     };
-    facts.protocol = lineValue("protocol", "getProtocol");
-    facts.vpi = lineValue("vpi", "getVPI");
-    facts.vci = lineValue("vci", "getVCI");
+    facts.protocol = lineValue("protocol", DaemonMethod::getProtocol);
+    facts.vpi = lineValue("vpi", DaemonMethod::getVPI);
+    facts.vci = lineValue("vci", DaemonMethod::getVCI);
 }
 
 Module lookAtModule(const Facts &facts, const char *name)

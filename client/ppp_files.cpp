@@ -68,33 +68,34 @@ bool loadsPlugin(const PeerOptions &options, const char *plugin)
     return false;
 }
 
-QStringList bridgeFaults(const PeerOptions &options)
+QList<Fact> bridgeFaults(const PeerOptions &options)
 {
-    QStringList faults;
+    QList<Fact> faults;
     if (!loadsPlugin(options, "pppoe.so")) {
-        faults.append(Say::tr("“plugin pppoe.so” is missing, which PPPoE needs."));
+        faults.append({Say::tr("“plugin pppoe.so” is missing, which PPPoE needs."), {}});
     }
     if (!options.has("nic-nas0") && !options.has("nas0")) {
-        faults.append(Say::tr("“nic-nas0” is missing, the interface that PPPoE uses."));
+        faults.append({Say::tr("“nic-nas0” is missing, the interface that PPPoE uses."), {}});
     }
     return faults;
 }
 
-QStringList atmFaults(const PeerOptions &options, const QString &circuit)
+QList<Fact> atmFaults(const PeerOptions &options, const QString &circuit)
 {
-    QStringList faults;
+    QList<Fact> faults;
     if (!loadsPlugin(options, "pppoatm.so")) {
-        faults.append(Say::tr("“plugin pppoatm.so” is missing, which PPPoA needs."));
+        faults.append({Say::tr("“plugin pppoatm.so” is missing, which PPPoA needs."), {}});
     }
     if (!circuit.isEmpty() && !options.has(qPrintable(circuit))) {
-        faults.append(Say::tr("The circuit “%1” of the line settings does not stand in it; for "
-                              "PPPoA the peer file decides.")
-                          .arg(circuit));
+        faults.append({Say::tr("The circuit “%1” of the line settings does not stand in it; for "
+                               "PPPoA the peer file decides.")
+                           .arg(circuit),
+            {}});
     }
     return faults;
 }
 
-QStringList kindFaults(const PeerOptions &options, PeerKind kind, const QString &circuit)
+QList<Fact> kindFaults(const PeerOptions &options, PeerKind kind, const QString &circuit)
 {
     switch (kind) {
     case PeerKind::Bridge:
@@ -104,7 +105,7 @@ QStringList kindFaults(const PeerOptions &options, PeerKind kind, const QString 
     case PeerKind::OwnInterface:
         break;
     }
-    return QStringList();
+    return QList<Fact>();
 }
 
 } // namespace
@@ -127,6 +128,7 @@ bool hasEntryAtStart(const QByteArray &content)
 
 QByteArray guardLines()
 {
+    // As the package writes it, too, and as it stands on installed systems: not to be changed.
     return "# The line above is the account that norvix-daemon changes: it must stay the first of "
            "this "
            "file.\n"
@@ -155,28 +157,30 @@ QByteArray mendedSecrets(const QByteArray &content)
     return lines.join('\n');
 }
 
-QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit)
+QList<Fact> peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit)
 {
     const PeerOptions options = optionsOfPeer(content);
-    QStringList faults = kindFaults(options, kind, circuit);
+    QList<Fact> faults = kindFaults(options, kind, circuit);
     if (!options.has("updetach") && !options.has("nodetach")) {
-        faults.append(Say::tr("“updetach” is missing: without it pppd goes to the background at "
-                              "once and the daemon never learns what becomes of the connection."));
+        faults.append({Say::tr("“updetach” is missing: without it pppd goes to the background at "
+                               "once and the daemon never learns what becomes of the connection."),
+            {}});
     }
     if (options.has("updetach") && !options.has("noipv6")) {
-        faults.append(Say::tr("“noipv6” is missing: with “updetach” alone pppd may detach before "
-                              "it has told the address."));
+        faults.append({Say::tr("“noipv6” is missing: with “updetach” alone pppd may detach before "
+                               "it has told the address."),
+            {}});
     }
     if (options.has("logfile")) {
-        faults.append(Say::tr("“logfile” takes pppd's lines away from the daemon."));
+        faults.append({Say::tr("“logfile” takes pppd's lines away from the daemon."), {}});
     }
     if (!options.has("noauth")) {
-        faults.append(Say::tr("“noauth” is missing: pppd would demand that the provider "
-                              "authenticates itself."));
+        faults.append({Say::tr("“noauth” is missing: pppd would demand that the provider "
+                               "authenticates itself."),
+            {}});
     }
     if (peerLogin(content).isEmpty()) {
-        faults.append(
-            Say::tr("There is no “user” line: set the account with “norvixctl account set”."));
+        faults.append({Say::tr("There is no “user” line."), {RemedyKind::SetAccount, QString()}});
     }
     return faults;
 }

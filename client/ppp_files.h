@@ -2,6 +2,8 @@
 // What stands in pppd's secrets and peer files, and what stops a connection there.
 #pragma once
 
+#include "client/remedy.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -40,9 +42,8 @@ enum class PeerKind
     OwnInterface, ///< the modem brings an interface of its own
 };
 
-/// What is wrong with a peer file, as sentences that name the remedy. @p circuit is "VPI.VCI",
-/// empty when unknown.
-QStringList peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit);
+/// What is wrong with a peer file. @p circuit is "VPI.VCI", empty when unknown.
+QList<Fact> peerFaults(const QByteArray &content, PeerKind kind, const QString &circuit);
 
 /// The login in the "user" line as it stands there; empty when there is none.
 QString peerLogin(const QByteArray &content);

@@ -12,7 +12,7 @@ struct Row
     const char *phrase;
     bool isGood;
     const char *meaning;
-    const char *remedy; ///< nullptr for none
+    RemedyKind remedy;
 };
 
 // The first row that any line matches decides: causes stand before their consequences.
@@ -20,63 +20,54 @@ const std::vector<Row> &rows()
 {
     static const std::vector<Row> table = {
         {"Can't open options file", false,
-            QT_TRANSLATE_NOOP("Say", "pppd did not find the peer file."),
-            QT_TRANSLATE_NOOP(
-                "Say", "Create the peer file (norvix-daemon(8) shows one that works).")},
+            QT_TRANSLATE_NOOP("Say", "pppd did not find the peer file."), RemedyKind::CreatePeer},
         {"unrecognized option 'nic-", false,
             QT_TRANSLATE_NOOP("Say", "The bridge interface did not exist when pppd started."),
-            QT_TRANSLATE_NOOP(
-                "Say", "Check VPI and VCI (“norvixctl line show”) and the bridge program.")},
+            RemedyKind::CheckLineAndBridge},
         {"unrecognized option", false,
             QT_TRANSLATE_NOOP("Say", "pppd does not know an option that it was given."),
-            QT_TRANSLATE_NOOP(
-                "Say", "Correct the peer file or the key pppd_arguments of the settings.")},
+            RemedyKind::CorrectOptions},
         {"Timeout waiting for PADO packets", false,
             QT_TRANSLATE_NOOP("Say", "No concentrator of the provider answered."),
-            QT_TRANSLATE_NOOP("Say",
-                "Check VPI, VCI and protocol with the provider's letter: “norvixctl line set”.")},
+            RemedyKind::CheckLine},
         {"Unable to complete PPPoE Discovery", false,
             QT_TRANSLATE_NOOP("Say", "No concentrator of the provider answered."),
-            QT_TRANSLATE_NOOP("Say",
-                "Check VPI, VCI and protocol with the provider's letter: “norvixctl line set”.")},
+            RemedyKind::CheckLine},
         {"No such device", false,
             QT_TRANSLATE_NOOP("Say",
                 "There is no ATM device: the modem or its driver is "
                 "missing."),
-            QT_TRANSLATE_NOOP("Say",
-                "Plug the modem in; “norvixctl driver” shows the "
-                "driver.")},
+            RemedyKind::CheckModem},
         {"Failed to authenticate ourselves to peer", false,
             QT_TRANSLATE_NOOP("Say", "The provider refused login or password."),
-            QT_TRANSLATE_NOOP("Say", "Set them again: “norvixctl account set”.")},
+            RemedyKind::SetAccountAgain},
         {"authentication failed", false,
             QT_TRANSLATE_NOOP("Say", "The provider refused login or password."),
-            QT_TRANSLATE_NOOP("Say", "Set them again: “norvixctl account set”.")},
+            RemedyKind::SetAccountAgain},
         {"peer refused to authenticate: terminating link", false,
             QT_TRANSLATE_NOOP("Say", "pppd demanded that the provider authenticates itself."),
-            QT_TRANSLATE_NOOP("Say", "Add the line “noauth” to the peer file.")},
+            RemedyKind::AddNoauth},
         {"LCP terminated by peer (peer refused to authenticate)", false,
             QT_TRANSLATE_NOOP("Say",
                 "No password is stored for the login that the peer file "
                 "names."),
-            QT_TRANSLATE_NOOP("Say", "Set the account: “norvixctl account set”.")},
+            RemedyKind::SetAccount},
         {"LCP: timeout sending Config-Requests", false,
             QT_TRANSLATE_NOOP("Say", "The far end did not answer the PPP negotiation."),
-            QT_TRANSLATE_NOOP("Say",
-                "Check VPI, VCI and protocol with the provider's letter: “norvixctl line set”.")},
+            RemedyKind::CheckLine},
         {"No response to", false,
             QT_TRANSLATE_NOOP("Say", "The far end stopped answering: the line was lost."),
-            QT_TRANSLATE_NOOP("Say", "Wait for the line to come back, then connect again.")},
+            RemedyKind::ConnectLater},
         {"LCP terminated by peer", false,
-            QT_TRANSLATE_NOOP("Say", "The provider ended the connection."),
-            QT_TRANSLATE_NOOP("Say", "Connect again: “norvixctl connect”.")},
+            QT_TRANSLATE_NOOP("Say", "The provider ended the connection."), RemedyKind::Connect},
         {"Modem hangup", false, QT_TRANSLATE_NOOP("Say", "The link was hung up."),
-            QT_TRANSLATE_NOOP("Say", "Connect again: “norvixctl connect”.")},
+            RemedyKind::Connect},
         {"Terminating on signal", false, QT_TRANSLATE_NOOP("Say", "pppd was told to end."),
-            nullptr},
+            RemedyKind::None},
         {"Connection terminated", false, QT_TRANSLATE_NOOP("Say", "The connection ended."),
-            QT_TRANSLATE_NOOP("Say", "Connect again: “norvixctl connect”.")},
-        {"local  IP address", true, QT_TRANSLATE_NOOP("Say", "The link came up."), nullptr},
+            RemedyKind::Connect},
+        {"local  IP address", true, QT_TRANSLATE_NOOP("Say", "The link came up."),
+            RemedyKind::None},
     };
     return table;
 }
@@ -117,7 +108,7 @@ PppdVerdict explainPppd(const QStringList &lines)
             verdict.isGood = row.isGood;
             verdict.line = line;
             verdict.meaning = Say::tr(row.meaning);
-            verdict.remedy = row.remedy != nullptr ? Say::tr(row.remedy) : QString();
+            verdict.remedy.kind = row.remedy;
             return verdict;
         }
     }

@@ -2,6 +2,8 @@
 // What the lines of pppd mean for a person.
 #pragma once
 
+#include "client/remedy.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -14,7 +16,7 @@ struct PppdVerdict
     bool isGood = false; ///< the link came up
     QString line; ///< pppd's line that decided; empty when none tells anything
     QString meaning;
-    QString remedy;
+    Remedy remedy;
 };
 
 /// The most telling line of an attempt, explained.

@@ -3,6 +3,7 @@
 
 #include "client/say.h"
 #include "client/text_format.h"
+#include "dbus/contract.h"
 
 #include <QStringList>
 #include <vector>
@@ -12,46 +13,44 @@ namespace {
 struct SignalRow
 {
     const char *name;
-    const char *arguments; ///< names, separated by blanks
     const char *text; ///< %1 and %2 take the values
 };
 
-// In the order of the interface description.
 const std::vector<SignalRow> &signalTable()
 {
     static const std::vector<SignalRow> table = {
-        {"transmissionSpeed", "rx tx", QT_TRANSLATE_NOOP("Say", "speed: %1 down, %2 up")},
-        {"transmissionErrors", "rx tx",
+        {DaemonSignal::transmissionSpeed, QT_TRANSLATE_NOOP("Say", "speed: %1 down, %2 up")},
+        {DaemonSignal::transmissionErrors,
             QT_TRANSLATE_NOOP("Say", "errors: %1 receiving, %2 sending")},
-        {"transmissionBytes", "rx tx", QT_TRANSLATE_NOOP("Say", "totals: %1 received, %2 sent")},
-        {"IP", "ip", QT_TRANSLATE_NOOP("Say", "address: %1")},
-        {"defaultRoute", "iface", QT_TRANSLATE_NOOP("Say", "default route: through %1")},
-        {"connectionTime", "h m s", QT_TRANSLATE_NOOP("Say", "connected for %1")},
-        {"modemPlugged", "name", QT_TRANSLATE_NOOP("Say", "modem plugged: %1")},
-        {"newModemPlugged", "name",
-            QT_TRANSLATE_NOOP(
-                "Say", "new modem plugged: %1 – “norvixctl modem adopt” takes it into use")},
-        {"modemUnplugged", "", QT_TRANSLATE_NOOP("Say", "modem unplugged")},
-        {"newModemUnplugged", "", QT_TRANSLATE_NOOP("Say", "new modem unplugged")},
-        {"incorrectDNS", "", QT_TRANSLATE_NOOP("Say", "resolver configuration is wrong")},
-        {"settingOpenDNS", "success",
+        {DaemonSignal::transmissionBytes, QT_TRANSLATE_NOOP("Say", "totals: %1 received, %2 sent")},
+        {DaemonSignal::IP, QT_TRANSLATE_NOOP("Say", "address: %1")},
+        {DaemonSignal::defaultRoute, QT_TRANSLATE_NOOP("Say", "default route: through %1")},
+        {DaemonSignal::connectionTime, QT_TRANSLATE_NOOP("Say", "connected for %1")},
+        {DaemonSignal::modemPlugged, QT_TRANSLATE_NOOP("Say", "modem plugged: %1")},
+        {DaemonSignal::newModemPlugged, QT_TRANSLATE_NOOP("Say", "new modem plugged: %1")},
+        {DaemonSignal::modemUnplugged, QT_TRANSLATE_NOOP("Say", "modem unplugged")},
+        {DaemonSignal::newModemUnplugged, QT_TRANSLATE_NOOP("Say", "new modem unplugged")},
+        {DaemonSignal::incorrectDNS, QT_TRANSLATE_NOOP("Say", "resolver configuration is wrong")},
+        {DaemonSignal::settingOpenDNS,
             QT_TRANSLATE_NOOP("Say", "writing the OpenDNS resolvers: %1")},
-        {"connectionEstablished", "", QT_TRANSLATE_NOOP("Say", "connection established")},
-        {"connectionTerminated", "", QT_TRANSLATE_NOOP("Say", "connection terminated")},
-        {"establishingConnection", "", QT_TRANSLATE_NOOP("Say", "connecting")},
-        {"setEnabledConnect", "enable",
+        {DaemonSignal::connectionEstablished, QT_TRANSLATE_NOOP("Say", "connection established")},
+        {DaemonSignal::connectionTerminated, QT_TRANSLATE_NOOP("Say", "connection terminated")},
+        {DaemonSignal::establishingConnection, QT_TRANSLATE_NOOP("Say", "connecting")},
+        {DaemonSignal::setEnabledConnect,
             QT_TRANSLATE_NOOP("Say", "a new connection can be started: %1")},
-        {"connectionState", "state", QT_TRANSLATE_NOOP("Say", "connection state: %1")},
-        {"connectionTimeout", "",
+        {DaemonSignal::connectionState, QT_TRANSLATE_NOOP("Say", "connection state: %1")},
+        {DaemonSignal::connectionTimeout,
             QT_TRANSLATE_NOOP("Say", "time-out: the provider does not answer")},
-        {"restartModemStarted", "", QT_TRANSLATE_NOOP("Say", "restarting the modem")},
-        {"restartModemFinished", "", QT_TRANSLATE_NOOP("Say", "modem driver reloaded")},
-        {"accountDataChanged", "success", QT_TRANSLATE_NOOP("Say", "account written: %1")},
-        {"compilingDriver", "", QT_TRANSLATE_NOOP("Say", "building the modem's driver")},
-        {"compilationFinished", "success", QT_TRANSLATE_NOOP("Say", "driver build finished: %1")},
-        {"synchronizing", "", QT_TRANSLATE_NOOP("Say", "waiting for the line to synchronise")},
-        {"synchronizationFailed", "", QT_TRANSLATE_NOOP("Say", "the line did not synchronise")},
-        {"invalidAccountData", "",
+        {DaemonSignal::restartModemStarted, QT_TRANSLATE_NOOP("Say", "restarting the modem")},
+        {DaemonSignal::restartModemFinished, QT_TRANSLATE_NOOP("Say", "modem driver reloaded")},
+        {DaemonSignal::accountDataChanged, QT_TRANSLATE_NOOP("Say", "account written: %1")},
+        {DaemonSignal::compilingDriver, QT_TRANSLATE_NOOP("Say", "building the modem's driver")},
+        {DaemonSignal::compilationFinished, QT_TRANSLATE_NOOP("Say", "driver build finished: %1")},
+        {DaemonSignal::synchronizing,
+            QT_TRANSLATE_NOOP("Say", "waiting for the line to synchronise")},
+        {DaemonSignal::synchronizationFailed,
+            QT_TRANSLATE_NOOP("Say", "the line did not synchronise")},
+        {DaemonSignal::invalidAccountData,
             QT_TRANSLATE_NOOP("Say", "the provider refused login or password")},
     };
     return table;
@@ -81,19 +80,19 @@ QString successText(bool success)
 QStringList readableValues(const QString &signal, const QVariantList &values)
 {
     const auto number = [&](int position) { return values.value(position).toDouble(); };
-    if (signal == QLatin1String("transmissionSpeed")) {
+    if (signal == QLatin1String(DaemonSignal::transmissionSpeed)) {
         return {rateText(number(0)), rateText(number(1))};
     }
-    if (signal == QLatin1String("transmissionBytes")) {
+    if (signal == QLatin1String(DaemonSignal::transmissionBytes)) {
         return {bytesText(number(0)), bytesText(number(1))};
     }
-    if (signal == QLatin1String("connectionTime")) {
+    if (signal == QLatin1String(DaemonSignal::connectionTime)) {
         return {clockText(qint64(number(0)) * 3600 + qint64(number(1)) * 60 + qint64(number(2)))};
     }
-    if (signal == QLatin1String("connectionState")) {
+    if (signal == QLatin1String(DaemonSignal::connectionState)) {
         return {connectionText(values.value(0).toInt())};
     }
-    if (signal == QLatin1String("setEnabledConnect")) {
+    if (signal == QLatin1String(DaemonSignal::setEnabledConnect)) {
         return {yesNo(values.value(0).toBool())};
     }
     QStringList texts;
@@ -122,10 +121,12 @@ QString signalText(const QString &signal, const QVariantList &arguments)
 
 QJsonObject signalArguments(const QString &signal, const QVariantList &arguments)
 {
-    const SignalRow *row = findRow(signal);
-    const QStringList names = row == nullptr
-        ? QStringList()
-        : QString::fromLatin1(row->arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QStringList names;
+    for (const BusSignal &known : daemonSignals) {
+        if (signal == QLatin1String(known.name)) {
+            names = QString::fromLatin1(known.arguments).split(QLatin1Char(','));
+        }
+    }
     QJsonObject object;
     for (int position = 0; position < arguments.size(); ++position) {
         const QString name = names.value(position, QString::number(position));
@@ -136,28 +137,26 @@ QJsonObject signalArguments(const QString &signal, const QVariantList &arguments
 
 QString connectionWord(int state)
 {
-    switch (state) {
-    case 0:
+    switch (ConnectionState(state)) {
+    case ConnectionUp:
         return QStringLiteral("connected");
-    case 1:
+    case ConnectionConnecting:
         return QStringLiteral("connecting");
-    case 2:
+    case ConnectionDown:
         return QStringLiteral("disconnected");
-    default:
-        return QStringLiteral("unknown");
     }
+    return QStringLiteral("unknown");
 }
 
 QString connectionText(int state)
 {
-    switch (state) {
-    case 0:
+    switch (ConnectionState(state)) {
+    case ConnectionUp:
         return Say::tr("connected");
-    case 1:
+    case ConnectionConnecting:
         return Say::tr("connecting");
-    case 2:
+    case ConnectionDown:
         return Say::tr("not connected");
-    default:
-        return Say::tr("unknown");
     }
+    return Say::tr("unknown");
 }

@@ -12,6 +12,9 @@ QString signalText(const QString &signal, const QVariantList &arguments);
 /// The arguments by the names of the interface description ({"rx": 1, "tx": 2}).
 QJsonObject signalArguments(const QString &signal, const QVariantList &arguments);
 
+/// Stands for a connection state that nobody has told; never on the bus.
+constexpr int connectionUnknown = -1;
+
 /// A connection state of the bus as its word in machine-readable output.
 QString connectionWord(int state);
 

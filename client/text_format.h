@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Numbers and paragraphs as a person reads them.
+// Numbers as a person reads them, and foreign text that can do no harm.
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 /// @p bytes with a decimal unit ("1.5 MB"), in the language's own notation.
 QString bytesText(double bytes);
@@ -14,16 +13,9 @@ QString rateText(double bytesPerSecond);
 /// @p seconds as hours, minutes and seconds ("01:02:03"); hours may pass 99.
 QString clockText(qint64 seconds);
 
-/// @p text cut at blanks into lines of at most @p width characters; a longer word stays whole.
-/// Line feeds in the text stay. Every line but the first is indented by @p indent blanks.
-QStringList wrapped(const QString &text, int width, int indent = 0);
-
 /// Whether a character steers a terminal or changes the order in which others are shown, so that it
 /// may not get out as it came in: controls, those of the upper half too, and bidirectional ones.
 bool isSteering(QChar character);
 
 /// @p text with every such character replaced by a visible one; line feeds and tabulators, too.
 QString printable(const QString &text);
-
-/// The same for whole lines and tables: line feeds, tabulators and @p ours stay.
-QString printableLines(const QString &text, const QStringList &ours = QStringList());

@@ -4,6 +4,7 @@
 #include "daemon/norvix_daemon.h"
 #include "daemon/process_end.h"
 #include "daemon/settings.h"
+#include "dbus/contract.h"
 #include "support/files/lock_file.h"
 #include "support/files/safe_file.h"
 #include "support/process/debug.h"
@@ -65,7 +66,7 @@ Name takeName(const QDBusConnection &bus)
         return Name::Unknown;
     }
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
-        = names->registerService(QStringLiteral("com.norvix.Daemon"));
+        = names->registerService(QLatin1String(Bus::service));
     if (!reply.isValid()) {
         return Name::Unknown;
     }

@@ -114,14 +114,14 @@ void Norvix_Daemon::registerOnBus()
             ? QStringLiteral("successfully connected to DBus.")
             : QStringLiteral("failed to connect to DBus!")));
 
-    if (!m_connection.registerService(QStringLiteral("com.norvix.Daemon"))) {
+    if (!m_connection.registerService(QLatin1String(Bus::service))) {
         writeLog(constructorText(QStringLiteral("failed to register the service!")));
         writeLog(constructorText(m_connection.lastError().message()));
         puts("NorvixDaemon::NorvixDaemon(): Failed to register the service!");
         exit(serviceRefusedStatus);
     }
     if (!m_connection.registerObject(
-            QStringLiteral("/com/norvix/Daemon"), this, QDBusConnection::ExportAdaptors)) {
+            QLatin1String(Bus::daemonPath), this, QDBusConnection::ExportAdaptors)) {
         writeLog(constructorText(QStringLiteral("failed to register the object!")));
         writeLog(constructorText(m_connection.lastError().message()));
         if (!debug) {
@@ -147,7 +147,7 @@ void Norvix_Daemon::registerSetup()
                 return isStored;
             }});
     if (!m_connection.registerObject(
-            QStringLiteral("/com/norvix/Setup"), object, QDBusConnection::ExportAdaptors)) {
+            QLatin1String(Bus::setupPath), object, QDBusConnection::ExportAdaptors)) {
         writeLog(constructorText(QStringLiteral("failed to register the setup object!")));
     }
 }

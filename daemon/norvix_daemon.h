@@ -8,6 +8,7 @@
 #include "daemon/hal_proxy.h"
 #include "daemon/hal_silence.h"
 #include "daemon/modem_catalogue.h"
+#include "dbus/contract.h"
 #include "network/traffic_meter.h"
 #include "support/resolver/dns_manager.h"
 
@@ -23,14 +24,6 @@ class CompilerThread;
 class ConnectThread;
 class QTimer;
 class RestartModem;
-
-/// What getConnectionState() answers; plain integers on the bus.
-enum ConnectionState
-{
-    ConnectionUp = 0,
-    ConnectionConnecting = 1,
-    ConnectionDown = 2,
-};
 
 class Norvix_Daemon : public QObject
 {

@@ -3,11 +3,12 @@
 #include "daemon/norvix_daemon.h"
 
 #include "daemon/settings.h"
+#include "dbus/contract.h"
 
 namespace {
 
 // What a client sees of a line parameter that was never configured.
-const QString unset = QStringLiteral("error");
+const QString unset = QLatin1String(Bus::unset);
 
 } // namespace
 

@@ -16,8 +16,7 @@ const char pppdArguments[] = "pppd_arguments";
 void answerWithError(const QDBusMessage &message, const char *error, const QString &text)
 {
     message.setDelayedReply(true);
-    QDBusConnection::systemBus().send(message.createErrorReply(
-        QStringLiteral("com.norvix.Setup1.Error.") + QLatin1String(error), text));
+    QDBusConnection::systemBus().send(message.createErrorReply(QLatin1String(error), text));
 }
 
 QVariantMap storedSettings()
@@ -74,7 +73,7 @@ void SetupAdaptor::SetSettings(const QVariantMap &settings, const QDBusMessage &
 {
     const CheckedSettings checked = checkedSettings(settings);
     if (!checked.refusal.isEmpty()) {
-        answerWithError(message, "InvalidValue", checked.refusal);
+        answerWithError(message, Bus::setupRefused, checked.refusal);
         return;
     }
     store(checked.values, message);
@@ -89,7 +88,7 @@ void SetupAdaptor::SetPppdArguments(const QStringList &arguments, const QDBusMes
 {
     const QString refusal = refusalOfArguments(arguments);
     if (!refusal.isEmpty()) {
-        answerWithError(message, "InvalidValue", refusal);
+        answerWithError(message, Bus::setupRefused, refusal);
         return;
     }
     store({{QLatin1String(pppdArguments), arguments.isEmpty() ? QVariant() : arguments}}, message);
@@ -100,11 +99,11 @@ void SetupAdaptor::SetAccount(
 {
     const AccountFault fault = faultOf(login, password);
     if (fault != AccountFault::None) {
-        answerWithError(message, "InvalidValue", accountFaultText(fault));
+        answerWithError(message, Bus::setupRefused, accountFaultText(fault));
         return;
     }
     if (!m_daemon.storeAccount(login, password)) {
-        answerWithError(message, "NotStored",
+        answerWithError(message, Bus::setupNotStored,
             QStringLiteral(
                 "not all of pppd's files could be written; the daemon's log says which"));
     }
@@ -133,7 +132,7 @@ void SetupAdaptor::store(const QVariantMap &values, const QDBusMessage &message)
     for (auto value = before.begin(); value != before.end(); ++value) {
         writeSetting(settings(), value.key().toLatin1().constData(), value.value());
     }
-    answerWithError(message, "NotStored",
+    answerWithError(message, Bus::setupNotStored,
         QStringLiteral("the settings file could not be written; it is as it was"));
 }
 

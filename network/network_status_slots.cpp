@@ -3,6 +3,7 @@
 #include "daemon/norvix_daemon.h"
 
 #include "daemon/logging.h"
+#include "dbus/contract.h"
 #include "network/number_file.h"
 #include "network/route_table.h"
 #include "support/process/debug.h"
@@ -49,7 +50,7 @@ QString Norvix_Daemon::getIP(QString interface)
         writeLog(QStringLiteral("Norvix_Daemon::getIP(): interface %1 is invalid!")
                      .arg(loggable(interface)));
     }
-    const QString none = QStringLiteral("...");
+    const QString none = QLatin1String(Bus::none);
     QString ip = address && !address->isEmpty() ? *address : none;
     if (debug) {
         printf("Norvix_Daemon::getIP(): returning IP: %s\n", ip.toLocal8Bit().constData());
@@ -61,7 +62,7 @@ QString Norvix_Daemon::getDefaultRoute()
 {
     QString interface = interfaceOfLastRoute(readRouteTable());
     if (interface.isEmpty()) {
-        interface = QStringLiteral("...");
+        interface = QLatin1String(Bus::none);
     }
     if (debug) {
         // Keeps the name "getIP" in this operation's message: who filters the debug output for the

@@ -77,8 +77,6 @@ def unit_tests(root, file):
     found = UNIT.get(stem, [])[:]
     for test in sorted((root / "tests/unit").glob("*_test.cpp")):
         name = test.name[:-len("_test.cpp")]
-        if name.startswith("client_"):
-            continue
         if name == own or '#include "%s.h"' % stem in test.read_text(encoding="utf-8"):
             found.append(name)
     found = [name for name in dict.fromkeys(found) if (root / "tests/unit" / (name + "_test.cpp")).exists()]

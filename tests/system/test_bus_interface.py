@@ -2,9 +2,9 @@
 """The whole interface on the bus: names, types, policy."""
 import contextlib
 import xml.etree.ElementTree
-from pathlib import Path
 
 import pytest
+from bus_contract import DAEMON, description, members
 
 from lab.bus_client import INTERFACE, PATH, SERVICE, BusError
 from lab.scenario import stay
@@ -12,21 +12,16 @@ from lab.furnishing import NORVIX_GROUP
 from lab.private_machine import ADDRESS_SANITIZER
 from lab.waiting import wait_until
 
-DESCRIPTION = Path(__file__).resolve().parents[2] / "dbus" / "com.norvix.Daemon.xml"
+DESCRIPTION = description(DAEMON)
 
-# Answer types; None where a method answers nothing.
-READING = {
-    "getIP": str, "getDefaultRoute": str, "getIsModemPlugged": bool, "getIsCompiling": bool,
-    "getConnectAtBoot": bool, "getConnectAtModemPlug": bool, "reply": bool, "getVPI": str,
-    "getVCI": str, "getProtocol": str, "getService": str, "getInterface": str,
-    "getConnectionState": int, "getIdlenessTime": int,
-}
-CHANGING = {
-    "setConnectAtBoot": (True,), "setConnectAtModemPlug": (True,), "establishConnection": (),
-    "terminateConnection": (), "restartModem": (), "setIdlenessTime": (1,), "useNewModem": (),
-    "setAccountData": ("login", "password"),
-}
+ANSWERS = {"s": str, "b": bool, "i": int}
 SECRET = "getLoginAndPassword"
+METHODS = {method.name: method for method in members(DAEMON, "method")}
+# Name and type of the answer; name and arguments of what answers nothing.
+READING = {name: ANSWERS[method.back[0][0]] for name, method in METHODS.items()
+           if method.back and name != SECRET}
+CHANGING = {name: tuple({"b": True, "i": 1, "s": what}[kind] for kind, what in method.given)
+            for name, method in METHODS.items() if not method.back}
 NOBODY = 65534
 
 

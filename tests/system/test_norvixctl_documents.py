@@ -71,7 +71,7 @@ def test_the_manual_has_every_command_and_option_and_no_others():
 
 
 def test_the_manual_has_every_exit_status():
-    header = (REPOSITORY / "client/exit_code.h").read_text(encoding="utf-8")
+    header = (REPOSITORY / "ctl/screen/exit_code.h").read_text(encoding="utf-8")
     statuses = re.findall(r"^    \w+ = (\d+),", header, re.MULTILINE)
     assert re.findall(r"^\.TP\n\.B (\d+)$", section(page("norvixctl.1"), "EXIT STATUS"),
                       re.MULTILINE) == statuses
@@ -84,20 +84,6 @@ def test_the_pages_have_a_date(name):
 
 def test_the_manual_names_the_schema_where_it_is_installed():
     assert "/usr/share/norvix/norvixctl.schema.json" in page("norvixctl.1")
-
-
-def test_the_bus_page_has_every_method_and_signal_in_order():
-    interface = ElementTree.parse(REPOSITORY / "dbus/com.norvix.Daemon.xml").getroot()[0]
-    text = page("com.norvix.Daemon.7")
-    for kind, heading in (("method", "METHODS"), ("signal", "SIGNALS")):
-        expected = []
-        for member in interface.findall(kind):
-            given = [arg for arg in member if kind == "signal" or arg.get("direction") == "in"]
-            back = [arg for arg in member if kind == "method" and arg.get("direction") == "out"]
-            arguments = ", ".join(arg.get("type") + " " + arg.get("name") for arg in given)
-            expected.append("%s(%s)%s" % (member.get("name"), arguments,
-                                          "".join(" -> " + arg.get("type") for arg in back)))
-        assert re.findall(r'^\.B "(.*)"$', section(text, heading), re.MULTILINE) == expected
 
 
 def test_the_settings_page_has_every_key_that_the_daemon_uses():
@@ -194,9 +180,10 @@ def test_every_command_and_option_can_be_completed():
 
 def test_everything_is_translated_to_german(tmp_path):
     copy = tmp_path / "norvixctl_de.ts"
-    copy.write_bytes((REPOSITORY / "client/translations/norvixctl_de.ts").read_bytes())
+    copy.write_bytes((REPOSITORY / "ctl/translations/norvixctl_de.ts").read_bytes())
     subprocess.run(["lupdate", "-silent", "-no-obsolete", "-locations", "none",
-                    REPOSITORY / "client", "-ts", copy], check=True, capture_output=True)
+                    REPOSITORY / "client", REPOSITORY / "ctl", "-ts", copy],
+                   check=True, capture_output=True)
     contexts = ElementTree.parse(copy).getroot().iter("message")
     for message in contexts:
         source, translation = message.findtext("source"), message.find("translation")
@@ -204,6 +191,14 @@ def test_everything_is_translated_to_german(tmp_path):
         for text in [form.text for form in translation.iter("numerusform")] or [translation.text]:
             assert text, source
             assert sorted(re.findall(r"%\d|%n", text)) == sorted(re.findall(r"%\d|%n", source)), source
+
+
+def test_the_library_names_no_command():
+    for file in sorted((REPOSITORY / "client").glob("*.cpp")):
+        text = file.read_text(encoding="utf-8")
+        # The one that is the content of a file.
+        text = text.replace('# Set it with \\"norvixctl account set\\".', "")
+        assert re.findall(r"norvixctl|sudo|systemctl|apt install", text) == [], file.name
 
 
 def test_the_program_in_the_machine_is_the_one_that_was_checked(machine):

@@ -1,85 +1,41 @@
 // SPDX-License-Identifier: MIT
-// The bus interface as clients know it, in the order of its description: a second source beside the
-// XML file and the code.
+// The members of the interface on the bus as the code declares them.
 #pragma once
 
-#include <array>
+#include "dbus/contract.h"
 
-/// A signal: its name, its argument names, their D-Bus types, their types in the code.
-struct BusSignal
+#include <QByteArrayList>
+
+/// What stands in the code for the D-Bus types of @p signature, separated by commas.
+inline QByteArray typesOf(const QByteArray &signature)
 {
-    const char *name;
-    const char *arguments;
-    const char *signature;
-    const char *types;
-};
+    QByteArrayList types;
+    for (const char type : signature) {
+        switch (type) {
+        case 'a': // of texts, the only array here
+            return "QStringList";
+        case 'u':
+            types.append("uint");
+            break;
+        case 'd':
+            types.append("double");
+            break;
+        case 'i':
+            types.append("int");
+            break;
+        case 'b':
+            types.append("bool");
+            break;
+        default:
+            types.append("QString");
+            break;
+        }
+    }
+    return types.join(',');
+}
 
-/// A method: its name, the names of what goes in, the D-Bus types of what goes in and out, its
-/// types in the code.
-struct BusMethod
+/// The type of a method's answer.
+inline QByteArray resultOf(const BusMethod &method)
 {
-    const char *name;
-    const char *arguments;
-    const char *in;
-    const char *out;
-    const char *types;
-    const char *result;
-};
-
-// clang-format off
-constexpr std::array<BusSignal, 26> busSignals = {{
-    {"transmissionSpeed", "rx,tx", "uu", "uint,uint"},
-    {"transmissionErrors", "rx,tx", "uu", "uint,uint"},
-    {"transmissionBytes", "rx,tx", "dd", "double,double"},
-    {"IP", "ip", "s", "QString"},
-    {"defaultRoute", "iface", "s", "QString"},
-    {"connectionTime", "h,m,s", "iii", "int,int,int"},
-    {"modemPlugged", "name", "s", "QString"},
-    {"newModemPlugged", "name", "s", "QString"},
-    {"modemUnplugged", "", "", ""},
-    {"newModemUnplugged", "", "", ""},
-    {"incorrectDNS", "", "", ""},
-    {"settingOpenDNS", "success", "b", "bool"},
-    {"connectionEstablished", "", "", ""},
-    {"connectionTerminated", "", "", ""},
-    {"establishingConnection", "", "", ""},
-    {"setEnabledConnect", "enable", "b", "bool"},
-    {"connectionState", "state", "i", "int"},
-    {"connectionTimeout", "", "", ""},
-    {"restartModemStarted", "", "", ""},
-    {"restartModemFinished", "", "", ""},
-    {"accountDataChanged", "success", "b", "bool"},
-    {"compilingDriver", "", "", ""},
-    {"compilationFinished", "success", "b", "bool"},
-    {"synchronizing", "", "", ""},
-    {"synchronizationFailed", "", "", ""},
-    {"invalidAccountData", "", "", ""},
-}};
-
-constexpr std::array<BusMethod, 24> busMethods = {{
-    {"getIP", "interface", "s", "s", "QString", "QString"},
-    {"getIP", "", "", "s", "", "QString"},
-    {"getDefaultRoute", "", "", "s", "", "QString"},
-    {"setConnectAtBoot", "connect", "b", "", "bool", "void"},
-    {"setConnectAtModemPlug", "connect", "b", "", "bool", "void"},
-    {"establishConnection", "", "", "", "", "void"},
-    {"terminateConnection", "", "", "", "", "void"},
-    {"restartModem", "", "", "", "", "void"},
-    {"setIdlenessTime", "idleness", "i", "", "int", "void"},
-    {"useNewModem", "", "", "", "", "void"},
-    {"setAccountData", "login,password", "ss", "", "QString,QString", "void"},
-    {"getIsModemPlugged", "", "", "b", "", "bool"},
-    {"getIsCompiling", "", "", "b", "", "bool"},
-    {"getConnectAtBoot", "", "", "b", "", "bool"},
-    {"getConnectAtModemPlug", "", "", "b", "", "bool"},
-    {"reply", "", "", "b", "", "bool"},
-    {"getVPI", "", "", "s", "", "QString"},
-    {"getVCI", "", "", "s", "", "QString"},
-    {"getProtocol", "", "", "s", "", "QString"},
-    {"getService", "", "", "s", "", "QString"},
-    {"getInterface", "", "", "s", "", "QString"},
-    {"getConnectionState", "", "", "i", "", "int"},
-    {"getIdlenessTime", "", "", "i", "", "int"},
-    {"getLoginAndPassword", "", "", "as", "", "QStringList"},
-}};
-// clang-format on
+    return *method.out == '\0' ? QByteArray("void") : typesOf(method.out);
+}

@@ -22,9 +22,9 @@ QByteArrayList declared(bool (*isWanted)(const QMetaMethod &))
     return list;
 }
 
-QByteArray shown(const char *result, const char *name, const char *types)
+QByteArray shown(const QByteArray &result, const char *name, const QByteArray &types)
 {
-    return QByteArray(result) + ' ' + name + '(' + types + ')';
+    return result + ' ' + name + '(' + types + ')';
 }
 
 } // namespace
@@ -53,8 +53,8 @@ void DaemonMetaObjectTest::itNamesItsInterface()
 void DaemonMetaObjectTest::itsScriptableSignalsAreTheInterfacesInOrder()
 {
     QByteArrayList expected;
-    for (const BusSignal &signal : busSignals) {
-        expected.append(shown("void", signal.name, signal.types));
+    for (const BusSignal &signal : daemonSignals) {
+        expected.append(shown("void", signal.name, typesOf(signal.signature)));
     }
     QCOMPARE(declared([](const QMetaMethod &method) {
         return method.methodType() == QMetaMethod::Signal;
@@ -70,8 +70,8 @@ void DaemonMetaObjectTest::itsScriptableSignalsAreTheInterfacesInOrder()
 void DaemonMetaObjectTest::signalArgumentsHaveTheirNames()
 {
     const QMetaObject &meta = Norvix_Daemon::staticMetaObject;
-    for (const BusSignal &signal : busSignals) {
-        const QByteArray signature = shown("", signal.name, signal.types).mid(1);
+    for (const BusSignal &signal : daemonSignals) {
+        const QByteArray signature = shown("", signal.name, typesOf(signal.signature)).mid(1);
         const QMetaMethod method = meta.method(meta.indexOfSignal(signature));
         QCOMPARE(method.parameterNames().join(','), QByteArray(signal.arguments));
     }
@@ -80,8 +80,8 @@ void DaemonMetaObjectTest::signalArgumentsHaveTheirNames()
 void DaemonMetaObjectTest::itsPublicSlotsAreTheInterfacesMethodsInOrder()
 {
     QByteArrayList expected;
-    for (const BusMethod &method : busMethods) {
-        expected.append(shown(method.result, method.name, method.types));
+    for (const BusMethod &method : daemonMethods) {
+        expected.append(shown(resultOf(method), method.name, typesOf(method.in)));
     }
     QCOMPARE(declared([](const QMetaMethod &method) {
         return method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public;

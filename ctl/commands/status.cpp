@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// norvixctl status
+#include "client/daemon_bus.h"
+#include "client/link_facts.h"
+#include "client/say.h"
+#include "client/settings_file.h"
+#include "client/signal_text.h"
+#include "client/text_format.h"
+#include "ctl/command_line.h"
+#include "ctl/commands.h"
+#include "ctl/screen/report.h"
+#include "dbus/contract.h"
+
+namespace {
+
+constexpr int shortTimeoutMs = 5000;
+
+QJsonValue textOrNull(const QString &text)
+{
+    return text.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+}
+
+/// The daemon's placeholder for "none" as an empty text.
+QString withoutDots(const QString &text)
+{
+    return text == QLatin1String(Bus::none) ? QString() : text;
+}
+
+void addModem(Report &report, const BusReply &plugged)
+{
+    const QList<UsbModem> modems = pluggedModems();
+    QString name = settingText("modem");
+    QString text = name.isEmpty() ? Say::tr("none taken into use") : name;
+    Tone tone = Tone::Plain;
+    const bool isPlugged = plugged.value.toBool();
+    if (!isPlugged && !modems.isEmpty()) {
+        const UsbModem &found = modems.constFirst();
+        const bool isInUse = found.id.vendor == settingNumber("vendor_id")
+            && found.id.product == settingNumber("product_id");
+        const QString family = QString::fromLatin1(found.family->name);
+        text = isInUse
+            ? Say::tr("%1 is plugged in, but the daemon does not see it: “norvixctl doctor”")
+                  .arg(family)
+            : Say::tr("%1 is plugged in but not taken into use: “norvixctl modem adopt”")
+                  .arg(family);
+        tone = Tone::Doubtful;
+    } else if (plugged.ok()) {
+        text = Say::tr("%1, %2").arg(
+            text, isPlugged ? Say::tr("plugged in") : Say::tr("not plugged in"));
+        tone = isPlugged ? Tone::Good : Tone::Doubtful;
+    }
+    report.add(QStringLiteral("modem.name"), textOrNull(name), Say::tr("Modem"), text, tone);
+    report.add(QStringLiteral("modem.plugged"),
+        plugged.ok() ? QJsonValue(isPlugged) : QJsonValue(QJsonValue::Null));
+}
+
+void addLine(Report &report)
+{
+    LineStatus status = lineStatus().value_or(LineStatus());
+    if (status.line == Line::Unknown) {
+        if (const auto carrier = atmCarrier()) {
+            status.line = *carrier ? Line::Up : Line::Down;
+        }
+    }
+    const Tone tone = status.line == Line::Up ? Tone::Good : Tone::Doubtful;
+    report.add(QStringLiteral("line.state"), lineWord(status.line), Say::tr("Line"),
+        lineText(status), tone);
+    const auto rate = [](const std::optional<int> &kbit) {
+        return kbit ? QJsonValue(*kbit) : QJsonValue(QJsonValue::Null);
+    };
+    report.add(QStringLiteral("line.downKbit"), rate(status.downKbit));
+    report.add(QStringLiteral("line.upKbit"), rate(status.upKbit));
+}
+
+/// A figure that may be unknown, shown by @p text.
+void addFigure(Report &report, const char *key, const QString &label,
+    const std::optional<double> &value, QString (*text)(double))
+{
+    report.add(QLatin1String(key), value.has_value() ? QJsonValue(*value) : QJsonValue(), label,
+        value.has_value() ? text(*value) : QStringLiteral("-"));
+}
+
+void addFigures(Report &report, const QString &interface)
+{
+    std::optional<double> seconds;
+    std::optional<double> received;
+    std::optional<double> sent;
+    if (const auto age = connectionSeconds(interface)) {
+        seconds = double(*age);
+    }
+    if (const auto totals = interfaceTotals(interface)) {
+        received = double(totals->received);
+        sent = double(totals->sent);
+    }
+    addFigure(report, "connection.seconds", Say::tr("Time"), seconds,
+        [](double value) { return clockText(qint64(value)); });
+    addFigure(report, "connection.receivedBytes", Say::tr("Received"), received, bytesText);
+    addFigure(report, "connection.sentBytes", Say::tr("Sent"), sent, bytesText);
+}
+
+void addConnection(Report &report, const DaemonBus &bus, int state)
+{
+    const auto ask = [&](const char *method) {
+        return bus.call(method, {}, DaemonBus::Start::Never, shortTimeoutMs).value.toString();
+    };
+    const bool isUp = state == ConnectionUp;
+    const QString interface = isUp ? ask(DaemonMethod::getInterface) : QString();
+    const QString address = isUp ? withoutDots(ask(DaemonMethod::getIP)) : QString();
+    const QString route = withoutDots(ask(DaemonMethod::getDefaultRoute));
+    const auto shown
+        = [](const QString &text) { return text.isEmpty() ? QStringLiteral("-") : text; };
+
+    report.add(QStringLiteral("connection.state"), connectionWord(state), Say::tr("Connection"),
+        connectionText(state), isUp ? Tone::Good : Tone::Doubtful);
+    report.add(QStringLiteral("connection.interface"), textOrNull(interface), Say::tr("Interface"),
+        shown(interface));
+    report.add(QStringLiteral("connection.address"), textOrNull(address), Say::tr("Address"),
+        shown(address));
+    report.add(QStringLiteral("connection.route"), textOrNull(route), Say::tr("Default route"),
+        shown(route));
+    addFigures(report, interface);
+}
+
+} // namespace
+
+int runStatus(const Invocation &, const Terminal &terminal)
+{
+    const DaemonBus bus;
+    const bool isRunning = bus.isDaemonRunning();
+    const BusReply state
+        = bus.call(DaemonMethod::getConnectionState, {}, DaemonBus::Start::Never, shortTimeoutMs);
+    const BusReply compiling
+        = bus.call(DaemonMethod::getIsCompiling, {}, DaemonBus::Start::Never, shortTimeoutMs);
+
+    Report report;
+    report.add(QStringLiteral("daemon.running"), isRunning, Say::tr("Daemon"),
+        isRunning ? Say::tr("running") : Say::tr("not running"),
+        isRunning ? Tone::Good : Tone::Bad);
+    addModem(report,
+        bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs));
+    addLine(report);
+    addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
+    report.add(QStringLiteral("driver.compiling"),
+        compiling.ok() ? QJsonValue(compiling.value.toBool()) : QJsonValue(QJsonValue::Null));
+    if (compiling.value.toBool()) {
+        report.note(Say::tr("The modem's driver is being built."));
+    }
+    report.print(terminal);
+    return state.ok() ? Ok : terminal.fail(state.failure);
+}

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// What the client reads from kernel log, processes, resolver file and the table of modems.
+#include "client/disconnect_step.h"
+#include "client/doctor_facts.h"
+#include "client/line_log.h"
+#include "client/link_facts.h"
+#include "client/modem_table.h"
+#include "daemon/modem_catalogue.h"
+#include "test_data.h"
+
+#include <QTest>
+
+class ClientLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("isPppdOurs");
+        QTest::addColumn<bool>("hasWaited");
+        QTest::addColumn<int>("step");
+        const int done = int(DisconnectStep::Done);
+        const int wait = int(DisconnectStep::Wait);
+        const int endAgain = int(DisconnectStep::EndAgain);
+        QTest::newRow("down") << 2 << false << false << done;
+        QTest::newRow("down after an attempt that gave up") << 2 << false << true << done;
+        QTest::newRow("the line trains") << 1 << false << false << wait;
+        QTest::newRow("pppd has been started") << 1 << true << true << endAgain;
+        QTest::newRow("the link is up") << 0 << true << false << endAgain;
+        QTest::newRow("the link is up, its pppd can not be seen") << 0 << false << true << endAgain;
+        QTest::newRow("the interface goes after its pppd") << 0 << false << false << done;
+    }
+    void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded()
+    {
+        QFETCH(int, state);
+        QFETCH(bool, isPppdOurs);
+        QFETCH(bool, hasWaited);
+        QTEST(int(nextDisconnectStep(state, isPppdOurs, hasWaited)), "step");
+    }
+
+    void recordedKernelLogsAreUnderstood_data()
+    {
+        QTest::addColumn<QString>("word");
+        const QMap<QString, QString> words = {
+            {QStringLiteral("cxacru-attempting-to-activate"), QStringLiteral("synchronising")},
+            {QStringLiteral("cxacru-channel-analysis"), QStringLiteral("synchronising")},
+            {QStringLiteral("cxacru-exchange"), QStringLiteral("synchronising")},
+            {QStringLiteral("cxacru-initializing"), QStringLiteral("booting")},
+            {QStringLiteral("cxacru-line-lost"), QStringLiteral("down")},
+            {QStringLiteral("cxacru-training"), QStringLiteral("synchronising")},
+            {QStringLiteral("cxacru-unplugged"), QStringLiteral("synchronising")},
+            {QStringLiteral("cxacru-up"), QStringLiteral("up")},
+            {QStringLiteral("cxacru-waiting"), QStringLiteral("synchronising")},
+            {QStringLiteral("eagle-booting"), QStringLiteral("booting")},
+            {QStringLiteral("eagle-no-firmware"), QStringLiteral("firmware-failed")},
+            {QStringLiteral("eagle-operational"), QStringLiteral("up")},
+            {QStringLiteral("eagle-preboot"), QStringLiteral("booting")},
+            {QStringLiteral("eagle-started"), QStringLiteral("synchronising")},
+            {QStringLiteral("eagle-sync-failed"), QStringLiteral("booting")},
+            {QStringLiteral("eagle-unplugged"), QStringLiteral("down")},
+            {QStringLiteral("speedtch-down"), QStringLiteral("down")},
+            {QStringLiteral("speedtch-no-firmware"), QStringLiteral("firmware-failed")},
+            {QStringLiteral("speedtch-synchronising"), QStringLiteral("synchronising")},
+            {QStringLiteral("speedtch-unplugged"), QStringLiteral("down")},
+            {QStringLiteral("speedtch-up"), QStringLiteral("up")},
+            {QStringLiteral("speedtch-upload-failed"), QStringLiteral("firmware-failed")},
+        };
+        for (const QString &file :
+            testDataNames(QStringLiteral("kernel-log"), QStringLiteral("klog-*.txt"))) {
+            QTest::newRow(qPrintable(file)) << words.value(file.mid(5).chopped(4));
+        }
+    }
+    void recordedKernelLogsAreUnderstood()
+    {
+        QFETCH(QString, word);
+        const QByteArray log
+            = testData(QStringLiteral("kernel-log/") + QLatin1String(QTest::currentDataTag()));
+        QCOMPARE(lineWord(lineFromKernelLog(log).line), word);
+    }
+
+    void ratesAreTakenFromTheLineThatDecides()
+    {
+        const LineStatus status
+            = lineFromKernelLog(testData(QStringLiteral("kernel-log/klog-cxacru-up.txt")));
+        QCOMPARE(status.downKbit.value_or(0), 8128);
+        QCOMPARE(status.upKbit.value_or(0), 832);
+        QCOMPARE(lineText(status), QStringLiteral("synchronised, 8128 kbit/s down, 832 kbit/s up"));
+    }
+
+    void oddLogsTellNothing_data()
+    {
+        QTest::addColumn<QByteArray>("log");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("no driver") << QByteArray("usb 1-1: new device\n");
+        QTest::newRow("words without a driver") << QByteArray("say: ADSL line: up\n");
+        QTest::newRow("NUL bytes") << QByteArray(1000, '\0');
+        QTest::newRow("one endless line") << QByteArray(1 << 20, 'x');
+    }
+    void oddLogsTellNothing()
+    {
+        QFETCH(QByteArray, log);
+        QCOMPARE(lineWord(lineFromKernelLog(log).line), QStringLiteral("unknown"));
+    }
+
+    void theLastTellingLineDecidesAlsoWithoutALineFeed()
+    {
+        QCOMPARE(
+            lineWord(
+                lineFromKernelLog("ATM dev 0: ADSL line: up\nATM dev 0: ADSL line: down").line),
+            QStringLiteral("down"));
+    }
+
+    void theModemsAreThoseOfTheDaemonsCatalogue()
+    {
+        const QList<ModemInfo> catalogue = modemCatalogue();
+        const std::vector<ModemFamily> &families = modemFamilies();
+        QCOMPARE(int(families.size()), catalogue.size());
+        for (int position = 0; position < catalogue.size(); ++position) {
+            const ModemFamily &family = families.at(size_t(position));
+            QCOMPARE(QString::fromLatin1(family.name), catalogue.at(position).name);
+            QCOMPARE(QString::fromLatin1(family.driver), catalogue.at(position).driver);
+            QCOMPARE(int(family.ids.size()), catalogue.at(position).ids.size());
+            for (const UsbId &id : family.ids) {
+                QVERIFY(catalogue.at(position).ids.contains(id.vendor, id.product));
+                QCOMPARE(
+                    QString::fromLatin1(driverOfVendor(id.vendor)), catalogue.at(position).driver);
+                QCOMPARE(familyOf(id), &family);
+            }
+        }
+        QVERIFY(familyOf({0x1110, 0x9000}) == nullptr);
+    }
+
+    void aModemWithoutFirmwareIsRecognised()
+    {
+        QVERIFY(isBeforeFirmware({0x1110, 0x9042}));
+        QVERIFY(!isBeforeFirmware({0x1110, 0x9041}));
+        QCOMPARE(idText({0x06B9, 0x4061}), QStringLiteral("06b9:4061"));
+    }
+
+    void theAgeOfAProcessComesFromItsStartTime_data()
+    {
+        QTest::addColumn<QByteArray>("stat");
+        QTest::addColumn<int>("age"); // -1: unknown
+        const QByteArray fields = " S 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 5000 20\n";
+        QTest::newRow("usual") << QByteArray("12 (pppd)" + fields) << 50;
+        QTest::newRow("brackets and blanks in the name")
+            << QByteArray("12 (p) S 1 (d)" + fields) << 50;
+        QTest::newRow("cut off") << QByteArray("12 (pppd) S 1") << -1;
+        QTest::newRow("empty") << QByteArray() << -1;
+    }
+    void theAgeOfAProcessComesFromItsStartTime()
+    {
+        QFETCH(QByteArray, stat);
+        QFETCH(int, age);
+        QCOMPARE(int(processAge(stat, "100.00 1.0\n", 100).value_or(-1)), age);
+    }
+
+    void ourPppdIsKnownByItsLinkname()
+    {
+        const auto words = [](const char *text) { return QByteArray(text).replace(' ', '\0'); };
+        QVERIFY(isOurCommandLine(words("pppd debug linkname norvix call norvix")));
+        QVERIFY(isOurCommandLine(words("/usr/bin/python3 pppd debug linkname norvix")));
+        QVERIFY(!isOurCommandLine(words("pppd call norvix")));
+        QVERIFY(!isOurCommandLine(words("pppd linkname")));
+        QVERIFY(!isOurCommandLine(words("pppd linkname norvix2")));
+    }
+
+    void resolverLinesAreRead()
+    {
+        QCOMPARE(
+            nameservers("# nameserver 1.1.1.1\nnameserver 192.0.2.1\n\tnameserver\t2001:db8::1 "
+                        "x\nnameserver\nsearch nameserver\n"),
+            (QStringList{"192.0.2.1", "2001:db8::1"}));
+    }
+
+    void modulesAreFoundUnderBothSpellings()
+    {
+        const QByteArray list
+            = "kernel/drivers/usb/atm/ueagle-atm.ko: kernel/a.ko\nk/ppp_generic.ko:\n";
+        QCOMPARE(moduleState("ueagle-atm", false, list), Module::Available);
+        QCOMPARE(moduleState("ueagle_atm", false, list), Module::Available);
+        QCOMPARE(moduleState("ppp_generic", false, list), Module::Available);
+        QCOMPARE(moduleState("eagle-atm", false, list), Module::Missing);
+        // Needed by one that is there, and not there itself.
+        QCOMPARE(moduleState("a", false, list), Module::Missing);
+        QCOMPARE(moduleState("cxacru", true, list), Module::Loaded);
+        QCOMPARE(moduleState("cxacru", false, std::nullopt), Module::Unknown);
+    }
+};
+
+QTEST_GUILESS_MAIN(ClientLineTest)
+#include "line_test.moc"

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// What every client makes of numbers, foreign text and the daemon's signals.
+#include "client/signal_text.h"
+#include "client/text_format.h"
+#include "dbus/contract.h"
+
+#include <QTest>
+
+class ClientTextTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bytesHaveTheUnitThatFits_data()
+    {
+        QTest::addColumn<double>("bytes");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("none") << 0.0 << "0 B";
+        QTest::newRow("just below a unit") << 999.0 << "999 B";
+        QTest::newRow("a unit") << 1000.0 << "1.0 kB";
+        QTest::newRow("rounding never shows a thousand") << 999950.0 << "1.0 MB";
+        QTest::newRow("all that 32 bits hold") << 4294967295.0 << "4.3 GB";
+    }
+    void bytesHaveTheUnitThatFits()
+    {
+        QFETCH(double, bytes);
+        QFETCH(QString, text);
+        QCOMPARE(bytesText(bytes), text);
+        QCOMPARE(rateText(bytes), text + QLatin1String("/s"));
+    }
+
+    void timeGoesBeyondADay()
+    {
+        QCOMPARE(clockText(0), QStringLiteral("00:00:00"));
+        QCOMPARE(clockText(3723), QStringLiteral("01:02:03"));
+        QCOMPARE(clockText(100 * 3600), QStringLiteral("100:00:00"));
+    }
+
+    void foreignTextCanNotSteerTheTerminal()
+    {
+        QCOMPARE(printable(QStringLiteral("a\x1b[2Jb\r")), QStringLiteral("a\uFFFD[2Jb\uFFFD"));
+        for (const ushort sign : {0x0, 0x1b, 0x7f, 0x85, 0x9b, 0x61c, 0x200e, 0x200f, 0x2028,
+                 0x202a, 0x202e, 0x2066, 0x2069}) {
+            QCOMPARE(printable(QChar(sign)), QStringLiteral("\uFFFD"));
+        }
+        const QString harmless = QStringLiteral("é “€” \u200d\u2027\u202f\u2065");
+        QCOMPARE(printable(harmless), harmless);
+    }
+
+    void everySignalHasASentence_data()
+    {
+        QTest::addColumn<QString>("signal");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("speed") << "transmissionSpeed" << QVariantList{1500u, 20u}
+                               << "speed: 1.5 kB/s down, 20 B/s up";
+        QTest::newRow("totals") << "transmissionBytes" << QVariantList{2e6, 1.0}
+                                << "totals: 2.0 MB received, 1 B sent";
+        QTest::newRow("time") << "connectionTime" << QVariantList{1, 2, 3}
+                              << "connected for 01:02:03";
+        QTest::newRow("state") << "connectionState" << QVariantList{2}
+                               << "connection state: not connected";
+        QTest::newRow("a percent sign in a value")
+            << "modemPlugged" << QVariantList{"%1 %2"} << "modem plugged: %1 %2";
+        QTest::newRow("an escape sequence in a value")
+            << "modemPlugged" << QVariantList{"\x1b[2J"} << "modem plugged: \uFFFD[2J";
+        QTest::newRow("success") << "settingOpenDNS" << QVariantList{true}
+                                 << "writing the OpenDNS resolvers: success";
+        QTest::newRow("one that is not known")
+            << "somethingNew" << QVariantList{7, "x"} << "somethingNew 7 x";
+    }
+    void everySignalHasASentence()
+    {
+        QFETCH(QString, signal);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QString, text);
+        QCOMPARE(signalText(signal, arguments), text);
+    }
+
+    void everySignalOfTheInterfaceHasOneOfItsOwn()
+    {
+        for (const BusSignal &signal : daemonSignals) {
+            const QString name = QLatin1String(signal.name);
+            const QString text = signalText(name, {1, 2, 3});
+            QVERIFY2(!text.startsWith(name + QLatin1Char(' ')), signal.name);
+        }
+    }
+
+    void argumentsAreNamedAsInTheInterfaceDescription()
+    {
+        const QJsonObject expected = {{QStringLiteral("rx"), 1}, {QStringLiteral("tx"), 2}};
+        QCOMPARE(signalArguments(QStringLiteral("transmissionErrors"), {1u, 2u}), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(ClientTextTest)
+#include "text_test.moc"
