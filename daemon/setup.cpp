@@ -3,6 +3,7 @@
 
 #include "daemon/settings.h"
 #include "daemon/setup_rules.h"
+#include "dbus/contract.h"
 #include "network/account_safety.h"
 #include "support/files/safe_file.h"
 
