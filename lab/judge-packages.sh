@@ -17,4 +17,4 @@ lintian --allow-root --tag-display-limit 0 --display-info --pedantic \
     --fail-on error,warning,info,pedantic build/packages/*.changes
 
 echo "blhc..."
-blhc --all "$log"
+blhc --debian --all "$log"
