@@ -1,5 +1,6 @@
 #!/bin/busybox sh
 # SPDX-License-Identifier: MIT
+# shellcheck shell=dash
 # The guest's first program: puts the root file system together and hands over to start.sh.
 # The host's / is seen read-only over 9p, the unpacked packages lie over it, writes go to memory.
 export PATH=/bin
@@ -17,6 +18,7 @@ for module in /modules/*; do
     insmod "$module" || fail "cannot load $module"
 done
 clean=no
+# shellcheck disable=SC2013 # words are wanted, not lines
 for word in $(cat /proc/cmdline); do
     case "$word" in
         lab.clean) clean=yes ;;

@@ -109,8 +109,9 @@ def test_wrong_options_and_users_are_refused_before_anything_is_done(from_clone)
 def test_the_packages_are_sound(packages):
     files = sorted(packages.glob("*.deb"))
     assert len(files) == len(OURS)
-    said = subprocess.run(["lintian", "--allow-root", *files], stdout=subprocess.PIPE, check=False,
-                          stderr=subprocess.STDOUT, text=True, timeout=300).stdout
+    said = subprocess.run(["lintian", "--allow-root", "--display-info", "--pedantic", *files],
+                          stdout=subprocess.PIPE, check=False, stderr=subprocess.STDOUT, text=True,
+                          timeout=300).stdout
     assert said == "" or said == "running with root privileges is not recommended!\n"
 
 

@@ -42,6 +42,12 @@ def test_no_name_is_of_one_release_alone():
     assert re.findall(r"(?m)^[a-z]+ \S*-\d\d(?:-\S*)?$", LIST) == []
 
 
+def test_the_package_test_depends_on_all_that_a_private_machine_needs():
+    text = (REPOSITORY / "debian/tests/control").read_text(encoding="ascii")
+    [depends] = re.findall(r"(?m)^Depends: ((?:.|\n )*)$", text)
+    assert set(package_names("machine")) <= set(re.split(r",\s+", depends))
+
+
 def test_both_readers_of_the_list_read_the_same(tmp_path):
     for kind in ("build", "test", "clean"):
         assert shell("listed_packages " + kind, tmp_path) == sorted(package_names(kind))
