@@ -10,7 +10,7 @@ from pathlib import Path
 
 import pytest
 
-from lab.private_machine import REPOSITORY
+from lab.private_machine import REPOSITORY, place_of_state_folders
 from lab.waiting import wait_until
 
 PATIENCE = 120
@@ -34,7 +34,7 @@ def ending(demo):
 def leftovers(pid):
     """State folders of that demo, and processes that still know of them."""
     pattern = "nvx-%d-" % pid
-    left = [str(path) for path in Path(tempfile.gettempdir()).glob(pattern + "*")]
+    left = [str(path) for path in Path(place_of_state_folders()).glob(pattern + "*")]
     for process in Path("/proc").glob("[0-9]*/cmdline"):
         try:
             if pattern in process.read_bytes().decode(errors="replace"):
