@@ -318,6 +318,13 @@ def test_calls_are_recorded_with_arguments_environment_and_descriptors(machine):
     assert sorted(call.fds) == ["0", "1", "2"]
 
 
+def test_calls_are_recorded_whatever_their_arguments_hold(machine):
+    arguments = ["", 'a"b\\c', "line\nline\t\x01", "gr\u00fc\u00dfe", "\udcff\udcc3"]
+    machine.run(["/usr/local/sbin/modprobe", *arguments], env={"MARK": "\udcff=\""})
+    call = machine.wait_call("modprobe")
+    assert call.argv == arguments and call.env["MARK"] == "\udcff=\""
+
+
 def test_a_stand_in_does_as_scripted_and_then_as_usual(machine):
     modprobe = machine.standin("modprobe")
     modprobe.set(stdout="out\n", stderr="err\n", exit=3)
