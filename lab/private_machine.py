@@ -362,8 +362,8 @@ class PrivateMachine:
 
     def _wait_until_the_bus_knows_who_has_ended(self):
         """On a busy machine an ended daemon owns its name for a moment longer."""
-        ended = [daemon.last_pid for daemon in self.daemons
-                 if daemon.last_pid and not daemon.running()]
+        exited = {record["pid"] for record in self.exits()}
+        ended = [daemon.last_pid for daemon in self.daemons if daemon.last_pid in exited]
         if ended and self._bus and not self._bus.ended():
             observer = self.client()
 
