@@ -68,7 +68,8 @@ class Standin:
             self._script.unlink(missing_ok=True)
         self._set_presence(missing, not_executable)
 
-    def _write(self, stdout="", stderr="", sleep=0, exit=AS_USUAL, exec_real=AS_USUAL, if_installed=False):
+    def _write(self, stdout="", stderr="", sleep=0, exit=AS_USUAL, exec_real=AS_USUAL,
+               if_installed=False):
         said = [text.encode() if isinstance(text, str) else text for text in (stdout, stderr)]
         head = "%f %d %d %d %d %d\n" % (sleep, exit, exec_real, if_installed, *map(len, said))
         fresh = self._script.with_suffix(".new")
