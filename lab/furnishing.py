@@ -42,7 +42,7 @@ def furnish(state, path, folders, build):
     _furnish_etc(path("/etc"))
     path("/var/lib/dbus/machine-id").symlink_to("/etc/machine-id")
     _install_build(build, path("/opt/norvix"), state / "lib")
-    install_standins(HERE / "standins", state / "lib", path)
+    install_standins(HERE / "standins", build / "lab/standin", state / "lib", path)
 
 
 def _furnish_etc(etc):

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Process 1 of a private machine: mounts its private folders, reaps, and obeys its maker.
 
-Started inside fresh namespaces as: machine_init.py STATE_FOLDER CONTROL_DESCRIPTOR keep|remove
-Ends, and with it everything in the machine, as soon as the maker closes the control socket or dies.
+Forked inside fresh namespaces by machine_starter.py. Ends, and with it everything in the machine, as
+soon as the maker closes its end of the control socket or dies.
 """
 import base64
 import ctypes
@@ -343,14 +343,14 @@ def end_everyone():
             return
 
 
-def main(state, descriptor, keep):
-    control = socket.socket(fileno=int(descriptor))
+def main(control, state, keep):
+    """Obeys what comes by the control socket until its end. keep: the state folder stays."""
     control.set_inheritable(False)
     os.umask(0o022)
     init = Init(control, state)
     init.serve()
     end_everyone()
-    if keep == "keep":
+    if keep:
         return
     # From here too, not only by the maker: it may have died.
     shutil.rmtree(state if init.parent is None else "/mnt/lab", ignore_errors=True)
@@ -359,6 +359,3 @@ def main(state, descriptor, keep):
             os.rmdir(os.path.basename(state), dir_fd=init.parent)
         except OSError:
             pass
-
-
-main(*sys.argv[1:])

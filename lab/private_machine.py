@@ -6,6 +6,7 @@ Everything happens in namespaces. What the daemon finds under /opt, /run, /tmp, 
 names, zone, locales, firmware and devices are the machine's own; programs and libraries are the
 host's, read-only. When the machine is left, or its maker dies, all of it vanishes.
 """
+import atexit
 import base64
 import errno
 import json
@@ -38,7 +39,64 @@ BUS_SOCKET = "/run/dbus/system_bus_socket"
 FOLDERS = ("/etc", "/opt", "/run", "/tmp", "/usr/lib/firmware", "/usr/lib/locale", "/usr/local/sbin",
            "/var/lib/dbus", "/var/log", "/var/run", "/var/lock", "/var/tmp")
 
+MEMORY, ROOM_IN_MEMORY = "/dev/shm", 1 << 30  # bytes
+
 Completed = namedtuple("Completed", "status stdout stderr")
+
+
+def place_of_state_folders():
+    """In memory: on a disk, the hundred small files of a machine take as long as all that happens in
+    it. Among the temporary files where there is little memory, or none that programs start from."""
+    try:
+        facts = os.statvfs(MEMORY)
+    except OSError:
+        return tempfile.gettempdir()
+    serves = (facts.f_bavail * facts.f_frsize >= ROOM_IN_MEMORY
+              and not facts.f_flag & os.ST_NOEXEC and os.access(MEMORY, os.W_OK))
+    return MEMORY if serves else tempfile.gettempdir()
+
+
+def processes_inside(name):
+    """The folders in the host's /proc of all processes inside machines whose state folder has a name
+    that begins so: they see it as the root of a mount."""
+    found = []
+    for file in Path("/proc").glob("[0-9]*/mountinfo"):
+        try:
+            if "/" + name in file.read_text(encoding="utf-8", errors="replace"):
+                found.append(file.parent)
+        except OSError:  # it has just ended
+            pass
+    return found
+
+
+class Starter:
+    """The process of machine_starter.py, from the first machine of this program to the program's end."""
+
+    def __init__(self):
+        self._lock = threading.Lock()
+        self._socket = None
+
+    def start(self, control, state, keep):
+        """Has a machine made that obeys that control socket; the id of the process that keeps it."""
+        with self._lock:
+            if self._socket is None:
+                self._begin()
+            request = json.dumps({"state": state, "keep": keep}).encode()
+            socket.send_fds(self._socket, [request], [control.fileno()])
+            return int(self._socket.recv(64))
+
+    def _begin(self):
+        self._socket, theirs = socket.socketpair()
+        # In a session of its own, so that an interrupt typed at the terminal reaches only its maker.
+        with theirs:
+            process = subprocess.Popen(["/usr/bin/python3", "-ISB", str(HERE / "machine_starter.py"),
+                                        str(theirs.fileno())], pass_fds=[theirs.fileno()],
+                                       stdin=subprocess.DEVNULL, start_new_session=True)
+        atexit.register(process.wait)
+        atexit.register(self._socket.close)  # before: what is registered last comes first
+
+
+STARTER = Starter()
 
 
 class PrivateMachine:
@@ -52,12 +110,13 @@ class PrivateMachine:
         self._exits_lock = threading.Lock()
         self._spawned = 0
         self._exits = []
-        self._bus = None
+        self._bus = self._keeper = None
         self._clients = []
         self.rooted = os.geteuid() == 0
         self.keep = bool(os.environ.get("NORVIX_LAB_KEEP"))
         self.daemons = []
-        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid()))
+        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid(),
+                                           dir=place_of_state_folders()))
         self.uses_real_kernel_log = real_kernel_log
         self.kernel_log = (RealKernelLog() if real_kernel_log
                            else KernelLog(self.path("/run/lab/kernel-log")))
@@ -85,30 +144,35 @@ class PrivateMachine:
     def _boot(self):
         """Starts process 1. First of all, because it clears up when its maker dies."""
         self._control, theirs = socket.socketpair()
-        command = ["unshare", "--mount", "--net", "--pid", "--ipc", "--uts", "--fork",
-                   "--kill-child=KILL"]
-        command += [] if self.rooted else ["--user", "--map-root-user"]
-        command += ["/usr/bin/python3", "-B", str(HERE / "machine_init.py"), str(self.state),
-                    str(theirs.fileno()), "keep" if self.keep else "remove"]
-        # In a session of its own, so that an interrupt typed at the terminal reaches only its maker.
-        self._unshare = subprocess.Popen(command, pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL,
-                                         start_new_session=True)
-        theirs.close()
+        with theirs:
+            self._keeper = STARTER.start(theirs, str(self.state), self.keep)
 
     def _end(self):
         for client in self._clients:
             client.close()
-        if hasattr(self, "_control"):
-            self._control.close()  # everything inside ends by this
-            try:
-                self._unshare.wait(PATIENCE)
-            except subprocess.TimeoutExpired:
-                self._unshare.kill()
-                self._unshare.wait()
+        if self._keeper:
+            self._control.shutdown(socket.SHUT_WR)  # everything inside ends by this
+            if not self._has_closed(PATIENCE):
+                os.kill(self._keeper, signal.SIGKILL)
+                self._has_closed(PATIENCE)
+            self._control.close()
+            self._keeper = None
         if self.keep:
             print("kept: %s" % self.state)
         else:
             shutil.rmtree(self.state, ignore_errors=True)
+
+    def _has_closed(self, timeout):
+        """Whether process 1 closes the control socket within that time: it has ended then."""
+        self._control.settimeout(timeout)
+        try:
+            while self._control.recv(1 << 16):
+                pass
+        except TimeoutError:
+            return False
+        except OSError:  # it ended before it had read everything
+            pass
+        return True
 
     # ---- talking with process 1
 
@@ -299,8 +363,8 @@ class PrivateMachine:
 
     def _wait_until_the_bus_knows_who_has_ended(self):
         """On a busy machine an ended daemon owns its name for a moment longer."""
-        ended = [daemon.last_pid for daemon in self.daemons
-                 if daemon.last_pid and not daemon.running()]
+        exited = {record["pid"] for record in self.exits()}
+        ended = [daemon.last_pid for daemon in self.daemons if daemon.last_pid in exited]
         if ended and self._bus and not self._bus.ended():
             observer = self.client()
 

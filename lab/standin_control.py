@@ -9,7 +9,8 @@ SBIN, NORVIX_BIN = "/usr/local/sbin", "/opt/norvix/bin"
 RECORDED = ("modprobe", "rmmod", "ifconfig", "ip", "kill", "killall", "ps")
 FOLDER_OF = {"br2684ctl_amd64": NORVIX_BIN, "br2684ctl_i386": NORVIX_BIN}
 REAL_FOLDERS = ("/usr/local/bin", "/usr/sbin", "/usr/bin")
-LIBRARY = ("netlink.py", "link.py", "standin.py", "traffic")
+LIBRARY = ("netlink.py", "link.py", "traffic")
+AS_USUAL = -1
 
 # fds: the descriptors that the program inherited, {"0": what it leads to, ...}.
 Call = namedtuple("Call", "time program argv env pid ppid fds")
@@ -22,15 +23,19 @@ def install(source, target):
     target.chmod(0o755)
 
 
-def install_standins(source, library, path):
-    """Puts all stand-ins in their places in a machine's private folders."""
+def install_standins(source, standin, library, path):
+    """Puts all stand-ins in their places in a machine's private folders. source is the folder of what
+    they play, standin the built program that stands for each of them."""
     for name in LIBRARY:
         install(source / name, library / name)
-    install(source / "pppd", path(SBIN) / "pppd")
-    for name in RECORDED:
-        install(source / "recorder", path(SBIN) / name)
+    programs = library / "programs"
+    programs.mkdir()
+    install(source / "pppd", programs / "pppd")
     for name in FOLDER_OF:
-        install(source / "br2684ctl", path(NORVIX_BIN) / name)
+        install(source / "br2684ctl", programs / name)
+    if standin.exists():
+        for name in ("pppd", *RECORDED, *FOLDER_OF):
+            install(standin, path(FOLDER_OF.get(name, SBIN)) / name)
 
 
 def read_calls(file, program=None):
@@ -38,7 +43,7 @@ def read_calls(file, program=None):
     if not file.exists():
         return []
     lines = file.read_bytes().split(b"\n")[:-1]
-    calls = (Call(**json.loads(line)) for line in lines)
+    calls = (Call(**json.loads(os.fsdecode(line))) for line in lines)
     return [call for call in calls if program in (None, call.program)]
 
 
@@ -49,7 +54,7 @@ class Standin:
         self._machine = machine
         self._name = name
         self._file = machine.path(FOLDER_OF.get(name, SBIN)) / name
-        self._script = machine.path("/run/lab/standins") / (name + ".json")
+        self._script = machine.path("/run/lab/standins") / name
         self._away = self._file.with_name(name + ".away")
 
     def set(self, missing=False, not_executable=False, **behaviour):
@@ -57,15 +62,19 @@ class Standin:
         exit (status), exec_real (then becomes the real program), if_installed (modprobe: succeeds
         when the module is installed in the machine). missing and not_executable hold for the real
         program of the host, too. Nothing at all: the usual behaviour again."""
-        for stream in ("stdout", "stderr"):
-            if isinstance(text := behaviour.get(stream), str):
-                behaviour[stream] = text.encode().decode("latin-1")
-            elif text is not None:
-                behaviour[stream] = text.decode("latin-1")
-        fresh = self._script.with_suffix(".new")
-        fresh.write_text(json.dumps(behaviour), encoding="ascii")
-        fresh.replace(self._script)
+        if behaviour:
+            self._write(**behaviour)
+        else:
+            self._script.unlink(missing_ok=True)
         self._set_presence(missing, not_executable)
+
+    def _write(self, stdout="", stderr="", sleep=0, exit=AS_USUAL, exec_real=AS_USUAL,
+               if_installed=False):
+        said = [text.encode() if isinstance(text, str) else text for text in (stdout, stderr)]
+        head = "%f %d %d %d %d %d\n" % (sleep, exit, exec_real, if_installed, *map(len, said))
+        fresh = self._script.with_suffix(".new")
+        fresh.write_bytes(head.encode() + b"".join(said))
+        fresh.replace(self._script)
 
     def _set_presence(self, missing, not_executable):
         if missing and self._file.exists():

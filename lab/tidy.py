@@ -2,10 +2,11 @@
 """clang-tidy over all that a build tree compiles: python3 -m lab.tidy BUILD_FOLDER JOBS
 
 What was found sound is remembered in the cache folder by everything that the analysis depends on: the
-preprocessed text with macros and comments, the configuration and the program. So a second run analyses
-only what has changed, in whatever folder. Status 0 when all is sound.
+source and all that it includes, how it is compiled, the configuration and the program. So a second run
+analyses only what has changed, in whatever folder. Status 0 when all is sound.
 """
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
@@ -45,30 +46,52 @@ def units(build):
             yield path, shlex.split(entry["command"]), entry["directory"]
 
 
-def fingerprint(command, directory, setting):
-    """Names everything that the analysis of a unit depends on; None when it does not compile."""
+def included(command, directory):
+    """The source and all files that it includes, by the compiler's account; none when it fails."""
     words = [word for word in command if word != "-c"]
     output = words.index("-o")
     del words[output:output + 2]
-    done = subprocess.run([*words, "-E", "-dD", "-CC", "-P"], cwd=directory, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, check=False)
-    text = done.stdout.replace(os.fsencode(os.getcwd()), b"")
-    return None if done.returncode else hashlib.sha256(setting + text).hexdigest()
+    done = subprocess.run([*words, "-M"], cwd=directory, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL, text=True, check=False)
+    rule = done.stdout.partition(":")[2].replace("\\\n", " ") if done.returncode == 0 else ""
+    names = [re.sub(r"\\(.)", r"\1", name) for name in re.findall(r"(?:\\.|\S)+", rule)]
+    # In another clone of this repository it is the same.
+    return [os.path.join(directory, name).removeprefix(os.getcwd() + "/") for name in names]
+
+
+@functools.lru_cache(maxsize=None)
+def digest(file):
+    """Names a file with its content; nothing of it when it is not there any more."""
+    path = Path(file)
+    content = path.read_bytes() if path.is_file() else b""
+    return file.encode() + b"\0" + hashlib.sha256(content).digest()
+
+
+def fingerprint(setting, files):
+    """Names everything that the analysis of a unit depends on."""
+    return hashlib.sha256(setting + b"".join(map(digest, files))).hexdigest()
 
 
 def judge(unit, build, setting, known):
     """What is said of one unit; nothing when it is sound."""
     path, command, directory = unit
-    name = fingerprint(command, directory, setting + path.encode()) if known else None
-    if name and (known / name).exists():
-        (known / name).touch()
-        return ""
+    if known:
+        setting += " ".join(command).replace(os.getcwd(), "").encode()
+        listed = known / (hashlib.sha256(setting).hexdigest() + ".files")
+        # Were something else included now than then, one of these would be another file than then.
+        files = listed.read_text(encoding="utf-8").splitlines() if listed.exists() else []
+        if files and (known / fingerprint(setting, files)).exists():
+            for file in (listed, known / fingerprint(setting, files)):
+                file.touch()
+            return ""
+        files = included(command, directory)
     done = subprocess.run(["clang-tidy", "-p", str(build), "--quiet", path], stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True, errors="replace", check=False)
     said = COUNT.sub("", done.stdout)
     if done.returncode == 0 and not said.strip():
-        if name:
-            (known / name).touch()
+        if known and files:
+            listed.write_text("\n".join(files), encoding="utf-8")
+            (known / fingerprint(setting, files)).touch()
         return ""
     return said or "%s: clang-tidy ended with %d\n" % (path, done.returncode)
 

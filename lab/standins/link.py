@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: MIT
 """Interfaces that live as long as the program that made them, and the far end's answers."""
-import ctypes
 import errno
 import fcntl
 import os
@@ -81,6 +80,8 @@ class VethLink:
     own that ends with this process, and takes both ends with it."""
 
     def __init__(self, name):
+        import ctypes  # seldom needed, and slow to load
+
         self.name = name
         self.netlink = Netlink()
         far_end = name + "-far"

@@ -4,13 +4,12 @@ import os
 import re
 import signal
 import subprocess
-import tempfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import pytest
 
-from lab.private_machine import REPOSITORY
+from lab.private_machine import REPOSITORY, place_of_state_folders, processes_inside
 from lab.waiting import wait_until
 
 PATIENCE = 120
@@ -34,14 +33,8 @@ def ending(demo):
 def leftovers(pid):
     """State folders of that demo, and processes that still know of them."""
     pattern = "nvx-%d-" % pid
-    left = [str(path) for path in Path(tempfile.gettempdir()).glob(pattern + "*")]
-    for process in Path("/proc").glob("[0-9]*/cmdline"):
-        try:
-            if pattern in process.read_bytes().decode(errors="replace"):
-                left.append(str(process))
-        except OSError:
-            pass
-    return left
+    left = Path(place_of_state_folders()).glob(pattern + "*")
+    return [*left, *processes_inside(pattern)]
 
 
 def order_of(told, *texts):
@@ -216,18 +209,14 @@ def test_killing_it_leaves_nothing_behind():
 
 def processes_of(demo, name):
     """The processes of that name in the demo's machine, by their ids outside."""
-    maker = "nvx-%d-" % demo.pid
-    programs = {}
-    for folder in Path("/proc").glob("[0-9]*"):
+    found = []
+    for folder in processes_inside("nvx-%d-" % demo.pid):
         try:
-            command = (folder / "cmdline").read_bytes().decode(errors="replace")
-            programs[folder] = (command, os.readlink(folder / "ns" / "pid"))
+            if name in (folder / "cmdline").read_bytes().decode(errors="replace"):
+                found.append(int(folder.name))
         except OSError:
             pass
-    spaces = {space for command, space in programs.values()
-              if maker in command and "unshare" not in command}
-    return [int(folder.name) for folder, (command, space) in programs.items()
-            if space in spaces and name in command]
+    return found
 
 
 def test_a_daemon_that_dies_is_an_error():

@@ -12,7 +12,7 @@ import pytest
 from lab import scenario
 from lab.bus_client import BusError
 from lab.kernel_log import RealKernelLog
-from lab.private_machine import REPOSITORY
+from lab.private_machine import REPOSITORY, processes_inside
 from lab.waiting import wait_until
 
 ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
@@ -45,13 +45,7 @@ def counter(machine, name):
 def traces_of(state):
     """What is left of a machine on the host."""
     left = [str(state)] if state.exists() else []
-    for process in Path("/proc").glob("[0-9]*/cmdline"):
-        try:
-            if str(state) in process.read_bytes().decode(errors="replace"):
-                left.append(str(process))
-        except OSError:
-            pass
-    return left
+    return left + processes_inside(state.name)
 
 
 def test_the_host_is_untouched_by_files_interfaces_and_mounts(new_machine):
@@ -322,6 +316,13 @@ def test_calls_are_recorded_with_arguments_environment_and_descriptors(machine):
     call = machine.wait_call("modprobe")
     assert call.argv == ["br2684"] and call.env["MARK"] == "1"
     assert sorted(call.fds) == ["0", "1", "2"]
+
+
+def test_calls_are_recorded_whatever_their_arguments_hold(machine):
+    arguments = ["", 'a"b\\c', "line\nline\t\x01", "gr\u00fc\u00dfe", "\udcff\udcc3"]
+    machine.run(["/usr/local/sbin/modprobe", *arguments], env={"MARK": "\udcff=\""})
+    call = machine.wait_call("modprobe")
+    assert call.argv == arguments and call.env["MARK"] == "\udcff=\""
 
 
 def test_a_stand_in_does_as_scripted_and_then_as_usual(machine):
