@@ -249,12 +249,13 @@ QVariant valueFrom(const QByteArray &text)
         if (!one.startsWith(QLatin1Char('@'))) {
             continue;
         }
+        if (one.startsWith(QLatin1String("@String(")) && one.endsWith(QLatin1Char(')'))) {
+            one = one.mid(8, one.size() - 9);
+            continue;
+        }
         const bool isWhole = !isList && one.endsWith(QLatin1Char(')'));
         if (isWhole && one.startsWith(QLatin1String("@ByteArray("))) {
             return one.midRef(11, one.size() - 12).toLatin1();
-        }
-        if (isWhole && one.startsWith(QLatin1String("@String("))) {
-            return one.mid(8, one.size() - 9);
         }
         if (isWhole && one == QLatin1String("@Invalid()")) {
             return QVariant();

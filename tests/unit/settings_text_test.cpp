@@ -76,6 +76,7 @@ private slots:
     void valuesAreWrittenAsTheLibraryWritesThem();
     void whatIsNoPlainValueIsNeitherDecodedNorLost_data();
     void whatIsNoPlainValueIsNeitherDecodedNorLost();
+    void aNulByteInAListIsReadAgain();
     void linesThatMeanNothingAreTold_data();
     void linesThatMeanNothingAreTold();
     void manyKeysAreReadQuickly();
@@ -148,6 +149,13 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
     QCOMPARE(read.values.value(QStringLiteral("vpi")).toStringList(), QStringList());
     QCOMPARE(read.values.value(QStringLiteral("zz")).toInt(), 1);
     QCOMPARE(settingsText(read.values), text);
+}
+
+void TestSettingsText::aNulByteInAListIsReadAgain()
+{
+    const QStringList list = {QString::fromLatin1("a\0b", 3), QStringLiteral("c")};
+    const QByteArray written = settingsText({{QStringLiteral("key"), list}});
+    QCOMPARE(settingsFrom(written).values.value(QStringLiteral("key")), QVariant(list));
 }
 
 void TestSettingsText::linesThatMeanNothingAreTold_data()
