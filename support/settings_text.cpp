@@ -389,6 +389,9 @@ QByteArray settingsText(const QMap<QString, QVariant> &values)
     QMap<QString, QByteArray> sections;
     for (auto value = values.begin(); value != values.end(); ++value) {
         const int slash = value.key().indexOf(QLatin1Char('/'));
+        if (value.key().endsWith(QLatin1Char('/')) && slash + 1 < value.key().size()) {
+            continue; // its escaped slash would hide the equals sign, and the line mean nothing
+        }
         sections[value.key().left(qMax(slash, 0))]
             += escapedKey(value.key().mid(slash + 1)) + '=' + valueText(value.value()) + '\n';
     }

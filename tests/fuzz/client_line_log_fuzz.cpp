@@ -16,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     bool isThere = status.driverLine.isEmpty();
     for (const QByteArray &line : log.split('\n')) {
         const QByteArray words = line.trimmed();
-        isThere = isThere
-            || QString::fromUtf8(words.constData(), words.size()) == status.driverLine;
+        isThere
+            = isThere || QString::fromUtf8(words.constData(), words.size()) == status.driverLine;
     }
     require(isThere);
     require(!lineWord(status.line).isEmpty() && !lineText(status).isEmpty());
