@@ -72,7 +72,8 @@ std::optional<LineStatus> statusOf(const QByteArray &line)
         }
         LineStatus status;
         status.line = phrase.line;
-        status.driverLine = QString::fromUtf8(line);
+        // With its size: the short form would end at a NUL byte.
+        status.driverLine = QString::fromUtf8(line.constData(), line.size());
         static const QRegularExpression rates(
             QStringLiteral("\\((\\d{1,6}) kb/s down \\| (\\d{1,6}) kb/s up\\)"));
         const QRegularExpressionMatch match = rates.match(status.driverLine);

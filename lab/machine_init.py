@@ -141,10 +141,13 @@ def show_the_kernel():
         mount(kept, place, flags=MS_MOVE)
 
 
-def arrange_files(state, folders, etc_of_the_host):
-    """Lays the state folder's parts over the host's places. Returns a descriptor of the folder that
+def arrange_files(state, folders, etc_of_the_host, shared):
+    """Lays the state folder's parts over the host's places; only the shared ones of the host's folders
+    can be written. Returns a descriptor of the folder that
     the state folder lies in, by which it can be removed although the path is out of sight."""
     of_the_host = list(mounts_of_the_host())
+    for place in shared:
+        bind(place, place)  # with flags of its own
     mount("tmpfs", "/mnt", "tmpfs", data="mode=755")
     os.mkdir("/mnt/lab")
     shown = show_of_the_host(etc_of_the_host)
@@ -253,9 +256,9 @@ class Init:
         for descriptor in descriptors:
             os.close(descriptor)
 
-    def do_arrange(self, folders, etc_of_the_host):
+    def do_arrange(self, folders, etc_of_the_host, shared):
         """The maker has filled the state folder: from here on the machine is as it shall be."""
-        self.parent = arrange_files(self.state, folders, etc_of_the_host)
+        self.parent = arrange_files(self.state, folders, etc_of_the_host, shared)
         socket.sethostname(HOST_NAME)
         Netlink().set_up("lo")
 

@@ -31,6 +31,7 @@ from .waiting import PATIENCE, wait_until
 REPOSITORY = Path(__file__).resolve().parent.parent
 HERE = REPOSITORY / "lab"
 BUILD = Path(os.environ.get("NORVIX_BUILD_DIR") or REPOSITORY / "build" / "release").resolve()
+PROFILES = BUILD / "profiles"  # where programs count what they execute, when they are built to
 ADDRESS_SANITIZER = os.environ.get("NORVIX_SANITIZER") == "address"
 REAL_PATH = "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 USUAL_PATH = "/usr/local/sbin:" + REAL_PATH  # the stand-ins come first
@@ -129,7 +130,8 @@ class PrivateMachine:
             self._boot()
             furnish(self.state, self.path, self._folders, BUILD)
             self.pppd.play()
-            self.request("arrange", folders=self._folders, etc_of_the_host=ETC_OF_THE_HOST)
+            self.request("arrange", folders=self._folders, etc_of_the_host=ETC_OF_THE_HOST,
+                         shared=[str(PROFILES)] if PROFILES.is_dir() else [])
         except BaseException:
             self._end()
             raise

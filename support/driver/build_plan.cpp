@@ -6,7 +6,7 @@
 
 namespace {
 
-/// "NAME" of "NAME=value", with the equals sign.
+/// "NAME" of "NAME=value", with the equals sign; empty where nothing is assigned.
 QString variableOf(const QString &entry)
 {
     return entry.left(entry.indexOf(QLatin1Char('=')) + 1);
@@ -49,7 +49,7 @@ QStringList withAssignments(const QStringList &base, const QStringList &assignme
     for (const QString &assignment : assignments) {
         const QString variable = variableOf(assignment);
         for (int i = result.size() - 1; i >= 0; --i) {
-            if (result.at(i).startsWith(variable)) {
+            if (!variable.isEmpty() && result.at(i).startsWith(variable)) {
                 result.removeAt(i);
             }
         }

@@ -8,6 +8,20 @@
 #include <QFile>
 #include <QFileInfo>
 
+QStringList addedFilesIn(const QByteArray &marker)
+{
+    QStringList files;
+    for (const QString &line :
+        QString::fromUtf8(marker).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        const bool leadsOut = line.startsWith(QLatin1Char('/'))
+            || line.split(QLatin1Char('/')).contains(QStringLiteral(".."));
+        if (!leadsOut) {
+            files.append(line);
+        }
+    }
+    return files;
+}
+
 ModuleBackup::ModuleBackup(const QString &folder, const ModuleTree &tree, const QString &moduleFile)
     : m_folder(folder)
     , m_tree(tree)
@@ -99,7 +113,7 @@ QStringList ModuleBackup::addedFiles() const
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
-    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return addedFilesIn(file.readAll());
 }
 
 bool ModuleBackup::keep(const QString &file)

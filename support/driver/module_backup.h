@@ -4,8 +4,13 @@
 
 #include "support/driver/module_tree.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
+
+/// The files that an install added, from the text of its marker: paths relative to the module
+/// folder. What would lead out of that folder is left out.
+QStringList addedFilesIn(const QByteArray &marker);
 
 /// The backup of one module of one kernel. On the disk: @p folder holds "kept", a copy of each
 /// module file under its own relative path, and, from the moment when the module folder may change

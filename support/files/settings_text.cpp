@@ -249,12 +249,13 @@ QVariant valueFrom(const QByteArray &text)
         if (!one.startsWith(QLatin1Char('@'))) {
             continue;
         }
+        if (one.startsWith(QLatin1String("@String(")) && one.endsWith(QLatin1Char(')'))) {
+            one = one.mid(8, one.size() - 9);
+            continue;
+        }
         const bool isWhole = !isList && one.endsWith(QLatin1Char(')'));
         if (isWhole && one.startsWith(QLatin1String("@ByteArray("))) {
             return one.midRef(11, one.size() - 12).toLatin1();
-        }
-        if (isWhole && one.startsWith(QLatin1String("@String("))) {
-            return one.mid(8, one.size() - 9);
         }
         if (isWhole && one == QLatin1String("@Invalid()")) {
             return QVariant();
@@ -388,6 +389,9 @@ QByteArray settingsText(const QMap<QString, QVariant> &values)
     QMap<QString, QByteArray> sections;
     for (auto value = values.begin(); value != values.end(); ++value) {
         const int slash = value.key().indexOf(QLatin1Char('/'));
+        if (value.key().endsWith(QLatin1Char('/')) && slash + 1 < value.key().size()) {
+            continue; // its escaped slash would hide the equals sign, and the line mean nothing
+        }
         sections[value.key().left(qMax(slash, 0))]
             += escapedKey(value.key().mid(slash + 1)) + '=' + valueText(value.value()) + '\n';
     }

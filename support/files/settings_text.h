@@ -31,4 +31,5 @@ struct ReadSettings
 ReadSettings settingsFrom(const QByteArray &text);
 
 /// The text that QSettings writes for the same values, byte for byte; groups in alphabetical order.
+/// Keys without a name deep in a group ("a/b/") are left out: such a line could not be read again.
 QByteArray settingsText(const QMap<QString, QVariant> &values);

@@ -81,7 +81,7 @@ Address firstAddress(unsigned index)
     Address first;
     alignas(nlmsghdr) std::array<char, 32768> buffer; // as much as the kernel sends at once
     for (;;) {
-        auto size = int(recv(netlink.get(), buffer.data(), buffer.size(), 0));
+        ssize_t size = recv(netlink.get(), buffer.data(), buffer.size(), 0);
         if (size <= 0) {
             return first;
         }

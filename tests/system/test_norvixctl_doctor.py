@@ -169,6 +169,20 @@ def test_a_module_that_the_protocol_does_not_need_is_not_missed(sound):
     assert findings(sound)["ppp"]["verdict"] == "ok"
 
 
+@pytest.mark.parametrize("missing, word, text", [((), "available", "there, not loaded"),
+                                                 (("cxacru",), "missing", "missing for this kernel"),
+                                                 (None, "unknown", "unknown")])
+def test_the_driver_command_tells_where_the_module_stands(sound, missing, word, text):
+    if missing is None:
+        shutil.rmtree(sound.path("/usr/lib/modules") / os.uname().release)
+    else:
+        planted_modules(sound, *missing)
+    sound.start_daemon()
+    shown = Ctl(sound).json("driver", "show")
+    assert (shown["driver"], shown["state"]) == ("cxacru", word)
+    assert text in Ctl(sound)("driver", "show").stdout
+
+
 def test_a_missing_policy_is_found(sound):
     run_all(sound)  # which needs the policy
     sound.path("/etc/dbus-1/system.d/norvix.conf").unlink()

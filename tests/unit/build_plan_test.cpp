@@ -84,6 +84,12 @@ private slots:
             QStringList({QStringLiteral("AB=1"), QStringLiteral("A"), QStringLiteral("A=3")}));
     }
 
+    void anEntryThatAssignsNothingTakesNoVariableAway()
+    {
+        const QStringList base{QStringLiteral("A=1"), QStringLiteral("B=2")};
+        QCOMPARE(withAssignments(base, {QStringLiteral("A")}), base + QStringList("A"));
+    }
+
     void listsAreSplitAtCommas_data()
     {
         QTest::addColumn<QString>("text");

@@ -127,6 +127,8 @@ private slots:
     void ofHundredsOfPlantedNamesNoneKeepsTheLockAway();
     void whereNoLockCanBeMadeTheInstanceIsToldSo();
     void aFileSystemWithoutLocksIsNoOtherInstance();
+    void aPlantedFolderThatCannotBePutAsideStaysWhole_data();
+    void aPlantedFolderThatCannotBePutAsideStaysWhole();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -357,24 +359,50 @@ void LockFileTest::whereNoLockCanBeMadeTheInstanceIsToldSo()
 void LockFileTest::aFileSystemWithoutLocksIsNoOtherInstance()
 {
     QProcess instance;
-    instance.start(
-        QStringLiteral("/proc/self/exe"), {QStringLiteral("--lock-without-locks"), m_path});
+    instance.start(QStringLiteral("/proc/self/exe"),
+        {QStringLiteral("--lock-without"), QStringLiteral("locks"), m_path});
     QVERIFY(instance.waitForFinished(60000));
     QCOMPARE(instance.readAllStandardOutput(), QByteArray("0\n"));
     QVERIFY(instance.readAllStandardError().contains("No locks available"));
 }
 
-/// From here on the kernel says of every record lock that there are no locks, as some network file
-/// systems do.
-bool forbidLocks()
+void LockFileTest::aPlantedFolderThatCannotBePutAsideStaysWhole_data()
 {
-    const auto offset = [](size_t field) { return quint32(field); };
-    std::array<sock_filter, 6> rules = {{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset(offsetof(seccomp_data, nr))),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(SYS_fcntl), 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset(offsetof(seccomp_data, args[1]))),
+    QTest::addColumn<QString>("without");
+    QTest::newRow("no place for it") << QStringLiteral("mkdir");
+    QTest::newRow("not to be moved") << QStringLiteral("rename");
+}
+
+void LockFileTest::aPlantedFolderThatCannotBePutAsideStaysWhole()
+{
+    QFETCH(QString, without);
+    QVERIFY(QDir().mkpath(m_path + QStringLiteral("/sub")));
+    QProcess instance;
+    instance.start(
+        QStringLiteral("/proc/self/exe"), {QStringLiteral("--lock-without"), without, m_path});
+    QVERIFY(instance.waitForFinished(60000));
+    QCOMPARE(instance.readAllStandardOutput(), QByteArray("0\n"));
+    QVERIFY(instance.readAllStandardError().contains("cannot make the lock file"));
+    QVERIFY(QFile::exists(m_path + QStringLiteral("/sub")));
+    const QStringList left = QDir(m_folder->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    QCOMPARE(left, QStringList(QStringLiteral("norvixdaemon")));
+}
+
+/// From here on the kernel answers one kind of call with an error: that of locks as some network
+/// file systems do.
+bool forbid(const QByteArray &what)
+{
+    const bool isLocks = what == "locks";
+    const quint32 call = isLocks ? SYS_fcntl : what == "mkdir" ? SYS_mkdir : SYS_rename;
+    const quint32 error = isLocks ? ENOLCK : EPERM;
+    // Of fcntl only the commands that lock; the others have no second argument to look at.
+    std::array<sock_filter, 7> rules = {{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, quint32(offsetof(seccomp_data, nr))),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 4),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(SYS_fcntl), 0, 2),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, quint32(offsetof(seccomp_data, args[1]))),
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(F_SETLK), 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | quint32(ENOLCK)),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     }};
     const sock_fprog program = {rules.size(), rules.data()};
@@ -384,11 +412,11 @@ bool forbidLocks()
 
 int main(int argc, char **argv)
 {
-    if (argc == 3 && qstrcmp(argv[1], "--lock-without-locks") == 0) {
-        if (!forbidLocks()) {
+    if (argc == 4 && qstrcmp(argv[1], "--lock-without") == 0) {
+        if (!forbid(argv[2])) {
             return 1;
         }
-        printf("%d\n", lockFile(QFile::decodeName(argv[2])));
+        printf("%d\n", lockFile(QFile::decodeName(argv[3])));
         return 0;
     }
     if (argc == 4 && qstrcmp(argv[1], "--lock") == 0) {

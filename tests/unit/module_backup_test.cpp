@@ -65,6 +65,18 @@ private slots:
         write(inTree(QStringLiteral("modules.dep")), "index");
     }
 
+    void aSpoiltMarkerRemovesNothingOutsideTheModuleFolder()
+    {
+        const QString outside = m_folder->filePath(QStringLiteral("outside"));
+        write(outside, "precious");
+        write(m_folder->filePath(QStringLiteral("backup/ueagle-atm.ko/installing")),
+            "../outside\nkernel/../../outside\n/" + outside.toUtf8() + "\nextra/new.ko");
+        write(inTree(QStringLiteral("extra/new.ko")), "new");
+        QVERIFY(backup().putBack());
+        QVERIFY(QFile::exists(outside));
+        QVERIFY(!QFile::exists(inTree(QStringLiteral("extra/new.ko"))));
+    }
+
     void copiesAreFoundWhateverTheirCompressionAndDashes()
     {
         write(inTree(QStringLiteral("kernel/ueagle-atm.ko.xz")), "1");

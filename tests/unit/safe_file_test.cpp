@@ -74,6 +74,8 @@ private slots:
     void replacingSweepsWhatAKilledProcessLeft();
     void whatAnotherProcessIsStillWritingIsNotSwept();
     void ownerAndModeAreGivenBeforeTheNewFileCanBeSeen();
+    void anOwnerIsGivenThoughTheGroupStays();
+    void copyingToAFolderThatCannotBeMadeFails();
     void replacingAFolderFailsAndLeavesNothingBehind();
     void plainFileIsNoMountPoint();
 
@@ -346,6 +348,34 @@ void TestSafeFile::ownerAndModeAreGivenBeforeTheNewFileCanBeSeen()
     QVERIFY(replaceFile(path("file"), "new", attributes));
     QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0640));
     QCOMPARE(statusOf("file").st_gid, attributes.group);
+}
+
+void TestSafeFile::anOwnerIsGivenThoughTheGroupStays()
+{
+    if (geteuid() != 0) {
+        QSKIP("needs root to give a file to another user");
+    }
+    FileAttributes attributes;
+    attributes.owner = 33;
+    attributes.group = getegid();
+    attributes.mode = 0600;
+    QVERIFY(replaceFile(path("file"), "text", attributes));
+    QCOMPARE(statusOf("file").st_uid, attributes.owner);
+    attributes.owner = geteuid();
+    QVERIFY(replaceFile(path("other"), "text", attributes));
+    QVERIFY(!sameFile(path("file"), path("other")));
+}
+
+void TestSafeFile::copyingToAFolderThatCannotBeMadeFails()
+{
+    write("file", "old");
+    write("source", "new");
+    QVERIFY(
+        !copyIntoPlace(path("source"), path("file/below/target"), *attributesOf(path("source"))));
+    QVERIFY(!copyIntoPlace(
+        path("source"), QStringLiteral("/proc/norvix/target"), *attributesOf(path("source"))));
+    QCOMPARE(bytesOf("file"), QByteArray("old"));
+    QCOMPARE(names(), QStringList({QStringLiteral("file"), QStringLiteral("source")}));
 }
 
 void TestSafeFile::replacingAFolderFailsAndLeavesNothingBehind()

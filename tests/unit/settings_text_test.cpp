@@ -76,6 +76,8 @@ private slots:
     void valuesAreWrittenAsTheLibraryWritesThem();
     void whatIsNoPlainValueIsNeitherDecodedNorLost_data();
     void whatIsNoPlainValueIsNeitherDecodedNorLost();
+    void aNulByteInAListIsReadAgain();
+    void aKeyWithoutANameDeepInAGroupDoesNotSpoilTheFile();
     void linesThatMeanNothingAreTold_data();
     void linesThatMeanNothingAreTold();
     void manyKeysAreReadQuickly();
@@ -148,6 +150,22 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
     QCOMPARE(read.values.value(QStringLiteral("vpi")).toStringList(), QStringList());
     QCOMPARE(read.values.value(QStringLiteral("zz")).toInt(), 1);
     QCOMPARE(settingsText(read.values), text);
+}
+
+void TestSettingsText::aNulByteInAListIsReadAgain()
+{
+    const QStringList list = {QString::fromLatin1("a\0b", 3), QStringLiteral("c")};
+    const QByteArray written = settingsText({{QStringLiteral("key"), list}});
+    QCOMPARE(settingsFrom(written).values.value(QStringLiteral("key")), QVariant(list));
+}
+
+void TestSettingsText::aKeyWithoutANameDeepInAGroupDoesNotSpoilTheFile()
+{
+    const ReadSettings read = settingsFrom("[a\\b]\n=value\nvpi=8\n[c]\n=d\n");
+    const ReadSettings again = settingsFrom(settingsText(read.values));
+    QVERIFY(read.isWellFormed && again.isWellFormed);
+    QCOMPARE(again.values.value(QStringLiteral("a/b/vpi")).toInt(), 8);
+    QCOMPARE(again.values.value(QStringLiteral("c/")).toString(), QStringLiteral("d"));
 }
 
 void TestSettingsText::linesThatMeanNothingAreTold_data()

@@ -5,12 +5,15 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +26,24 @@ ToolCall shell(const char *script)
     call.arguments = QStringList{QStringLiteral("-c"), QString::fromLatin1(script)};
     call.environment = plain;
     return call;
+}
+
+/// This program as a tool that leaves its process group, so that no signal to that reaches it, and
+/// lives until nobody writes to the pipe "pipe" any more.
+int leaveGroup()
+{
+    const pid_t other = fork();
+    setpgid(other, other);
+    setpgid(0, other);
+    const FileDescriptor pipe(open("pipe", O_RDONLY));
+    char byte = 0;
+    return int(read(pipe.get(), &byte, 1));
+}
+
+bool hasChildren()
+{
+    siginfo_t info = {};
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
 } // namespace
@@ -131,6 +152,24 @@ private slots:
         // The pipe ends when nobody holds its other end any more.
         char byte = 0;
         QTRY_COMPARE(read(end.get(), &byte, 1), ssize_t(0));
+    }
+
+    void aToolThatCannotBeEndedIsLeftBehindAndReapedByALaterRun()
+    {
+        const QByteArray pipe = QFile::encodeName(m_folder->filePath(QStringLiteral("pipe")));
+        QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+        {
+            const FileDescriptor alive(open(pipe.constData(), O_RDWR | O_CLOEXEC));
+            ToolCall call;
+            call.program = QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
+            call.arguments = QStringList(QStringLiteral("--leave-group"));
+            call.environment = plain;
+            call.folder = m_folder->path();
+            call.timeoutMs = 1000;
+            QCOMPARE(run(call).end, ToolResult::TimedOut);
+            QVERIFY(run(shell("exit 0")).ok());
+        }
+        QTRY_VERIFY(run(shell("exit 0")).ok() && !hasChildren());
     }
 
     void aToolGetsItsFolderAndExactlyItsEnvironment()
@@ -268,5 +307,13 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(ToolRunnerTest)
+int main(int argc, char **argv)
+{
+    if (argc == 2 && qstrcmp(argv[1], "--leave-group") == 0) {
+        return leaveGroup();
+    }
+    ToolRunnerTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tool_runner_test.moc"

@@ -112,6 +112,12 @@ private slots:
             QStringLiteral("down"));
     }
 
+    void aLineWithANulByteIsShownWhole()
+    {
+        const QByteArray line("\0[ueagle-atm] modem operational", 31);
+        QCOMPARE(lineFromKernelLog(line).driverLine, QString::fromLatin1(line.data(), line.size()));
+    }
+
     void theModemsAreThoseOfTheDaemonsCatalogue()
     {
         const QList<ModemInfo> catalogue = modemCatalogue();

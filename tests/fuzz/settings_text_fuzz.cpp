@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// What was read from any text can be written, and is read again as it was.
+#include "fuzz_input.h"
+#include "support/settings_text.h"
+
+namespace {
+
+bool isSame(const QVariant &one, const QVariant &other)
+{
+    if (one.canConvert<UndecodedSetting>() || other.canConvert<UndecodedSetting>()) {
+        return one.canConvert<UndecodedSetting>() && other.canConvert<UndecodedSetting>()
+            && one.value<UndecodedSetting>().text == other.value<UndecodedSetting>().text;
+    }
+    return one.userType() == other.userType() && one == other;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArray content = FuzzInput(data, size).rest();
+    const ReadSettings read = settingsFrom(content);
+    const QByteArray written = settingsText(read.values);
+    // One character becomes at most "%UXXXX" in a key, "\xXXXX" in a value.
+    require(written.size() <= 7 * content.size() + 64);
+
+    const ReadSettings again = settingsFrom(written);
+    require(again.isWellFormed);
+    // Keys of a section without a name are written into the general one, as the library does it.
+    for (const QString &key : read.values.keys()) {
+        if (key.startsWith(QLatin1Char('/'))) {
+            return 0;
+        }
+    }
+    require(again.values.keys() == read.values.keys());
+    for (auto value = read.values.begin(); value != read.values.end(); ++value) {
+        require(isSame(value.value(), again.values.value(value.key())));
+    }
+    require(settingsText(again.values) == written);
+    return 0;
+}
