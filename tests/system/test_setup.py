@@ -110,6 +110,35 @@ def test_a_file_that_can_not_be_written_is_an_error_and_stays(running):
     assert running.path(INI).read_bytes() == before.replace(b"vpi", b"vci=35\nvpi")
 
 
+def test_a_file_on_which_something_is_mounted_is_written_in_place(running):
+    """As container managers do with single files: no rename reaches it."""
+    setup = Setup(running.client())
+    setup.set(vpi=8)
+    mounted = running.path("/opt/mounted.ini")
+    mounted.write_text("[General]\nkept=by hand\nvci=35\n", encoding="ascii")
+    mounted.chmod(0o640)
+    running.run(["/usr/bin/mount", "--bind", "/opt/mounted.ini", INI])
+    inode = mounted.stat().st_ino
+    setup.set(protocol="PPPoE")
+    assert mounted.read_text(encoding="ascii") == (
+        "[General]\nkept=by hand\nprotocol=PPPoE\nvci=35\n")
+    assert (mounted.stat().st_ino, mounted.stat().st_mode & 0o777) == (inode, 0o640)
+    # What somebody else writes there is neither missed nor undone by what was set before.
+    mounted.write_text("[General]\nprotocol=PPPoA\nvpi=1\n", encoding="ascii")
+    running.client().call("setConnectAtBoot", True)
+    wait_until(lambda: "connect_at_boot" in mounted.read_text(encoding="ascii"),
+               what="the setting is in the file")
+    setup.set(vci=36)
+    assert mounted.read_text(encoding="ascii") == (
+        "[General]\nconnect_at_boot=true\nprotocol=PPPoA\nvci=36\nvpi=1\n")
+    assert setup.settings() == {"protocol": "PPPoA", "vpi": 1, "vci": 36, "connect_at_boot": True}
+    folder = [path.name for path in running.path("/opt/norvix").iterdir()]
+    assert [name for name in folder if name.startswith(".daemon_ng.ini.")] == []
+    assert running.daemons[0].stop() == 255
+    running.start_daemon()
+    assert Setup(running.client()).settings()["vci"] == 36
+
+
 # ---- the account
 
 def test_an_account_is_stored_as_the_daemon_stores_one(bus_machine):
