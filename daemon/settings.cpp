@@ -236,7 +236,15 @@ SettingsStore *openStore()
 // Created before main() and never deleted: worker threads may still read while the process ends.
 SettingsStore *const store = openStore();
 
-std::function<void()> settingWritten;
+std::function<void()> settingsTouched; // under the one store's mutex
+
+void tellListener()
+{
+    const QMutexLocker lock(&store->mutex());
+    if (settingsTouched) {
+        settingsTouched();
+    }
+}
 
 QRecursiveMutex *mutexOf(QSettings *settings)
 {
@@ -284,20 +292,21 @@ void writeSetting(QSettings *store, const char *key, const QVariant &value)
             own->setPending(QLatin1String(key));
         }
     }
-    if (settingWritten) {
-        settingWritten();
-    }
+    tellListener();
 }
 
-void onSettingWritten(std::function<void()> listener)
+void onSettingsTouched(std::function<void()> listener)
 {
-    settingWritten = std::move(listener);
+    const QMutexLocker lock(&store->mutex());
+    settingsTouched = std::move(listener);
 }
 
 bool syncSettings(QSettings *store)
 {
     if (auto *own = dynamic_cast<SettingsStore *>(store)) {
-        return own->syncNow();
+        const bool isWritten = own->syncNow();
+        tellListener();
+        return isWritten;
     }
     if (store != nullptr) {
         store->sync();

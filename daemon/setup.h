@@ -25,6 +25,8 @@ class SetupAdaptor : public QDBusAbstractAdaptor
 public:
     /// @p object is what gets registered at the path; @p daemon must outlive it.
     SetupAdaptor(QObject *object, Norvix_Daemon *daemon);
+    ~SetupAdaptor() override;
+    Q_DISABLE_COPY_MOVE(SetupAdaptor)
 
 public slots:
     /// The stored settings with their types; what was never set is missing.
@@ -40,7 +42,8 @@ public slots:
     QString GetAnnouncedModem(int &vendor_id, int &product_id, QString &udi);
 
 signals:
-    /// A setting was stored, by whatever way through the bus: those that changed, as GetSettings.
+    /// Settings changed, by whatever way through the bus or found in the file: those that did, as
+    /// GetSettings.
     void SettingsChanged(const QVariantMap &settings);
 
 private:

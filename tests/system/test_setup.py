@@ -86,6 +86,23 @@ def test_a_change_is_told_once_with_what_changed_by_whatever_method(running):
     assert len(setup.changes()) == 3
 
 
+def test_what_somebody_else_wrote_is_told_when_the_daemon_notices_it(machine, hal):
+    daemon = machine.start_daemon()
+    daemon.wait_for_log("getModemState(): klogctl()")
+    setup = Setup(machine.client())
+    setup.set(vpi=8)
+    ini = machine.path(INI)
+    ini.write_text("[General]\nvpi=1\nvci=35\n", encoding="ascii")
+    hal.unplug("/org/freedesktop/Hal/devices/another")  # any removal has the file read
+    wait_until(lambda: setup.changes() == [{"vpi": 8}, {"vpi": 1, "vci": 35}], what="it is told")
+    # The thread that connects reads it, too.
+    ini.write_text("[General]\nvpi=1\nvci=36\n", encoding="ascii")
+    machine.kernel_log.line_up()
+    setup.client.call("establishConnection")
+    machine.wait_call("pppd")
+    wait_until(lambda: setup.changes()[2:] == [{"vci": 36}], what="it is told")
+
+
 def test_arguments_for_pppd_are_set_and_taken_away(running):
     setup = Setup(running.client())
     setup.set_arguments("mtu", "1400")
