@@ -2,7 +2,10 @@
 """A member of the group norvix tries every way to become root, or to make root write or run what the
 member chose."""
 import json
+import re
 import shutil
+import stat
+import subprocess
 from pathlib import Path
 
 import pytest
@@ -156,6 +159,20 @@ def test_nothing_that_root_reads_or_runs_can_be_written(installed):
     member = Member(installed)
     assert set(member.writable(*OWN)) == FOR_EVERYBODY
     assert member.run('find "$@" -perm /6000 -type f', *OWN) == ""
+
+
+def test_what_a_package_brings_is_for_nobody_else_to_write(tmp_path):
+    subprocess.run(["cmake", "--install", str(BUILD), "--prefix", "/opt/norvix"], check=True,
+                   env={"DESTDIR": str(tmp_path), "PATH": USUAL_PATH}, stdout=subprocess.DEVNULL)
+    brought = {path.relative_to(tmp_path): path.lstat() for path in tmp_path.rglob("*")}
+    assert Path("opt/norvix/bin/norvix-daemon") in brought
+    assert [path for path, facts in brought.items()
+            if facts.st_mode & 0o6022 and not stat.S_ISLNK(facts.st_mode)] == []
+    # Libraries are looked for beside the programs and nowhere else.
+    for name in ("norvix-daemon", "norvix-hald", "norvixctl"):
+        said = subprocess.run(["readelf", "-d", str(tmp_path / "opt/norvix/bin" / name)], check=True,
+                              stdout=subprocess.PIPE, text=True).stdout
+        assert re.findall(r"R(?:UN)?PATH.*\[(.*)\]", said) in ([], ["$ORIGIN/../lib"])
 
 
 def test_nothing_can_be_planted_in_a_folder_of_roots(installed):
