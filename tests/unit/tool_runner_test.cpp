@@ -2,15 +2,19 @@
 // Running the tools of a build: what they are given, how their end is told.
 #include "support/build_log.h"
 #include "support/tool_runner.h"
+#include "without_right_to_kill.h"
+#include "worker.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <csignal>
 #include <fcntl.h>
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -131,6 +135,36 @@ private slots:
         // The pipe ends when nobody holds its other end any more.
         char byte = 0;
         QTRY_COMPARE(read(end.get(), &byte, 1), ssize_t(0));
+    }
+
+    void aToolThatCannotBeKilledIsLeftBehindAndReapedByALaterOne()
+    {
+        if (geteuid() != 0) {
+            QSKIP("only root can give a program to another user");
+        }
+        ToolCall call = shell("echo $$; exec setpriv --reuid 65534 --clear-groups sleep 1000");
+        call.timeoutMs = 2000; // time to become the other user's
+        call.maxOutput = 100;
+        ToolResult left;
+        ToolResult next;
+        Worker worker([&] {
+            const WithoutRightToKill noRight;
+            left = run(call);
+            next = run(shell("exit 3"));
+        });
+        worker.start();
+        QVERIFY(worker.wait(60000)); // the thread is over, the tool is not
+        const pid_t tool = left.output.trimmed().toInt();
+        QCOMPARE(left.end, ToolResult::TimedOut);
+        QCOMPARE(next.exitCode, 3);
+        QVERIFY(tool > 1);
+        QCOMPARE(kill(tool, 0), 0);
+
+        QCOMPARE(kill(tool, SIGKILL), 0); // with all rights again
+        siginfo_t ended = {};
+        QCOMPARE(waitid(P_PID, id_t(tool), &ended, WEXITED | WNOWAIT), 0);
+        QVERIFY(run(shell("exit 0")).ok());
+        QCOMPARE(kill(tool, 0), -1); // not even a zombie
     }
 
     void aToolGetsItsFolderAndExactlyItsEnvironment()
