@@ -176,7 +176,16 @@ Finding checkDriver(const Facts &facts)
     case Module::Missing:
         break;
     }
-    return fault(Say::tr("There is no driver %1 for kernel %2.").arg(facts.driver, facts.kernel),
+    const QString text
+        = Say::tr("There is no driver %1 for kernel %2.").arg(facts.driver, facts.kernel);
+    if (facts.hasDriverSource && !facts.lackingPacker.isEmpty()) {
+        return fault(text,
+            Say::tr("Install the kernel's headers and %1, with which this kernel's modules are "
+                    "compressed, and restart the daemon: it then builds the driver (“sudo apt "
+                    "install linux-headers-%2 %1”).")
+                .arg(facts.lackingPacker, facts.kernel));
+    }
+    return fault(text,
         facts.hasDriverSource
             ? Say::tr("Install the kernel's headers and restart the daemon: it then builds the "
                       "driver (“sudo apt install linux-headers-%1”).")
