@@ -164,8 +164,12 @@ Finding checkDriver(const Facts &facts)
     }
     const QString text
         = Say::tr("There is no driver %1 for kernel %2.").arg(facts.driver, facts.kernel);
-    return facts.hasDriverSource ? fault(text, RemedyKind::InstallHeaders, facts.kernel)
-                                 : fault(text, RemedyKind::InstallDriver);
+    if (!facts.hasDriverSource) {
+        return fault(text, RemedyKind::InstallDriver);
+    }
+    return facts.lackingPacker.isEmpty() ? fault(text, RemedyKind::InstallHeaders, facts.kernel)
+                                         : fault(text, RemedyKind::InstallHeadersAndPacker,
+                                             facts.kernel + QLatin1Char(' ') + facts.lackingPacker);
 }
 
 Finding withoutFirmware(Verdict verdict, const QString &text, const Facts &facts)

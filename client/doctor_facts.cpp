@@ -103,15 +103,18 @@ void lookAtSettings(const DaemonBus &bus, Facts &facts)
     facts.vci = lineValue("vci", DaemonMethod::getVCI);
 }
 
+std::optional<QByteArray> moduleList(const QString &kernel, const char *name)
+{
+    constexpr qint64 mostBytes = 16 << 20;
+    return fileContent(
+        QStringLiteral("/lib/modules/%1/%2").arg(kernel, QLatin1String(name)), mostBytes);
+}
+
 Module lookAtModule(const Facts &facts, const char *name)
 {
-    const QString folder = QStringLiteral("/lib/modules/%1/").arg(facts.kernel);
-    constexpr qint64 mostBytes = 16 << 20;
-    std::optional<QByteArray> installed
-        = fileContent(folder + QLatin1String("modules.dep"), mostBytes);
+    std::optional<QByteArray> installed = moduleList(facts.kernel, "modules.dep");
     if (installed) {
-        *installed
-            += fileContent(folder + QLatin1String("modules.builtin"), mostBytes).value_or("");
+        *installed += moduleList(facts.kernel, "modules.builtin").value_or("");
     }
     QString loadedName = QLatin1String(name);
     loadedName.replace(QLatin1Char('-'), QLatin1Char('_'));
@@ -132,6 +135,13 @@ void lookAtDriver(Facts &facts)
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
         facts.atmModule = lookAtModule(facts, "atm");
         facts.usbatmModule = lookAtModule(facts, "usbatm");
+    }
+    const std::optional<QByteArray> modules = moduleList(facts.kernel, "modules.dep");
+    if (const ModulePacker packer = modulePacker(modules.value_or("")); packer.program != nullptr) {
+        const bool isThere = !QStandardPaths::findExecutable(QLatin1String(packer.program),
+            {QStringLiteral("/usr/local/bin"), QStringLiteral("/usr/bin"), QStringLiteral("/bin")})
+                                  .isEmpty();
+        facts.lackingPacker = isThere ? QString() : QLatin1String(packer.package);
     }
     const QDir sources(QStringLiteral("/opt/norvix/drivers"));
     facts.hasDriverSource = (facts.driver == QLatin1String("unicorn_usb_eth")
@@ -194,6 +204,27 @@ Module moduleState(
     return Module::Missing;
 }
 
+ModulePacker modulePacker(const QByteArray &modulesDep)
+{
+    for (const QByteArray &line : modulesDep.split('\n')) {
+        // Only the kernel's own tell how it was made: others come as they like.
+        const QByteArray file = line.left(line.indexOf(':'));
+        if (!file.startsWith("kernel/")) {
+            continue;
+        }
+        if (file.endsWith(".xz")) {
+            return {"xz", "xz-utils"};
+        }
+        if (file.endsWith(".zst")) {
+            return {"zstd", "zstd"};
+        }
+        if (file.endsWith(".ko")) {
+            break;
+        }
+    }
+    return {nullptr, nullptr};
+}
+
 bool Facts::isDriverOverAtm() const
 {
     return !driver.isEmpty() && driver != QLatin1String("unicorn_usb_eth");
@@ -240,5 +271,6 @@ Facts gatherFacts(const DaemonBus &bus)
     facts.resolver = resolver();
     facts.pppds = runningPppds();
     facts.log = seenFile(QStringLiteral("/opt/norvix/daemon.log"));
+    facts.log.content = lastLinesOf(facts.log.path); // the last attempt stands there
     return facts;
 }

@@ -61,6 +61,7 @@ struct Facts // NOLINT(clang-analyzer-optin.performance.Padding): in the order o
     Module atmModule = Module::Unknown;
     Module usbatmModule = Module::Unknown;
     bool hasDriverSource = false;
+    QString lackingPacker; ///< the package without which a built driver cannot be installed
     bool isCompiling = false;
     QString firmware; ///< the file that the modem needs; empty for none
     bool hasFirmware = false;
@@ -113,3 +114,13 @@ Facts gatherDriverFacts();
 /// modules.builtin, one path a line).
 Module moduleState(
     const QByteArray &name, bool isLoaded, const std::optional<QByteArray> &installed);
+
+/// What compresses the modules of a kernel.
+struct ModulePacker
+{
+    const char *program; ///< null for none
+    const char *package;
+};
+
+/// The one that the kernel's own installation of a built module runs, by its modules.dep.
+ModulePacker modulePacker(const QByteArray &modulesDep);

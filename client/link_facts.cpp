@@ -42,6 +42,20 @@ std::optional<QByteArray> fileContent(const QString &path, qint64 mostBytes)
     return file.read(mostBytes);
 }
 
+std::optional<QByteArray> lastLinesOf(const QString &path, qint64 mostBytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    if (file.size() <= mostBytes) {
+        return file.read(mostBytes);
+    }
+    file.seek(file.size() - mostBytes);
+    const QByteArray end = file.read(mostBytes);
+    return end.mid(end.indexOf('\n') + 1);
+}
+
 std::optional<Totals> interfaceTotals(const QString &interface)
 {
     if (interface.isEmpty() || interface.contains(QLatin1Char('/'))) {

@@ -71,3 +71,6 @@ QStringList nameservers(const QByteArray &text);
 
 /// The content of a file of at most @p mostBytes; nothing when it can not be read.
 std::optional<QByteArray> fileContent(const QString &path, qint64 mostBytes = 1 << 20);
+
+/// The same of the file's end, beginning with a whole line.
+std::optional<QByteArray> lastLinesOf(const QString &path, qint64 mostBytes = 1 << 20);

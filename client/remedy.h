@@ -20,6 +20,8 @@ enum class RemedyKind
     InstallKernel,
     InstallHeaders, ///< and restart the daemon, which builds the driver; detail: the kernel's
                     ///< release
+    InstallHeadersAndPacker, ///< the same; detail: the release, a blank, and the package with which
+                             ///< this kernel's modules are compressed
     InstallDriver, ///< with a full kernel or from a source
     WaitForDriver,
     PlugModem,

@@ -176,8 +176,9 @@ void Norvix_Daemon::terminateConnection()
     m_statisticsTimer->stop();
 
     traceStep(4);
-    // A late one has its time: without a pid file nothing else ends pppd. The next connection
-    // waits.
+    // A late one is not ended at once: without a pid file nothing else ends pppd, and a busy
+    // machine is where it is late. The next connection waits for it, so that its pppd is never the
+    // victim.
     ProgramResult killall = runProgramWithGrace(QStringLiteral("killall"),
         {QStringLiteral("-9"), QStringLiteral("pppd"), QStringLiteral("br2684ctl_amd64"),
             QStringLiteral("br2684ctl_i386")},

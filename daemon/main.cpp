@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -121,6 +122,9 @@ int main(int argc, char **argv)
     // limit sends every large block back to the system as soon as it is free.
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     openMissingStandardStreams();
+    // Our folders hand their group on, which may read there. Whatever mask we were started with,
+    // nobody but root writes what we make.
+    umask(umask(0) | S_IWGRP | S_IWOTH);
     signal(SIGPIPE, SIG_IGN); // whoever read our output may go; the connection must not
     // What is printed is to be seen at once, through a pipe too, and only once despite the fork.
     // The buffer is our own: the library would allocate one at the first text, which may be the

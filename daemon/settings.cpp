@@ -10,6 +10,7 @@
 #include <QFileDevice>
 #include <QFileInfo>
 #include <QMutexLocker>
+#include <QSet>
 #include <QStringList>
 #include <algorithm>
 #include <cerrno>
@@ -100,7 +101,12 @@ public:
         return write([this] { sync(); });
     }
 
-    void setPending() { m_isPending = true; }
+    /// @p key is to reach the disk.
+    void setPending(const QString &key)
+    {
+        m_isPending = true;
+        m_changed.insert(key);
+    }
 
     QRecursiveMutex &mutex() { return m_mutex; }
 
@@ -119,9 +125,15 @@ private:
     template <typename Sync> bool write(Sync sync)
     {
         tell(setAside(fileName()));
+        const QString mounted = mountedFile();
+        if (!mounted.isEmpty()) {
+            m_isPending = !exchangeInPlace(mounted) && m_isPending;
+        }
         lastWritten = QByteArray();
         sync();
-        if (!lastWritten.isNull()) {
+        if (!mounted.isEmpty()) {
+            // What the library could not rename is in the file already.
+        } else if (!lastWritten.isNull()) {
             m_isPending = readFileBytes(fileName()) != lastWritten;
             // A new name in the folder is to outlive a power failure, as the file itself does.
             syncFolder(QFile::encodeName(QFileInfo(fileName()).path()).toStdString());
@@ -132,7 +144,58 @@ private:
             tell(QStringLiteral("Settings: %1 could not be written").arg(fileName()));
         }
         m_hasFailed = m_isPending;
+        if (!m_isPending) {
+            m_changed.clear();
+        }
         return !m_isPending;
+    }
+
+    /// Where the file is when something is mounted on it, as container managers do with single
+    /// files; else empty.
+    QString mountedFile() const
+    {
+        const QString place = QFileInfo(fileName()).canonicalFilePath();
+        return !place.isEmpty() && isMountPoint(place) ? place : QString();
+    }
+
+    /// Writes what was set over a file that no rename reaches, and takes over what else it holds:
+    /// the library, which never gets rid of its changes there, would put them over everybody
+    /// else's.
+    bool exchangeInPlace(const QString &place)
+    {
+        const std::optional<QByteArray> before
+            = readFileBytes(place, Links::Refuse, mostSettingsBytes);
+        if (!before) {
+            return false;
+        }
+        SettingsMap values = settingsFrom(*before).values;
+        const SettingsMap others = values;
+        for (const QString &key : qAsConst(m_changed)) {
+            if (contains(key)) {
+                values.insert(key, value(key));
+            } else {
+                values.remove(key);
+            }
+        }
+        if (!m_changed.isEmpty()
+            && rewriteFileInPlace(place, *before, settingsText(values), Links::Refuse)
+                != Rewrite::Done) {
+            return false;
+        }
+        for (const QString &key : allKeys()) {
+            if (!values.contains(key)) {
+                remove(key);
+            }
+        }
+        for (auto other = others.begin(); other != others.end(); ++other) {
+            const bool isKnown = m_changed.contains(other.key())
+                || settingsText({{other.key(), value(other.key())}})
+                    == settingsText({{other.key(), other.value()}});
+            if (!isKnown) {
+                setValue(other.key(), other.value());
+            }
+        }
+        return true;
     }
 
     /// Whether the file holds what the store holds.
@@ -157,6 +220,7 @@ private:
 
     QRecursiveMutex m_mutex;
     bool m_isPending = false;
+    QSet<QString> m_changed; ///< keys that are not on the disk
     bool m_hasFailed = false; ///< which has been told
 };
 
@@ -172,7 +236,15 @@ SettingsStore *openStore()
 // Created before main() and never deleted: worker threads may still read while the process ends.
 SettingsStore *const store = openStore();
 
-std::function<void()> settingWritten;
+std::function<void()> settingsTouched; // under the one store's mutex
+
+void tellListener()
+{
+    const QMutexLocker lock(&store->mutex());
+    if (settingsTouched) {
+        settingsTouched();
+    }
+}
 
 QRecursiveMutex *mutexOf(QSettings *settings)
 {
@@ -217,23 +289,24 @@ void writeSetting(QSettings *store, const char *key, const QVariant &value)
             store->remove(QLatin1String(key));
         }
         if (auto *own = dynamic_cast<SettingsStore *>(store)) {
-            own->setPending();
+            own->setPending(QLatin1String(key));
         }
     }
-    if (settingWritten) {
-        settingWritten();
-    }
+    tellListener();
 }
 
-void onSettingWritten(std::function<void()> listener)
+void onSettingsTouched(std::function<void()> listener)
 {
-    settingWritten = std::move(listener);
+    const QMutexLocker lock(&store->mutex());
+    settingsTouched = std::move(listener);
 }
 
 bool syncSettings(QSettings *store)
 {
     if (auto *own = dynamic_cast<SettingsStore *>(store)) {
-        return own->syncNow();
+        const bool isWritten = own->syncNow();
+        tellListener();
+        return isWritten;
     }
     if (store != nullptr) {
         store->sync();

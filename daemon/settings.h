@@ -23,8 +23,9 @@ QString readSettingText(QSettings *store, const char *key, const QVariant &fallb
 /// main loop runs next. Main thread.
 void writeSetting(QSettings *store, const char *key, const QVariant &value);
 
-/// From now on @p listener is called after each setting that is stored; on the main thread.
-void onSettingWritten(std::function<void()> listener);
+/// From now on @p listener is called after each setting that is stored and each look at the file,
+/// on the thread that did so. An empty one ends that.
+void onSettingsTouched(std::function<void()> listener);
 
 /// Reads changes that others made to the file, and writes pending ones. Whether the file then holds
 /// what the store holds: a write that failed leaves the old file, and is tried again at the next

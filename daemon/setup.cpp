@@ -62,7 +62,13 @@ SetupAdaptor::SetupAdaptor(QObject *object, SetupDoors daemon)
     auto *timer = new QTimer(this);
     timer->setSingleShot(true);
     connect(timer, &QTimer::timeout, this, &SetupAdaptor::announceChanges);
-    onSettingWritten([timer] { timer->start(0); });
+    // Also from the threads, which read what somebody else wrote into the file.
+    onSettingsTouched([timer] { QMetaObject::invokeMethod(timer, [timer] { timer->start(0); }); });
+}
+
+SetupAdaptor::~SetupAdaptor()
+{
+    onSettingsTouched({});
 }
 
 QVariantMap SetupAdaptor::GetSettings()

@@ -34,6 +34,8 @@ class SetupAdaptor : public QDBusAbstractAdaptor
 public:
     /// @p object is what gets registered at the path.
     SetupAdaptor(QObject *object, SetupDoors daemon);
+    ~SetupAdaptor() override;
+    Q_DISABLE_COPY_MOVE(SetupAdaptor)
 
 public slots:
     /// The stored settings with their types; what was never set is missing.
@@ -49,7 +51,8 @@ public slots:
     QString GetAnnouncedModem(int &vendor_id, int &product_id, QString &udi);
 
 signals:
-    /// A setting was stored, by whatever way through the bus: those that changed, as GetSettings.
+    /// Settings changed, by whatever way through the bus or found in the file: those that did, as
+    /// GetSettings.
     void SettingsChanged(const QVariantMap &settings);
 
 private:

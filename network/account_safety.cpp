@@ -2,6 +2,7 @@
 #include "network/account_safety.h"
 
 #include "network/account_files.h"
+#include "support/files/pppd_escapes.h"
 
 #include <algorithm>
 
@@ -60,7 +61,13 @@ AccountFault faultInValue(const QString &value, Value kind)
         }
         backslashes = character == QLatin1Char('\\') ? backslashes + 1 : 0;
     }
-    return backslashes % 2 == 1 ? AccountFault::Backslash : AccountFault::None;
+    if (backslashes % 2 == 1) {
+        return AccountFault::Backslash;
+    }
+    // However it is written: pppd looks at the password when the escapes are gone.
+    const bool isFileName
+        = kind == Value::Password && readByPppd(value.toLocal8Bit()).startsWith("@/");
+    return isFileName ? AccountFault::FileName : AccountFault::None;
 }
 
 QList<PppdWord> entryWords(const QString &login, const QString &password)
@@ -182,6 +189,8 @@ QString accountFaultText(AccountFault fault)
         return QStringLiteral("login or password holds a control character");
     case AccountFault::QuotationMark:
         return QStringLiteral("login or password holds a quotation mark; write it as \\x22");
+    case AccountFault::FileName:
+        return QStringLiteral("the password begins with @/, which is the name of a file to pppd");
     case AccountFault::Backslash:
         return QStringLiteral("a backslash in login or password would change its meaning");
     case AccountFault::FileDisagrees:

@@ -32,6 +32,7 @@ enum class AccountFault
     TooLong, ///< would not be recognised again
     ControlCharacter, ///< would begin a new line or option
     QuotationMark, ///< would end the value, now or when the next account replaces it
+    FileName, ///< pppd would take the password out of a file, which may be root's alone
     Backslash, ///< keeps the value from ending, or stands for a part of the old account
     FileDisagrees, ///< the file would not take just these words, or lose others
 };

@@ -10,6 +10,7 @@
 #include <QDate>
 #include <QEventLoop>
 #include <QFile>
+#include <QLocale>
 #include <QTimer>
 #include <algorithm>
 #include <cerrno>
@@ -23,6 +24,8 @@ constexpr int lookMs = 200;
 constexpr int stampLength = 19; // "dd-MM-yyyy hh:mm:ss"
 constexpr int pieceSize = 1 << 16;
 constexpr int longestLine = 1 << 20;
+constexpr int mostReread = 1 << 22; // more than the daemon ever puts in its log's place at once
+constexpr int mostRemembered = 1 << 14;
 
 /// Where the last @p count lines of a file begin; looks at it from its end.
 off_t startOfLastLines(int file, off_t size, int count, bool withRest)
@@ -68,6 +71,23 @@ void printLine(const Terminal &terminal, const QByteArray &bytes)
     }
 }
 
+/// Where to go on reading in @p file, which took the place of one that ended in @p end: behind the
+/// same bytes, when it holds them near its end (a log whose middle was taken out), else at its
+/// beginning.
+off_t placeBehind(int file, const QByteArray &end)
+{
+    struct stat info = {};
+    if (end.isEmpty() || fstat(file, &info) != 0) {
+        return 0;
+    }
+    const off_t begin = std::max<off_t>(0, info.st_size - mostReread);
+    QByteArray bytes(int(info.st_size - begin), '\0');
+    const ssize_t got = pread(file, bytes.data(), size_t(bytes.size()), begin);
+    bytes.truncate(int(std::max<ssize_t>(got, 0)));
+    const int found = bytes.lastIndexOf(end);
+    return found < 0 ? 0 : begin + found + end.size();
+}
+
 /// Reads a growing file by lines; notices when another file takes its place.
 class LogReader
 {
@@ -96,20 +116,35 @@ public:
         if (m_fd < 0 || fstat(m_fd, &info) != 0) {
             return;
         }
-        lseek(m_fd, startOfLastLines(m_fd, info.st_size, count, withRest), SEEK_SET);
+        const off_t place = startOfLastLines(m_fd, info.st_size, count, withRest);
+        const off_t begin = std::max<off_t>(0, place - mostRemembered);
+        m_end.resize(int(place - begin));
+        m_end.truncate(
+            int(std::max<ssize_t>(pread(m_fd, m_end.data(), size_t(m_end.size()), begin), 0)));
+        lseek(m_fd, place, SEEK_SET);
     }
 
     /// Gives each complete line that was added since the last call to @p take. A line that has no
     /// end is cut, so that memory stays bounded.
     template <typename Take> void takeNewLines(Take take)
     {
-        if (isReplaced() && open() != 0) {
-            return;
+        const bool isOver = isReplaced();
+        readOn(take); // what came into the old one to its end
+        if (isOver && goOnInNewFile()) {
+            readOn(take);
         }
+    }
+
+    QByteArray takeRest() { return std::exchange(m_rest, QByteArray()); }
+
+private:
+    template <typename Take> void readOn(Take take)
+    {
         QByteArray piece(pieceSize, '\0');
         ssize_t size = 0;
         while (m_fd >= 0 && (size = ::read(m_fd, piece.data(), size_t(piece.size()))) > 0) {
             m_rest.append(piece.constData(), int(size));
+            m_end = (m_end + piece.left(int(size))).right(mostRemembered);
             int begin = 0;
             for (int end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n', begin)) {
                 take(m_rest.mid(begin, end - begin));
@@ -122,9 +157,22 @@ public:
         }
     }
 
-    QByteArray takeRest() { return std::exchange(m_rest, QByteArray()); }
+    bool goOnInNewFile()
+    {
+        const QByteArray rest = m_rest;
+        if (open() != 0) {
+            return false;
+        }
+        const off_t place = placeBehind(m_fd, m_end);
+        lseek(m_fd, place, SEEK_SET);
+        if (place > 0) {
+            m_rest = rest;
+        } else {
+            m_end.clear();
+        }
+        return true;
+    }
 
-private:
     /// Each start of the daemon begins a new file under the same name.
     bool isReplaced() const
     {
@@ -148,6 +196,7 @@ private:
 
     QByteArray m_path;
     QByteArray m_rest;
+    QByteArray m_end; ///< the last that was read
     int m_fd = -1;
 };
 
@@ -177,7 +226,7 @@ int runLog(const Invocation &invocation, const Terminal &terminal)
     }
     const QString path = invocation.has("daily")
         ? QStringLiteral("/var/log/norvix/%1.log")
-              .arg(QDate::currentDate().toString(QStringLiteral("dd-MM-yyyy")))
+              .arg(QLocale::c().toString(QDate::currentDate(), QStringLiteral("dd-MM-yyyy")))
         : QStringLiteral("/opt/norvix/daemon.log");
     LogReader reader(path);
     const int error = reader.open();

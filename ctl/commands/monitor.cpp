@@ -12,6 +12,7 @@
 
 #include <QDateTime>
 #include <QEventLoop>
+#include <QLocale>
 
 namespace {
 
@@ -23,7 +24,8 @@ void printEvent(const Terminal &terminal, const QString &name, const QJsonObject
     const QDateTime now = QDateTime::currentDateTime();
     switch (terminal.form) {
     case Form::Human:
-        terminal.line(terminal.toned(now.toString(QStringLiteral("hh:mm:ss")), Tone::Faint)
+        terminal.line(
+            terminal.toned(QLocale::c().toString(now, QStringLiteral("hh:mm:ss")), Tone::Faint)
             + QLatin1String("  ") + text);
         break;
     case Form::Terse: {

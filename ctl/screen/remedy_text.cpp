@@ -40,6 +40,12 @@ QString remedyText(const Remedy &remedy)
         return Say::tr("Install the kernel's headers and restart the daemon: it then builds the "
                        "driver (“sudo apt install linux-headers-%1”).")
             .arg(remedy.detail);
+    case RemedyKind::InstallHeadersAndPacker:
+        return Say::tr("Install the kernel's headers and %1, with which this kernel's modules are "
+                       "compressed, and restart the daemon: it then builds the driver (“sudo apt "
+                       "install linux-headers-%2 %1”).")
+            .arg(remedy.detail.section(QLatin1Char(' '), 1),
+                remedy.detail.section(QLatin1Char(' '), 0, 0));
     case RemedyKind::InstallDriver:
         return Say::tr("Install the distribution's full kernel, or put the driver's source into "
                        "/opt/norvix/drivers and restart the daemon.");

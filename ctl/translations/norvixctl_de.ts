@@ -716,6 +716,10 @@
         <translation>Für Kernel %2 gibt es keinen Treiber %1.</translation>
     </message>
     <message>
+        <source>Install the kernel&apos;s headers and %1, with which this kernel&apos;s modules are compressed, and restart the daemon: it then builds the driver (“sudo apt install linux-headers-%2 %1”).</source>
+        <translation>Installieren Sie die Header des Kernels und %1, womit die Module dieses Kernels komprimiert sind, und starten Sie den Dienst neu: Er baut dann den Treiber („sudo apt install linux-headers-%2 %1“).</translation>
+    </message>
+    <message>
         <source>Install the kernel&apos;s headers and restart the daemon: it then builds the driver (“sudo apt install linux-headers-%1”).</source>
         <translation>Installieren Sie die Header des Kernels und starten Sie den Dienst neu: Er baut dann den Treiber („sudo apt install linux-headers-%1“).</translation>
     </message>

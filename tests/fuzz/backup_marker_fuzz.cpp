@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Whatever the marker of a cut-off install holds, nothing outside the module folder is meant.
 #include "fuzz_input.h"
-#include "support/module_backup.h"
-#include "support/module_tree.h"
+#include "support/driver/module_backup.h"
+#include "support/driver/module_tree.h"
 
 #include <filesystem>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A build's environment holds what was assigned, once, and loses nothing else.
 #include "fuzz_input.h"
-#include "support/build_plan.h"
+#include "support/driver/build_plan.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What was read from any text can be written, and is read again as it was.
 #include "fuzz_input.h"
-#include "support/settings_text.h"
+#include "support/files/settings_text.h"
 
 namespace {
 

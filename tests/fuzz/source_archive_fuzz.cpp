@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // No member of an accepted listing lies elsewhere than in the top folder.
 #include "fuzz_input.h"
-#include "support/source_archive.h"
+#include "support/driver/source_archive.h"
 
 #include <filesystem>
 

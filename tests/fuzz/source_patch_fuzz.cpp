@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Adapting keeps every line, tells every change, and touches nothing else.
 #include "fuzz_input.h"
-#include "support/source_patch.h"
+#include "support/driver/source_patch.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // An accepted tree holds no link by which one could get out of it.
 #include "fuzz_input.h"
-#include "support/source_archive.h"
+#include "support/driver/source_archive.h"
 
 #include <QTemporaryDir>
 #include <array>

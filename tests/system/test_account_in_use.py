@@ -92,11 +92,23 @@ def test_what_the_client_stores_reaches_the_provider_as_it_was_given(account, pr
     assert used_by_pppd(account, protocol, password) == [login, password]
 
 
-def test_a_password_that_begins_like_a_path_is_taken_from_a_file(account):
-    """That is why the client refuses such a one."""
+@pytest.mark.parametrize("password", ("@/etc/word", "\\@/etc/word", "@\\/etc/word", "\\x40/etc/word",
+                                      "\\100/etc/word", "\\500/etc/word", "@\\x2fetc/word",
+                                      "@\\057etc/word", "@\\457etc/word"))
+def test_a_password_that_begins_like_a_path_is_taken_from_a_file(account, password):
+    """That is why the client refuses such a one, and for members the daemon: the file may be root's."""
     account.machine.path("/etc/word").write_text("from-the-file\n", encoding="ascii")
-    assert account.set("user@isp", "@/etc/word") == (True, [])
+    assert account.set("user@isp", password) == (True, [])
     assert used_by_pppd(account, "pap") == ["user@isp", "from-the-file"]
+
+
+@pytest.mark.parametrize("password, arrives", (
+    ("@x/etc/word", "@x/etc/word"), (" @/etc/word", " @/etc/word"), ("@\\\\/x", "@\\/x"),
+    ("\\\\@/etc/word", "\\@/etc/word"), ("\\0@/etc/word", "")))
+def test_another_password_is_not(account, password, arrives):
+    account.machine.path("/etc/word").write_text("from-the-file\n", encoding="ascii")
+    assert account.set("user@isp", password) == (True, [])
+    assert used_by_pppd(account, "pap") == ["user@isp", arrives]
 
 
 @pytest.mark.parametrize("password, arrives", (("a\\_b", "a_b"), ('a"b', "ab *\n")))

@@ -183,6 +183,21 @@ def test_the_driver_command_tells_where_the_module_stands(sound, missing, word, 
     assert text in Ctl(sound)("driver", "show").stdout
 
 
+@pytest.mark.parametrize("ending, package", ((".ko.xz", "xz-utils"), (".ko", None)))
+def test_what_compresses_a_built_driver_is_asked_for_where_it_is_missing(sound, ending, package):
+    """Debian 13's kernel compresses what it installs, and fails without the program."""
+    plug(sound, 0x1110, 0x9041)
+    sound.path("/opt/norvix/drivers").mkdir()
+    sound.path("/opt/norvix/drivers/ueagle-atm-1.4.tar").touch()
+    file = sound.path("/usr/lib/modules") / os.uname().release / "modules.dep"
+    file.write_text("".join("kernel/drivers/%s%s:\n" % (name, ending) for name in ("atm", "usbatm")))
+    assert "xz" not in findings(sound)["driver"]["remedy"]
+    sound.request("hide", path="/usr/bin/xz")
+    remedy = findings(sound)["driver"]["remedy"]
+    assert "linux-headers-%s" % os.uname().release in remedy
+    assert (package in remedy) if package else ("xz" not in remedy)
+
+
 def test_a_missing_policy_is_found(sound):
     run_all(sound)  # which needs the policy
     sound.path("/etc/dbus-1/system.d/norvix.conf").unlink()
@@ -245,6 +260,15 @@ def test_the_last_lines_of_pppd_are_explained(sound):
     assert Ctl(sound)("connect", "--wait").status == 12
     last = findings(sound)["last-attempt"]
     assert last["verdict"] == "warning" and "account set" in last["remedy"]
+
+
+def test_the_newest_lines_of_a_long_log_are_explained(sound):
+    run_all(sound)
+    with sound.path("/opt/norvix/daemon.log").open("a", encoding="ascii") as log:
+        for words in ("Plugin pppoe.so loaded.\n", "Modem hangup\n" + "x" * 99 + "\n" * (3 << 20),
+                      "Plugin pppoe.so loaded.\n", "LCP terminated by peer\n"):
+            log.write("01-01-2026 00:00:00 Norvix_Daemon::debugConnecting(): " + words)
+    assert "terminated by peer" in findings(sound)["last-attempt"]["text"]
 
 
 # ---- mending

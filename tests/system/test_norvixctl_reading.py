@@ -254,6 +254,8 @@ def test_todays_facts_are_printed(machine):
     machine.run(["/bin/sh", "-c", "echo fact > /var/log/norvix/$(date +%d-%m-%Y).log"],
                 env={"TZ": "UTC"})
     assert Ctl(machine)("log", "--daily").stdout == "fact\n"
+    machine.add_locale("fa_IR")  # which has digits of its own; the daemon's names have not
+    assert Ctl(machine)("log", "--daily", env={"LC_ALL": "fa_IR.UTF-8"}).stdout == "fact\n"
 
 
 def test_colours_are_for_terminals_only(set_up):

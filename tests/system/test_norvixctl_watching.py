@@ -199,3 +199,34 @@ def test_a_log_that_comes_later_is_waited_for(machine):
     with log.open("a", encoding="ascii") as file:
         file.write(" and whole\n")
     said(process, "half and whole\n")
+
+
+def test_a_log_whose_middle_was_taken_out_is_not_shown_again(machine):
+    """As the daemon does with a long attempt: another file, which ends as the old one did."""
+    log, new = machine.path("/opt/norvix/daemon.log"), machine.path("/opt/norvix/new.log")
+    lines = ["01-01-2026 00:00:%02d line %d\n" % (number % 60, number) for number in range(3000)]
+    log.write_text("".join(lines), encoding="ascii")
+    process = Ctl(machine).start("log", "--follow", "-n", "2")
+    said(process, "line 2999\n")
+    with log.open("a", encoding="ascii") as file:
+        file.write("01-01-2026 00:00:59 just before\n01-01-2026 00:00:59 half")
+    text = log.read_text(encoding="ascii")
+    new.write_text(text[:10000].rpartition("\n")[0] + "\n... is missing\n" + "".join(lines[-1000:])
+                   + "".join(text.partition("line 2999\n")[2]) + " and whole\n", encoding="ascii")
+    new.rename(log)
+    said(process, "half and whole\n")
+    assert process.output().splitlines() == [line.rstrip() for line in lines[-2:]] + [
+        "01-01-2026 00:00:59 just before", "01-01-2026 00:00:59 half and whole"]
+
+
+def test_a_line_that_came_just_before_the_log_was_rotated_is_shown(machine):
+    log = machine.path("/opt/norvix/daemon.log")
+    log.write_text("01-01-2026 00:00:00 first\n", encoding="ascii")
+    process = Ctl(machine).start("log", "--follow")
+    said(process, "first\n")
+    with log.open("a", encoding="ascii") as file:
+        file.write("01-01-2026 00:00:01 last\n")
+    log.rename(machine.path("/opt/norvix/daemon.log.1"))
+    log.write_text("01-01-2026 00:00:02 of the next\n", encoding="ascii")
+    said(process, "of the next\n")
+    assert [line[20:] for line in process.output().splitlines()] == ["first", "last", "of the next"]

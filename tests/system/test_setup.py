@@ -86,6 +86,23 @@ def test_a_change_is_told_once_with_what_changed_by_whatever_method(running):
     assert len(setup.changes()) == 3
 
 
+def test_what_somebody_else_wrote_is_told_when_the_daemon_notices_it(machine, hal):
+    daemon = machine.start_daemon()
+    daemon.wait_for_log("getModemState(): klogctl()")
+    setup = Setup(machine.client())
+    setup.set(vpi=8)
+    ini = machine.path(INI)
+    ini.write_text("[General]\nvpi=1\nvci=35\n", encoding="ascii")
+    hal.unplug("/org/freedesktop/Hal/devices/another")  # any removal has the file read
+    wait_until(lambda: setup.changes() == [{"vpi": 8}, {"vpi": 1, "vci": 35}], what="it is told")
+    # The thread that connects reads it, too.
+    ini.write_text("[General]\nvpi=1\nvci=36\n", encoding="ascii")
+    machine.kernel_log.line_up()
+    setup.client.call("establishConnection")
+    machine.wait_call("pppd")
+    wait_until(lambda: setup.changes()[2:] == [{"vci": 36}], what="it is told")
+
+
 def test_arguments_for_pppd_are_set_and_taken_away(running):
     setup = Setup(running.client())
     setup.set_arguments("mtu", "1400")
@@ -108,6 +125,35 @@ def test_a_file_that_can_not_be_written_is_an_error_and_stays(running):
     setup.set(vci=35)
     assert setup.settings() == {"vpi": 8, "vci": 35}
     assert running.path(INI).read_bytes() == before.replace(b"vpi", b"vci=35\nvpi")
+
+
+def test_a_file_on_which_something_is_mounted_is_written_in_place(running):
+    """As container managers do with single files: no rename reaches it."""
+    setup = Setup(running.client())
+    setup.set(vpi=8)
+    mounted = running.path("/opt/mounted.ini")
+    mounted.write_text("[General]\nkept=by hand\nvci=35\n", encoding="ascii")
+    mounted.chmod(0o640)
+    running.run(["/usr/bin/mount", "--bind", "/opt/mounted.ini", INI])
+    inode = mounted.stat().st_ino
+    setup.set(protocol="PPPoE")
+    assert mounted.read_text(encoding="ascii") == (
+        "[General]\nkept=by hand\nprotocol=PPPoE\nvci=35\n")
+    assert (mounted.stat().st_ino, mounted.stat().st_mode & 0o777) == (inode, 0o640)
+    # What somebody else writes there is neither missed nor undone by what was set before.
+    mounted.write_text("[General]\nprotocol=PPPoA\nvpi=1\n", encoding="ascii")
+    running.client().call("setConnectAtBoot", True)
+    wait_until(lambda: "connect_at_boot" in mounted.read_text(encoding="ascii"),
+               what="the setting is in the file")
+    setup.set(vci=36)
+    assert mounted.read_text(encoding="ascii") == (
+        "[General]\nconnect_at_boot=true\nprotocol=PPPoA\nvci=36\nvpi=1\n")
+    assert setup.settings() == {"protocol": "PPPoA", "vpi": 1, "vci": 36, "connect_at_boot": True}
+    folder = [path.name for path in running.path("/opt/norvix").iterdir()]
+    assert [name for name in folder if name.startswith(".daemon_ng.ini.")] == []
+    assert running.daemons[0].stop() == 255
+    running.start_daemon()
+    assert Setup(running.client()).settings()["vci"] == 36
 
 
 # ---- the account

@@ -37,6 +37,7 @@ private slots:
     void anEscapedQuotationMarkMayBeInAPassword_data();
     void anEscapedQuotationMarkMayBeInAPassword();
     void aValueThatNamesThePreviousAccountIsRefused();
+    void aPasswordThatNamesAFileToPppdIsRefused();
     void whatAnEscapedQuotationMarkLeftBehindIsNotLetOut();
     void aFileThatDoesNotEndInALineFeedIsNotGluedTo();
     void aLoginLineThatIsOnlyACommentDoesNotCount();
@@ -144,6 +145,20 @@ void TestAccountSafety::aValueThatNamesThePreviousAccountIsRefused()
         QCOMPARE(faultInSecrets(entryFirst, "login", text), AccountFault::Backslash);
         QCOMPARE(faultInSecrets(entryFirst, text, "password"), AccountFault::Backslash);
         QCOMPARE(faultInSecrets("# comment\n", "login", text), AccountFault::None); // appended
+    }
+}
+
+void TestAccountSafety::aPasswordThatNamesAFileToPppdIsRefused()
+{
+    for (const char *value : {"@/etc/shadow", "\\@/x", "@\\/x", "\\x40/x", "\\x40\\x2Fx", "\\100/x",
+             "\\500/x", "@\\057x", "@\\57/x", "@\\457x"}) {
+        const QString text = QString::fromLatin1(value);
+        QCOMPARE(faultInSecrets("# comment\n", "login", text), AccountFault::FileName);
+        QCOMPARE(faultInSecrets("# comment\n", text, "password"), AccountFault::None);
+    }
+    for (const char *value : {"@", "/@", "@x/", "a@/x", "@\\\\/x", "\\\\@/x", " @/x", "\\0@/x"}) {
+        const QString text = QString::fromLatin1(value);
+        QCOMPARE(faultInSecrets("# comment\n", "login", text), AccountFault::None);
     }
 }
 

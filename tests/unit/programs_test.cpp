@@ -3,15 +3,14 @@
 #include "sanitized.h"
 #include "script_folder.h"
 #include "support/process/programs.h"
+#include "without_right_to_kill.h"
 #include "worker.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QTest>
-#include <array>
 #include <csignal>
-#include <linux/capability.h>
 #include <memory>
 #include <poll.h>
 #include <sys/syscall.h>
@@ -26,27 +25,6 @@ bool isGone(qint64 processId)
 {
     return !QFile::exists(QStringLiteral("/proc/%1").arg(processId));
 }
-
-/// While it lives, the calling thread cannot kill other users' processes, as nobody can kill one
-/// that waits in the kernel.
-class WithoutRightToKill
-{
-public:
-    WithoutRightToKill() { setEffective(false); }
-    ~WithoutRightToKill() { setEffective(true); }
-    Q_DISABLE_COPY_MOVE(WithoutRightToKill)
-
-private:
-    static void setEffective(bool has)
-    {
-        __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
-        std::array<__user_cap_data_struct, 2> sets = {};
-        syscall(SYS_capget, &header, sets.data());
-        const quint32 bit = 1U << CAP_KILL;
-        sets[0].effective = has ? sets[0].effective | bit : sets[0].effective & ~bit;
-        syscall(SYS_capset, &header, sets.data());
-    }
-};
 
 QStringList pathEntry(const QStringList &folders)
 {
