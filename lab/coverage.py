@@ -12,7 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client")
+ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client", "ctl")
 PROGRAMS = ("bin/norvix-daemon", "bin/norvixctl", "bin/norvix-hald", "lib/libnorvix-support.so")
 LEAST_COVERED = 12
 
