@@ -130,6 +130,9 @@ MendResult mendPeer(const Facts &facts)
 
 MendResult mendPppFiles(const Facts &facts)
 {
+    // Of an earlier mending that was cut off: they hold passwords.
+    clearUnfinishedIn("/etc/ppp");
+    clearUnfinishedIn("/etc/ppp/peers");
     MendResult result;
     const auto add = [&](const MendResult &next) {
         result.done += next.done;
