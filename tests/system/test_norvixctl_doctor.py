@@ -275,6 +275,14 @@ def test_mending_on_a_full_disk_costs_no_password(sound, free_pages):
                      "pap-secrets.norvix-backup", "chap-secrets.norvix-backup"}
 
 
+def test_mending_keeps_all_of_a_large_file(sound):
+    old = "# comment\n" + "# a line of some length, again and again\n" * 40000 + SECRETS
+    sound.path(PAP).write_text(old, encoding="ascii")
+    Ctl(sound)("doctor", "--fix")
+    assert sound.path(PAP).read_text() == SECRETS + GUARD + old.replace(SECRETS, "")
+    assert sound.path(PAP + ".norvix-backup").read_text() == old
+
+
 @pytest.fixture(name="shipped")
 def shipped_fixture(sound):
     """The shipped peer files where packages put them."""
