@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr char papSecrets[] = "/etc/ppp/pap-secrets";
 constexpr mode_t secretMode = 0600;
 constexpr mode_t peerMode = 0640;
 constexpr int mostBackups = 100;
@@ -53,13 +54,19 @@ bool give(const QString &path, gid_t group, mode_t mode)
     return chown(name.constData(), 0, group) == 0 && chmod(name.constData(), mode) == 0;
 }
 
+MendResult unreadable(const QString &path)
+{
+    MendResult result;
+    result.failure = {FailureKind::FileUnreadable, path};
+    return result;
+}
+
 MendResult mendSecrets(const QString &path)
 {
     MendResult result;
-    const std::optional<QByteArray> content = fileContent(path);
+    const std::optional<QByteArray> content = readFileBytes(path); // whole: the rest is to stay
     if (!content && QFile::exists(path)) {
-        result.failure = {FailureKind::FileUnreadable, path};
-        return result;
+        return unreadable(path);
     }
     if (!hasEntryAtStart(content.value_or(""))) {
         const bool isKept = !content || backUp(path, *content);
@@ -85,15 +92,14 @@ QByteArray shippedPeer(const char *name)
         .value_or("");
 }
 
-/// The login that the connection uses: of the peer file, else of the account.
-QByteArray knownLogin(const QByteArray &peer)
+/// The login that the connection uses: of the peer file, else of the account in @p secrets.
+QByteArray knownLogin(const QByteArray &peer, const QByteArray &secrets)
 {
     QByteArray inPeer = peerLogin(peer).toLatin1();
     if (!inPeer.isEmpty() && inPeer != placeholderLogin()) {
         return inPeer;
     }
-    const QList<SecretsEntry> entries
-        = secretsEntries(fileContent(QStringLiteral("/etc/ppp/pap-secrets")).value_or(""));
+    const QList<SecretsEntry> entries = secretsEntries(secrets);
     return entries.isEmpty() ? QByteArray() : entries.constFirst().login;
 }
 
@@ -103,15 +109,22 @@ MendResult mendPeer(const Facts &facts)
     const QList<QByteArray> shipped
         = {shippedPeer("norvix"), shippedPeer("norvix-pppoa"), shippedPeer("norvix_unicorn")};
     const QString path = facts.peer.path;
-    const std::optional<QByteArray> content = fileContent(path);
+    const std::optional<QByteArray> content = readFileBytes(path);
+    if (!content && QFile::exists(path)) {
+        return unreadable(path);
+    }
     const QByteArray &fitting = shipped.at(int(facts.peerKind()));
-    const bool isOurs = content ? isShippedPeer(*content, shipped) : !QFile::exists(path);
+    const bool isOurs = !content || isShippedPeer(*content, shipped);
     if (fitting.isEmpty() || !isOurs
         || (content && peerFaults(*content, facts.peerKind(), facts.circuit()).isEmpty())) {
         return result;
     }
+    const std::optional<QByteArray> secrets = readFileBytes(QLatin1String(papSecrets));
+    if (!secrets) {
+        return unreadable(QLatin1String(papSecrets));
+    }
     const QByteArray made
-        = peerFromTemplate(fitting, knownLogin(content.value_or("")), facts.circuit());
+        = peerFromTemplate(fitting, knownLogin(content.value_or(""), *secrets), facts.circuit());
     const group *dip = getgrnam("dip"); // who may dial
     if ((content && !backUp(path, *content))
         || !putInPlace(path, made, peerMode, dip != nullptr ? dip->gr_gid : 0)) {
@@ -126,13 +139,16 @@ MendResult mendPeer(const Facts &facts)
 
 MendResult mendPppFiles(const Facts &facts)
 {
+    // Of an earlier mending that was cut off: they hold passwords.
+    clearUnfinishedIn("/etc/ppp");
+    clearUnfinishedIn("/etc/ppp/peers");
     MendResult result;
     const auto add = [&](const MendResult &next) {
         result.done += next.done;
         result.failure = next.failure;
         return !next.failure;
     };
-    static_cast<void>(add(mendSecrets(QStringLiteral("/etc/ppp/pap-secrets")))
+    static_cast<void>(add(mendSecrets(QLatin1String(papSecrets)))
         && add(mendSecrets(QStringLiteral("/etc/ppp/chap-secrets"))) && add(mendPeer(facts)));
     return result;
 }

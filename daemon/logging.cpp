@@ -56,6 +56,15 @@ iovec piece(const char *text, size_t size)
     return {const_cast<char *>(text), size};
 }
 
+ssize_t lengthOf(const std::array<iovec, 4> &line)
+{
+    size_t length = 0;
+    for (const iovec &part : line) {
+        length += part.iov_len;
+    }
+    return ssize_t(length);
+}
+
 QByteArray contentOf(int fd, qint64 size)
 {
     QByteArray content(int(size), '\0');
@@ -111,10 +120,15 @@ bool appendLine(const char *prefix, const char *text, size_t size)
     const std::array<iovec, 4> line = {piece(stamp, strlen(stamp)), piece(prefix, strlen(prefix)),
         piece(text, size), piece("\n", 1)};
     // On a full disk the line is lost: there is nobody to tell.
-    if (writev(file.get(), line.data(), int(line.size())) < 0) {
+    const ssize_t written = writev(file.get(), line.data(), int(line.size()));
+    if (written < 0) {
         return true;
     }
     const qint64 logSize = lseek(file.get(), 0, SEEK_CUR);
+    // All of it: the next line would be glued to what was left of this one.
+    if (written < lengthOf(line) && ftruncate(file.get(), logSize - written) == 0) {
+        return true;
+    }
     if (logLimit.isExceeded(logSize)) {
         thinLog(logSize);
     }

@@ -106,6 +106,8 @@ int runDaemon(int argc, char **argv, bool isLocked)
     if (name == Name::Ours) {
         clearStaleSettingsFiles();
         clearUnfinished(QStringLiteral("/etc/resolv.conf"));
+        clearUnfinishedIn("/etc/ppp"); // of a client that was killed while it mended them
+        clearUnfinishedIn("/etc/ppp/peers");
     }
     Norvix_Daemon daemon;
     if (debug) {

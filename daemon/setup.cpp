@@ -139,6 +139,8 @@ void SetupAdaptor::store(const QVariantMap &values, const QDBusMessage &message)
     for (auto value = before.begin(); value != before.end(); ++value) {
         writeSetting(settings(), value.key().toLatin1().constData(), value.value());
     }
+    // Now, not when the main loop runs next: perhaps only reading it again has failed.
+    syncSettings(settings());
     answerWithError(message, Bus::setupNotStored,
         QStringLiteral("the settings file could not be written; it is as it was"));
 }

@@ -214,6 +214,11 @@ class PrivateMachine:
                 return Path(str(self.state) + "/root" + inside)
         raise ValueError("%s is not private to the machine" % inside)
 
+    @property
+    def root(self):
+        """The machine's whole file system from outside, with all that is mounted inside."""
+        return Path("/proc/%d/root" % self._unshare.pid)
+
     def read(self, inside):
         """The bytes of any file as seen inside, /proc and /sys included."""
         return base64.b64decode(self.request("read", path=inside))
@@ -341,9 +346,10 @@ class PrivateMachine:
 
     # ---- the daemon
 
-    def start_daemon(self, *arguments, env=None, wait=True, cwd="/"):
+    def start_daemon(self, *arguments, env=None, wait=True, cwd="/", under=()):
         """Starts /opt/norvix/bin/norvix-daemon and, unless told otherwise, waits until it owns its
-        name. The result is a Daemon."""
+        name. under: words of a program that becomes the one that follows it. The result is a Daemon.
+        """
         if not self.path("/opt/norvix/bin/norvix-daemon").exists():
             raise FileNotFoundError(errno.ENOENT, "the daemon is not built",
                                     str(BUILD / "bin/norvix-daemon"))
@@ -355,8 +361,8 @@ class PrivateMachine:
         environment.update(env or {})
         if wait:
             self._wait_until_the_bus_knows_who_has_ended()
-        process = self.spawn(["/opt/norvix/bin/norvix-daemon", *arguments], env=environment, cwd=cwd,
-                             label="daemon")
+        process = self.spawn([*under, "/opt/norvix/bin/norvix-daemon", *arguments], env=environment,
+                             cwd=cwd, label="daemon")
         daemon = Daemon(process)
         self.daemons.append(daemon)
         if wait:

@@ -82,11 +82,14 @@ bool ModuleBackup::putBack()
     const QStringList candidates = m_tree.copiesOf(m_moduleFile) + addedFiles();
     for (const QString &file : candidates) {
         const QString path = m_tree.absolute(file);
-        if (!keptFiles.contains(file) && attributesOf(path)) {
-            complete = removeFile(path) && complete;
-            // A folder that held nothing else came with it.
-            QDir().rmdir(QFileInfo(path).path());
+        if (keptFiles.contains(file)) {
+            continue;
         }
+        if (attributesOf(path)) {
+            complete = removeFile(path) && complete;
+        }
+        // A folder that held nothing else came with it, even where only the folder came.
+        QDir().rmdir(QFileInfo(path).path());
     }
     return complete;
 }

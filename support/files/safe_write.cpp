@@ -117,6 +117,18 @@ bool isAbandoned(const std::string &path)
     return S_ISREG(info.st_mode) && file.isOpen() && flock(file.get(), LOCK_EX | LOCK_NB) == 0;
 }
 
+/// Removes the abandoned files of @p folder whose names are @p ours.
+void clearAbandoned(const std::string &folder, const std::function<bool(const std::string &)> &ours)
+{
+    const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(folder.c_str()), closedir);
+    while (const dirent *entry = entries ? readdir(entries.get()) : nullptr) {
+        const std::string path = folder + '/' + entry->d_name;
+        if (ours(entry->d_name) && isAbandoned(path)) {
+            unlink(path.c_str());
+        }
+    }
+}
+
 } // namespace
 
 bool writeAll(int descriptor, std::string_view bytes, off_t at)
@@ -165,16 +177,14 @@ bool replaceLinkWith(
 
 void clearUnfinished(const std::string &path)
 {
-    const std::string folder = folderOf(path);
     const std::string beginning = unfinishedName(path);
-    const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(folder.c_str()), closedir);
-    while (const dirent *entry = entries ? readdir(entries.get()) : nullptr) {
-        const std::string name = entry->d_name;
-        std::string found = folder;
-        found.append("/").append(name);
-        if (name.size() == beginning.size() + anyEnding.size() && name.find(beginning) == 0
-            && isAbandoned(found)) {
-            unlink(found.c_str());
-        }
-    }
+    clearAbandoned(folderOf(path), [&](const std::string &name) {
+        return name.size() == beginning.size() + anyEnding.size() && name.find(beginning) == 0;
+    });
+}
+
+void clearUnfinishedIn(const std::string &folder)
+{
+    clearAbandoned(
+        folder, [](const std::string &name) { return name.find(unfinishedPrefix) == 0; });
 }

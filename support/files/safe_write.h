@@ -39,3 +39,6 @@ bool replaceLinkWith(
 
 /// Removes the files beside @p path that killed processes left on their way to it, and no others.
 void clearUnfinished(const std::string &path);
+
+/// Removes what killed processes left in @p folder on their way to any file of it.
+void clearUnfinishedIn(const std::string &folder);

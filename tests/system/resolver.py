@@ -16,7 +16,7 @@ def text_inside(machine):
 
 
 def leftovers(folder):
-    return [name for name in os.listdir(folder) if name.startswith(".resolv")]
+    return [name for name in os.listdir(folder) if name.startswith((".resolv", ".norvix-new-resolv"))]
 
 
 def mount_by_itself(machine, content):

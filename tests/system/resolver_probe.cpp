@@ -4,21 +4,15 @@
 //   set ADDRESS...   writes these servers
 //   compare FILE     for every line of FILE, a configuration in hexadecimal: is it correct, and
 //                    which servers does the system's own resolver take from it
-//   kill RESET       repairs again and again, killed one system call later each time; the program
-//                    RESET makes the configuration that each attempt starts from
 #include "support/resolver/dns_manager.h"
 
 #include <QByteArrayList>
 #include <QFile>
 #include <arpa/inet.h>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <netinet/in.h>
 #include <resolv.h>
-#include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -83,69 +77,6 @@ int compare(const char *cases)
     return 0;
 }
 
-void printConfiguration(int moment)
-{
-    QFile file(QString::fromLatin1(path));
-    const QByteArray content
-        = file.open(QIODevice::ReadOnly) ? "=" + file.readAll().toHex() : QByteArray("missing");
-    printf("%d %s\n", moment, content.constData());
-    fflush(stdout);
-}
-
-/// Lets a repair run until it has entered and left @p moment system calls in all, then kills it.
-/// False when the repair came to its end before.
-bool repairUntil(int moment)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        raise(SIGSTOP);
-        const bool written
-            = setServers({QStringLiteral("208.67.222.222"), QStringLiteral("208.67.220.220")});
-        _exit(written ? 0 : 1);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFSTOPPED(status)
-        || ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL)
-            != 0) {
-        fail("tracing");
-    }
-    for (int seen = 0;; ++seen) {
-        if (seen > moment) {
-            kill(child, SIGKILL);
-            waitpid(child, &status, 0);
-            return true;
-        }
-        if (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) != 0
-            || waitpid(child, &status, 0) != child) {
-            fail("stepping");
-        }
-        if (WIFEXITED(status)) {
-            printf("ended with %d\n", WEXITSTATUS(status));
-            return false;
-        }
-    }
-}
-
-int killEverywhere(const char *reset)
-{
-    bool killed = true;
-    for (int moment = 0; killed; ++moment) {
-        const pid_t child = fork();
-        if (child == 0) {
-            execl(reset, reset, nullptr);
-            _exit(127);
-        }
-        int status = 0;
-        if (waitpid(child, &status, 0) != child || status != 0) {
-            fail(reset);
-        }
-        killed = repairUntil(moment);
-        printConfiguration(moment);
-    }
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -153,9 +84,6 @@ int main(int argc, char *argv[])
     const QByteArray command = argc > 1 ? argv[1] : "";
     if (command == "compare" && argc == 3) {
         return compare(argv[2]);
-    }
-    if (command == "kill" && argc == 3) {
-        return killEverywhere(argv[2]);
     }
     bool answer = false;
     if (command == "check" && argc == 2) {

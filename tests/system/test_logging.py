@@ -5,6 +5,7 @@ import time
 
 from lab.scenario import link_up, out, stay
 from lab.waiting import wait_for_line, wait_until
+from obstacles import ROOT_ONLY, mount
 
 STAMP = r"\d\d-\d\d-\d{4} \d\d:\d\d:\d\d "
 LOG = "/opt/norvix/daemon.log"
@@ -232,3 +233,20 @@ def test_each_side_of_midnight_has_its_own_file(bus_machine):
                what="the totals in the second day's log", detail=texts)
     assert len(texts()) == 2
     assert any("Registered IP: " in text and "bytes" not in text for text in texts())
+
+
+@ROOT_ONLY
+def test_on_a_full_disk_there_are_whole_lines_or_none(bus_machine):
+    """The log lies on a disk of two pages, so that one line crosses the end of the last."""
+    bus_machine.start_daemon()
+    client = bus_machine.client()
+    bus_machine.path("/run/small").mkdir()
+    mount(bus_machine, "-t", "tmpfs", "-o", "size=8k", "tmpfs", "/run/small")
+    bus_machine.path(LOG).unlink()
+    bus_machine.path(LOG).symlink_to("/run/small/log")
+    for number in range(70):
+        client.call_raw("getIP", "s", "none%d" % number + "x" * 100)
+    log = bus_machine.read("/run/small/log").decode()
+    assert 7900 < len(log) <= 8192
+    assert [line for line in log.splitlines() if not re.fullmatch(STAMP + ".* is invalid!", line)] == []
+    assert log.endswith("\n")

@@ -2,7 +2,6 @@
 """norvixctl as it changes things: account, line, automatic connections, modem, driver."""
 import pytest
 from norvixctl import (FAILED, NO_DAEMON, NOT_PERMITTED, OK, REFUSED, USAGE, Ctl)
-from obstacles import fill, mount, run
 
 from lab.fake_hal import POLICY, FakeHal
 from lab.waiting import wait_until
@@ -138,22 +137,6 @@ def test_the_file_keeps_its_owner_when_root_writes_it(machine):
     machine.run(["/bin/chown", "1000:1000", "/opt/norvix/.daemon_ng.ini"])
     assert Ctl(machine)("line", "set", "--vpi", "1").status == OK
     assert machine.path("/opt/norvix/.daemon_ng.ini").stat().st_uid == 1000
-
-
-@pytest.mark.parametrize("free_pages", (0, 1, 2))
-def test_line_settings_on_a_full_disk_cost_no_other(machine, free_pages):
-    before = b"[General]\nservice=" + b"x" * 5000 + b"\nvci=35\n"
-    mount(machine, "-t", "tmpfs", "-o", "size=32k", "tmpfs", "/etc/ppp")
-    machine.write("/etc/ppp/ini", before)
-    machine.path("/opt/norvix/.daemon_ng.ini").symlink_to("/etc/ppp/ini")
-    fill(machine, "/etc/ppp", free_pages)
-    result = Ctl(machine)("line", "set", "--vpi", "1")
-    after = before + b"vpi=1\n"
-    stored = result.status == OK
-    assert stored or (result.status == FAILED and "can not be written" in result.stderr)
-    assert machine.read("/etc/ppp/ini") == (after if stored else before)
-    assert stored == (free_pages == 2)
-    assert run(machine, "/usr/bin/ls", "-A", "/etc/ppp").split() == ["filler", "ini"]
 
 
 def test_a_member_sets_the_line_although_only_root_may_write_the_file(running):

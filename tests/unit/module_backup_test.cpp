@@ -194,6 +194,15 @@ private slots:
         QVERIFY(!QFile::exists(inTree(QStringLiteral("extra"))));
     }
 
+    void aFolderThatWasMadeForAModuleThatNeverCameIsRemoved()
+    {
+        QVERIFY(backup().take());
+        QVERIFY(backup().beginInstall({QStringLiteral("extra/ueagle-atm.ko")}));
+        QVERIFY(makeFolders(inTree(QStringLiteral("extra")))); // and then the disk was full
+        QVERIFY(backup().putBack());
+        QVERIFY(!QFile::exists(inTree(QStringLiteral("extra"))));
+    }
+
     void aFurtherFileThatTheInstallReplacesIsKeptToo()
     {
         write(inTree(QStringLiteral("extra/helper.ko")), "old helper");

@@ -73,6 +73,7 @@ private slots:
     void replacingMakesAMissingFileReadableForAll();
     void replacingSweepsWhatAKilledProcessLeft();
     void whatAnotherProcessIsStillWritingIsNotSwept();
+    void aFolderIsSweptOfWhatKilledProcessesLeftOnTheirWayToAnyFile();
     void ownerAndModeAreGivenBeforeTheNewFileCanBeSeen();
     void anOwnerIsGivenThoughTheGroupStays();
     void copyingToAFolderThatCannotBeMadeFails();
@@ -335,6 +336,20 @@ void TestSafeFile::whatAnotherProcessIsStillWritingIsNotSwept()
     });
     QVERIFY(replaced);
     QCOMPARE(names(), QStringList(QStringLiteral("file")));
+}
+
+void TestSafeFile::aFolderIsSweptOfWhatKilledProcessesLeftOnTheirWayToAnyFile()
+{
+    write("file", "old");
+    write(".norvix-new-file-abcdef", "unfinished");
+    write(".norvix-new-other.norvix-backup-abcdef", "unfinished");
+    write(".norvix", "somebody's");
+    const bool replaced = replaceFileWith(path("file").toStdString(), FileAttributes(), [&](int) {
+        clearUnfinishedIn(path(".").toStdString());
+        return true;
+    });
+    QVERIFY(replaced);
+    QCOMPARE(names(), QStringList({QStringLiteral(".norvix"), QStringLiteral("file")}));
 }
 
 void TestSafeFile::ownerAndModeAreGivenBeforeTheNewFileCanBeSeen()
