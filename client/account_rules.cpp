@@ -63,7 +63,7 @@ Failure loginObjection(const QString &login)
 Failure passwordObjection(const QString &password)
 {
     const QString name = Say::tr("The password");
-    const Failure objection = contentObjection(name, password);
+    Failure objection = contentObjection(name, password);
     if (objection) {
         return objection;
     }
