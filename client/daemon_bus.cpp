@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "client/daemon_bus.h"
 
-#include "client/say.h"
 #include "dbus/contract.h"
 
 #include <QDBusConnectionInterface>
@@ -16,68 +15,42 @@ const QLatin1String service(Bus::service);
 
 } // namespace
 
-BusReply failedReply(const QDBusError &error)
+Failure failureOf(const QDBusError &error)
 {
-    BusReply reply;
     switch (error.type()) {
     case QDBusError::ServiceUnknown:
-        reply.code = NoDaemon;
-        reply.error = DaemonBus::notRunningText();
-        break;
+        return {FailureKind::NoDaemon, QString()};
     case QDBusError::Disconnected:
     case QDBusError::NoServer:
-        reply.code = NoDaemon;
-        reply.error = Say::tr("The system bus can not be reached: is dbus-daemon running?");
-        break;
+        return {FailureKind::NoBus, QString()};
     case QDBusError::AccessDenied:
-        reply.code = NotPermitted;
-        reply.error = Say::tr("The system bus does not let you do this. Members of the group "
-                              "“norvix” and root may: “sudo usermod -a -G norvix $USER”, then log "
-                              "in again.");
-        break;
+        return {FailureKind::NotPermitted, QString()};
     case QDBusError::NoReply:
     case QDBusError::Timeout:
     case QDBusError::TimedOut:
-        reply.code = Failed;
-        reply.error = Say::tr("The daemon does not answer. It may be waiting for another program; "
-                              "see “norvixctl log”.");
-        break;
+        return {FailureKind::NoAnswer, QString()};
     default:
-        if (error.name() == QLatin1String(Bus::setupRefused)) {
-            reply.code = ValueRefused;
-            reply.error = Say::tr("The daemon refuses this: %1.").arg(error.message());
-            break;
-        }
-        if (error.name() == QLatin1String(Bus::setupNotStored)) {
-            reply.code = Failed;
-            reply.error = Say::tr("The daemon could not store it: %1.").arg(error.message());
-            break;
-        }
-        if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
-            reply.code = NoDaemon;
-            reply.error = DaemonBus::notRunningText();
-            break;
-        }
-        // A failed activation comes under several names of its own.
-        reply.code = error.name().contains(QLatin1String(".Spawn.")) ? NoDaemon : Failed;
-        reply.error = reply.code == NoDaemon
-            ? Say::tr("The system bus could not start the daemon: %1").arg(error.message())
-            : Say::tr("The daemon answered with an error: %1").arg(error.message());
         break;
     }
-    return reply;
+    if (error.name() == QLatin1String(Bus::setupRefused)) {
+        return {FailureKind::DaemonRefused, error.message()};
+    }
+    if (error.name() == QLatin1String(Bus::setupNotStored)) {
+        return {FailureKind::DaemonNotStored, error.message()};
+    }
+    if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
+        return {FailureKind::NoDaemon, QString()};
+    }
+    // A failed activation comes under several names of its own.
+    return {error.name().contains(QLatin1String(".Spawn.")) ? FailureKind::NotStarted
+                                                            : FailureKind::DaemonError,
+        error.message()};
 }
 
 DaemonBus::DaemonBus(QObject *parent)
     : QObject(parent)
     , m_bus(QDBusConnection::systemBus())
 {
-}
-
-QString DaemonBus::notRunningText()
-{
-    return Say::tr("The daemon is not running. Start it with “sudo systemctl start "
-                   "norvix-daemon”.");
 }
 
 bool DaemonBus::isDaemonRunning() const
@@ -117,15 +90,13 @@ BusReply DaemonBus::callSetup(const char *method, const QVariantList &arguments,
 BusReply DaemonBus::callOther(const QDBusMessage &message, int timeoutMs) const
 {
     if (!m_bus.isConnected()) {
-        return failedReply(QDBusError(QDBusError::Disconnected, QString()));
+        return {{FailureKind::NoBus, QString()}, {}};
     }
     const QDBusMessage answer = m_bus.call(message, QDBus::Block, timeoutMs);
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        return failedReply(QDBusError(answer));
+        return {failureOf(QDBusError(answer)), {}};
     }
-    BusReply reply;
-    reply.value = answer.arguments().value(0);
-    return reply;
+    return {{}, answer.arguments().value(0)};
 }
 
 void DaemonBus::listen()

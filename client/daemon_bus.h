@@ -2,7 +2,7 @@
 // The daemon as a neighbour on the system bus: calls, signals, its coming and going.
 #pragma once
 
-#include "client/exit_code.h"
+#include "client/failure.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -14,11 +14,10 @@ class QDBusError;
 
 struct BusReply
 {
-    ExitCode code = Ok;
-    QString error; ///< in the user's language; empty when the call succeeded
+    Failure failure;
     QVariant value; ///< the first value of the reply; invalid when it has none
 
-    bool ok() const { return code == Ok; }
+    bool ok() const { return !failure; }
 };
 
 class DaemonBus : public QObject
@@ -44,7 +43,7 @@ public:
     BusReply call(const char *method, const QVariantList &arguments = {},
         Start start = Start::Never, int timeoutMs = 25000) const;
 
-    /// The same for the object that sets things up. A value that it refuses is ValueRefused, with
+    /// The same for the object that sets things up. A value that it refuses is DaemonRefused, with
     /// what is expected instead.
     BusReply callSetup(
         const char *method, const QVariantList &arguments = {}, Start start = Start::Never) const;
@@ -54,9 +53,6 @@ public:
 
     /// From now on the daemon's signals and its coming and going are reported.
     void listen();
-
-    /// What "no daemon" is told as, with the remedy.
-    static QString notRunningText();
 
 signals:
     void received(const QString &signal, const QVariantList &arguments);
@@ -71,5 +67,5 @@ private:
     QDBusConnection m_bus;
 };
 
-/// The class and the text of a failed call.
-BusReply failedReply(const QDBusError &error);
+/// Why a call has failed.
+Failure failureOf(const QDBusError &error);

@@ -56,9 +56,9 @@ void lookAtBus(const DaemonBus &bus, Facts &facts)
     // A method that changes nothing and is open to the same people as those that do.
     const BusReply permission
         = bus.call(DaemonMethod::getLoginAndPassword, {}, DaemonBus::Start::Never, shortTimeoutMs);
-    facts.isUserAllowed = permission.ok() ? Answer::Yes
-        : permission.code == NotPermitted ? Answer::No
-                                          : Answer::Unknown;
+    facts.isUserAllowed = permission.ok()                      ? Answer::Yes
+        : permission.failure.kind == FailureKind::NotPermitted ? Answer::No
+                                                               : Answer::Unknown;
     const BusReply plugged
         = bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs);
     if (plugged.ok()) {
@@ -80,7 +80,8 @@ void lookAtHal(const DaemonBus &bus, Facts &facts)
     const BusReply reply = bus.callOther(devices, shortTimeoutMs);
     // Whoever may not ask it knows at least that somebody is there.
     facts.isHalAnswering = reply.ok()
-            || (reply.code == NotPermitted && bus.hasOwner(QStringLiteral("org.freedesktop.Hal")))
+            || (reply.failure.kind == FailureKind::NotPermitted
+                && bus.hasOwner(QStringLiteral("org.freedesktop.Hal")))
         ? Answer::Yes
         : Answer::No;
 }

@@ -53,30 +53,25 @@ bool give(const QString &path, gid_t group, mode_t mode)
     return chown(name.constData(), 0, group) == 0 && chmod(name.constData(), mode) == 0;
 }
 
-MendResult unwritable(MendResult result, const QString &path)
-{
-    result.error = Say::tr("%1 can not be written.").arg(path);
-    return result;
-}
-
 MendResult mendSecrets(const QString &path)
 {
     MendResult result;
     const std::optional<QByteArray> content = fileContent(path);
     if (!content && QFile::exists(path)) {
-        result.error = Say::tr("%1 can not be read.").arg(path);
+        result.failure = {FailureKind::FileUnreadable, path};
         return result;
     }
     if (!hasEntryAtStart(content.value_or(""))) {
         const bool isKept = !content || backUp(path, *content);
         if (!isKept || !putInPlace(path, mendedSecrets(content.value_or("")))) {
-            return unwritable(result, path);
+            result.failure = {FailureKind::FileUnwritable, path};
+            return result;
         }
         result.done.append(Say::tr("%1 now begins with the account's entry.").arg(path));
     }
     if (!isPrivate(path)) {
         if (!give(path, 0, secretMode)) {
-            result.error = Say::tr("The mode of %1 can not be changed.").arg(path);
+            result.failure = {FailureKind::ModeUnchangeable, path};
             return result;
         }
         result.done.append(Say::tr("%1 is now readable for root only.").arg(path));
@@ -120,7 +115,8 @@ MendResult mendPeer(const Facts &facts)
     const group *dip = getgrnam("dip"); // who may dial
     if ((content && !backUp(path, *content))
         || !putInPlace(path, made, peerMode, dip != nullptr ? dip->gr_gid : 0)) {
-        return unwritable(result, path);
+        result.failure = {FailureKind::FileUnwritable, path};
+        return result;
     }
     result.done.append(Say::tr("%1 is now the one for this modem and protocol.").arg(path));
     return result;
@@ -133,8 +129,8 @@ MendResult mendPppFiles(const Facts &facts)
     MendResult result;
     const auto add = [&](const MendResult &next) {
         result.done += next.done;
-        result.error = next.error;
-        return next.error.isEmpty();
+        result.failure = next.failure;
+        return !next.failure;
     };
     static_cast<void>(add(mendSecrets(QStringLiteral("/etc/ppp/pap-secrets")))
         && add(mendSecrets(QStringLiteral("/etc/ppp/chap-secrets"))) && add(mendPeer(facts)));

@@ -2,6 +2,8 @@
 // Mending pppd's files in place.
 #pragma once
 
+#include "client/failure.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,7 +12,7 @@ struct Facts;
 struct MendResult
 {
     QStringList done; ///< what was changed, in the user's language
-    QString error; ///< why it stopped; empty on success
+    Failure failure; ///< why it stopped
 };
 
 /// Puts the newest account at the beginning of both secrets files and takes them from the eyes of

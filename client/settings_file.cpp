@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "client/settings_file.h"
 
-#include "client/say.h"
 #include "support/safe_file.h"
 #include "support/settings_text.h"
 
@@ -66,34 +65,29 @@ int settingNumber(const char *key)
     return settingText(key).toInt();
 }
 
-ExitCode writeSettings(const QMap<QString, QVariant> &values, QString &error)
+Failure writeSettings(const QMap<QString, QVariant> &values)
 {
     QLockFile lock(settingsPath() + QStringLiteral(".lock")); // as the daemon's library has it
     lock.tryLock(lockWaitMs); // not for who may write the file but not its folder
     const std::optional<QByteArray> before = settingsBytes();
     const bool isMissing = !before && errno == ENOENT;
     if (!before && !isMissing && !isForbidden()) {
-        error = Say::tr("%1 is not a valid settings file.").arg(settingsPath());
-        return Failed;
+        return {FailureKind::SettingsInvalid, settingsPath()};
     }
     if (before || isMissing) {
         ReadSettings all = settingsFrom(before.value_or(QByteArray()));
         if (!all.isWellFormed) {
-            error = Say::tr("%1 is not a valid settings file.").arg(settingsPath());
-            return Failed;
+            return {FailureKind::SettingsInvalid, settingsPath()};
         }
         for (auto value = values.begin(); value != values.end(); ++value) {
             all.values.insert(value.key(), value.value());
         }
         if (writeBytes(before.value_or(QByteArray()), settingsText(all.values))) {
-            return Ok;
+            return {};
         }
         if (!isForbidden() && errno != ENOENT) {
-            error = Say::tr("%1 can not be written.").arg(settingsPath());
-            return Failed;
+            return {FailureKind::FileUnwritable, settingsPath()};
         }
     }
-    error = Say::tr("%1 can not be written by you. Repeat the command with “sudo”.")
-                .arg(settingsPath());
-    return NotPermitted;
+    return {FailureKind::FileForbidden, settingsPath()};
 }

@@ -2,7 +2,7 @@
 // The daemon's settings file, read and written beside the daemon.
 #pragma once
 
-#include "client/exit_code.h"
+#include "client/failure.h"
 
 #include <QMap>
 #include <QString>
@@ -21,5 +21,5 @@ QString settingText(const char *key, const QString &fallback = QString());
 int settingNumber(const char *key);
 
 /// Stores the values in the file, keeping the other keys, the owner and the mode. The daemon reads
-/// them when it next looks at the file. @p error tells why it failed.
-ExitCode writeSettings(const QMap<QString, QVariant> &values, QString &error);
+/// them when it next looks at the file.
+Failure writeSettings(const QMap<QString, QVariant> &values);

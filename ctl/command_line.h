@@ -2,8 +2,8 @@
 // From the words on the command line to a command with its options.
 #pragma once
 
-#include "client/exit_code.h"
 #include "ctl/command_table.h"
+#include "ctl/screen/exit_code.h"
 
 #include <QMap>
 #include <QString>

@@ -6,6 +6,7 @@
 #include "client/say.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/failure_text.h"
 #include "ctl/screen/password_input.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
@@ -14,26 +15,42 @@
 
 namespace {
 
-/// The password from whoever has it; an error text instead of one that was mistyped.
-std::optional<QString> readPassword(QString &error)
+struct Typed
 {
+    Failure failure; ///< why there is none
+    QString text;
+};
+
+/// The password from whoever has it.
+Typed readPassword()
+{
+    const auto mistyped = [](const QString &why) {
+        return Typed{{FailureKind::ValueRefused, why}, QString()};
+    };
     if (isatty(STDIN_FILENO) != 1) {
-        return restOfInput();
+        return {{}, restOfInput()};
     }
-    auto first = askHidden(Say::tr("Password"));
+    const auto first = askHidden(Say::tr("Password"));
     if (!first) {
-        error = Say::tr("No password was given.");
-        return std::nullopt;
+        return mistyped(Say::tr("No password was given."));
     }
-    const QString objection = passwordObjection(*first);
-    if (!objection.isEmpty()) {
-        return first; // refused below, before it is typed again
+    if (passwordObjection(*first)) {
+        return {{}, *first}; // refused below, before it is typed again
     }
     if (askHidden(Say::tr("Password again")) != first) {
-        error = Say::tr("The two passwords differ. Nothing was changed.");
-        return std::nullopt;
+        return mistyped(Say::tr("The two passwords differ. Nothing was changed."));
     }
-    return first;
+    return {{}, *first};
+}
+
+/// Why the two can not be stored; none when they can.
+Failure objectionTo(const QString &login, const Typed &password)
+{
+    if (password.failure) {
+        return password.failure;
+    }
+    const Failure objection = passwordObjection(password.text);
+    return objection ? objection : accountObjection(login, password.text);
 }
 
 /// Login and password as the provider gets them; empty when none are stored.
@@ -65,7 +82,7 @@ int runAccountShow(const Invocation &invocation, const Terminal &terminal)
     const DaemonBus bus;
     const BusReply reply = bus.call(DaemonMethod::getLoginAndPassword);
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     const QStringList account = storedAccount(reply);
     const bool isSet = account.size() == 2;
@@ -95,34 +112,26 @@ int runAccountSet(const Invocation &invocation, const Terminal &terminal)
         }
         login = askVisible(Say::tr("Login")).value_or(QString());
     }
-    QString objection = loginObjection(login);
-    if (!objection.isEmpty()) {
-        return terminal.fail(ValueRefused, objection);
+    if (const Failure objection = loginObjection(login)) {
+        return terminal.fail(objection);
     }
-    const auto password = readPassword(objection);
-    if (!password) {
-        return terminal.fail(ValueRefused, objection);
-    }
-    objection = passwordObjection(*password);
-    if (objection.isEmpty()) {
-        objection = accountObjection(login, *password);
-    }
-    if (!objection.isEmpty()) {
-        return terminal.fail(ValueRefused, objection);
+    const Typed password = readPassword();
+    if (const Failure objection = objectionTo(login, password)) {
+        return terminal.fail(objection);
     }
 
     const DaemonBus bus;
     const BusReply reply = bus.callSetup(SetupMethod::SetAccount,
-        {encodedLogin(login), encodedPassword(*password)}, DaemonBus::Start::IfNeeded);
-    if (reply.code == Failed) {
+        {encodedLogin(login), encodedPassword(password.text)}, DaemonBus::Start::IfNeeded);
+    if (exitCodeOf(reply.failure) == Failed) {
         return terminal.fail(Failed,
-            reply.error + QLatin1Char(' ')
+            failureText(reply.failure) + QLatin1Char(' ')
                 + Say::tr("“norvixctl doctor” tells which of pppd's files are missing."));
     }
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     terminal.line(Say::tr("The account is stored. It counts from the next connection on."));
-    compareWithFiles(bus, terminal, login, *password);
+    compareWithFiles(bus, terminal, login, password.text);
     return Ok;
 }

@@ -29,8 +29,7 @@ int show(const DaemonBus &bus, const Terminal &terminal)
     const BusReply boot = bus.call(DaemonMethod::getConnectAtBoot);
     const BusReply plug = bus.call(DaemonMethod::getConnectAtModemPlug);
     if (!boot.ok() || !plug.ok()) {
-        return terminal.fail(
-            boot.ok() ? plug.code : boot.code, boot.ok() ? plug.error : boot.error);
+        return terminal.fail(boot.ok() ? plug.failure : boot.failure);
     }
     const auto onOff = [](bool on) { return on ? Say::tr("on") : Say::tr("off"); };
     Report report;
@@ -72,7 +71,7 @@ int runAutoconnect(const Invocation &invocation, const Terminal &terminal)
     const BusReply reply
         = bus.callSetup(SetupMethod::SetSettings, {settings}, DaemonBus::Start::IfNeeded);
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     terminal.line(on ? Say::tr("Connections now start by themselves.")
                      : Say::tr("Connections no longer start by themselves."));

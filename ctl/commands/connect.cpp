@@ -6,6 +6,7 @@
 #include "client/say.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/failure_text.h"
 #include "ctl/screen/remedy_text.h"
 #include "ctl/screen/terminal.h"
 #include "dbus/contract.h"
@@ -63,7 +64,7 @@ private:
         const BusReply reply
             = m_bus.call(DaemonMethod::establishConnection, {}, DaemonBus::Start::IfNeeded);
         if (!reply.ok()) {
-            end(reply.code, reply.error);
+            end(exitCodeOf(reply.failure), failureText(reply.failure));
         }
         return reply.ok();
     }
@@ -194,7 +195,7 @@ int runConnect(const Invocation &invocation, const Terminal &terminal)
     const BusReply state
         = bus.call(DaemonMethod::getConnectionState, {}, DaemonBus::Start::IfNeeded);
     if (!state.ok()) {
-        return terminal.fail(state.code, state.error);
+        return terminal.fail(state.failure);
     }
     if (state.value.toInt() == ConnectionUp) {
         // The daemon would not refuse: it would start a second pppd.

@@ -54,7 +54,7 @@ public:
         m_bus.listen();
         const BusReply reply = endNow();
         if (!reply.ok()) {
-            return m_terminal.fail(reply.code, reply.error);
+            return m_terminal.fail(reply.failure);
         }
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, &m_loop, [this] { look(); });

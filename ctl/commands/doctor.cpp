@@ -110,8 +110,8 @@ int runDoctor(const Invocation &invocation, const Terminal &terminal)
         for (const QString &text : result.done) {
             terminal.note(text);
         }
-        if (!result.error.isEmpty()) {
-            return terminal.fail(Failed, result.error);
+        if (result.failure) {
+            return terminal.fail(result.failure);
         }
     }
     const DaemonBus bus;

@@ -67,7 +67,7 @@ int runDriverShow(const Invocation &, const Terminal &terminal)
         compiling.ok() ? Say::tr("Being built") : QString(),
         compiling.value.toBool() ? Say::tr("yes") : Say::tr("no"));
     report.print(terminal);
-    return compiling.ok() ? Ok : terminal.fail(compiling.code, compiling.error);
+    return compiling.ok() ? Ok : terminal.fail(compiling.failure);
 }
 
 int runDriverRestart(const Invocation &, const Terminal &terminal)
@@ -85,7 +85,7 @@ int runDriverRestart(const Invocation &, const Terminal &terminal)
     bus.listen();
     const BusReply reply = bus.call(DaemonMethod::restartModem, {}, DaemonBus::Start::IfNeeded);
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     QTimer::singleShot(restartMs, &loop, [&] { loop.exit(WaitedTooLong); });
     const int code = loop.exec();

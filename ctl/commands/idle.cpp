@@ -22,7 +22,7 @@ int runIdle(const Invocation &invocation, const Terminal &terminal)
         const BusReply reply
             = bus.call(DaemonMethod::setIdlenessTime, {*number}, DaemonBus::Start::IfNeeded);
         if (!reply.ok()) {
-            return terminal.fail(reply.code, reply.error);
+            return terminal.fail(reply.failure);
         }
         terminal.paragraph(
             Say::tr("Stored. The daemon itself does not act on it; desktop clients may."));
@@ -30,7 +30,7 @@ int runIdle(const Invocation &invocation, const Terminal &terminal)
     }
     const BusReply reply = bus.call(DaemonMethod::getIdlenessTime);
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     const int idle = reply.value.toInt();
     Report report;

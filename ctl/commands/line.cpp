@@ -7,6 +7,7 @@
 #include "client/text_format.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/failure_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
@@ -32,10 +33,19 @@ const QList<LineKey> &lineKeys()
     return keys;
 }
 
-/// Why the values can not be stored; empty when they can. Takes them over into @p values, none when
-/// none was given.
-QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values)
+struct LineValues
 {
+    Failure failure; ///< why they can not be stored
+    QMap<QString, QVariant> values; ///< by the keys of the settings; none when none was given
+};
+
+LineValues takenValues(const Invocation &invocation)
+{
+    LineValues line;
+    const auto refuse = [&line](const QString &why) {
+        line.failure = {FailureKind::ValueRefused, why};
+        return line;
+    };
     struct Range
     {
         const char *key;
@@ -47,34 +57,32 @@ QString takeValues(const Invocation &invocation, QMap<QString, QVariant> &values
         }
         const auto number = wholeNumber(invocation.value(range.key), 0, range.most);
         if (!number) {
-            return Say::tr("--%1 takes a whole number from 0 to %2.")
-                .arg(QLatin1String(range.key))
-                .arg(range.most);
+            return refuse(Say::tr("--%1 takes a whole number from 0 to %2.")
+                              .arg(QLatin1String(range.key))
+                              .arg(range.most));
         }
-        values.insert(QLatin1String(range.key), *number);
+        line.values.insert(QLatin1String(range.key), *number);
     }
     if (invocation.has("protocol")) {
-        values.insert(QStringLiteral("protocol"), invocation.value("protocol"));
+        line.values.insert(QStringLiteral("protocol"), invocation.value("protocol"));
     }
     if (invocation.has("service")) {
         const QString service = invocation.value("service");
         if (printable(service) != service) {
-            return Say::tr("--service takes text without control characters.");
+            return refuse(Say::tr("--service takes text without control characters."));
         }
-        values.insert(QStringLiteral("service"), service);
+        line.values.insert(QStringLiteral("service"), service);
     }
-    return QString();
+    return line;
 }
 
 /// The daemon is the one writer of its settings. Without one, root writes the file.
-BusReply store(const QMap<QString, QVariant> &values)
+Failure store(const QMap<QString, QVariant> &values)
 {
-    BusReply reply
+    const BusReply reply
         = DaemonBus().callSetup(SetupMethod::SetSettings, {values}, DaemonBus::Start::IfNeeded);
-    if (reply.code == NoDaemon && geteuid() == 0) {
-        reply.code = writeSettings(values, reply.error);
-    }
-    return reply;
+    return exitCodeOf(reply.failure) == NoDaemon && geteuid() == 0 ? writeSettings(values)
+                                                                   : reply.failure;
 }
 
 } // namespace
@@ -99,7 +107,7 @@ int runLineShow(const Invocation &, const Terminal &terminal)
             Say::tr(key.label), isSet ? value : Say::tr("not set"));
     }
     if (!last.ok()) {
-        return terminal.fail(last.code, last.error);
+        return terminal.fail(last.failure);
     }
     report.print(terminal);
     return Ok;
@@ -107,18 +115,16 @@ int runLineShow(const Invocation &, const Terminal &terminal)
 
 int runLineSet(const Invocation &invocation, const Terminal &terminal)
 {
-    QMap<QString, QVariant> values;
-    const QString objection = takeValues(invocation, values);
-    if (!objection.isEmpty()) {
-        return terminal.fail(ValueRefused, objection);
+    const LineValues line = takenValues(invocation);
+    if (line.failure) {
+        return terminal.fail(line.failure);
     }
-    if (values.isEmpty()) {
+    if (line.values.isEmpty()) {
         return terminal.fail(
             BadUsage, Say::tr("Give at least one of --vpi, --vci, --protocol and --service."));
     }
-    const BusReply reply = store(values);
-    if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+    if (const Failure failure = store(line.values)) {
+        return terminal.fail(failure);
     }
     terminal.paragraph(Say::tr("Stored. The next connection uses it."));
     const QString protocol = settingText("protocol");

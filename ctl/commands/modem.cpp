@@ -48,7 +48,7 @@ int runModemShow(const Invocation &, const Terminal &terminal)
         report.note(Say::tr("%1 is not there or not readable for this user.").arg(settingsPath()));
     }
     report.print(terminal);
-    return plugged.ok() ? Ok : terminal.fail(plugged.code, plugged.error);
+    return plugged.ok() ? Ok : terminal.fail(plugged.failure);
 }
 
 int runModemKnown(const Invocation &, const Terminal &terminal)
@@ -98,7 +98,7 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
     const DaemonBus bus;
     const BusReply plugged = bus.call(DaemonMethod::getIsModemPlugged);
     if (!plugged.ok()) {
-        return terminal.fail(plugged.code, plugged.error);
+        return terminal.fail(plugged.failure);
     }
     if (plugged.value.toBool()) {
         terminal.paragraph(Say::tr("The modem that is plugged in is already in use."));
@@ -110,7 +110,7 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
     // Adopting nothing would make the daemon forget the modem that it knows.
     const BusReply announced = bus.callSetup(SetupMethod::GetAnnouncedModem);
     if (!announced.ok()) {
-        return terminal.fail(announced.code, announced.error);
+        return terminal.fail(announced.failure);
     }
     const QString name = announced.value.toString();
     if (name.isEmpty()) {
@@ -121,7 +121,7 @@ int runModemAdopt(const Invocation &, const Terminal &terminal)
     }
     const BusReply reply = bus.call(DaemonMethod::useNewModem);
     if (!reply.ok()) {
-        return terminal.fail(reply.code, reply.error);
+        return terminal.fail(reply.failure);
     }
     terminal.paragraph(Say::tr("%1 is now in use.").arg(name));
     return Ok;

@@ -50,7 +50,7 @@ int runMonitor(const Invocation &, const Terminal &terminal)
     StopSignals stop;
     DaemonBus bus;
     if (!bus.isConnected()) {
-        return terminal.fail(NoDaemon, bus.call(DaemonMethod::reply).error);
+        return terminal.fail(bus.call(DaemonMethod::reply).failure);
     }
     QEventLoop loop;
     const auto own = [&terminal](const char *name, const QString &text) {

@@ -146,5 +146,5 @@ int runStatus(const Invocation &, const Terminal &terminal)
         report.note(Say::tr("The modem's driver is being built."));
     }
     report.print(terminal);
-    return state.ok() ? Ok : terminal.fail(state.code, state.error);
+    return state.ok() ? Ok : terminal.fail(state.failure);
 }

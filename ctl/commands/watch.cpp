@@ -171,7 +171,7 @@ int runWatch(const Invocation &invocation, const Terminal &terminal)
     StopSignals stop;
     DaemonBus bus;
     if (!bus.isConnected()) {
-        return terminal.fail(NoDaemon, bus.call(DaemonMethod::reply).error);
+        return terminal.fail(bus.call(DaemonMethod::reply).failure);
     }
     View view(bus, terminal, mostTicks);
     const int code = view.run(stop);

@@ -3,6 +3,7 @@
 
 #include "client/say.h"
 #include "ctl/screen/charset.h"
+#include "ctl/screen/failure_text.h"
 #include "ctl/screen/paragraph.h"
 
 #include <QByteArray>
@@ -136,6 +137,11 @@ ExitCode Terminal::fail(ExitCode code, const QString &text) const
 {
     note(QLatin1String("norvixctl: ") + text);
     return code;
+}
+
+ExitCode Terminal::fail(const Failure &failure) const
+{
+    return fail(exitCodeOf(failure), failureText(failure));
 }
 
 Terminal makeTerminal(const QString &when)

@@ -2,9 +2,11 @@
 // Where the words go: standard output and standard error, with or without colour.
 #pragma once
 
-#include "client/exit_code.h"
+#include "ctl/screen/exit_code.h"
 
 #include <QString>
+
+struct Failure;
 
 enum class Form
 {
@@ -48,6 +50,8 @@ struct Terminal
     void note(const QString &text) const;
     /// Prints "norvixctl: text" on standard error and gives the status back.
     ExitCode fail(ExitCode code, const QString &text) const;
+    /// The same for a failure of the library.
+    ExitCode fail(const Failure &failure) const;
 };
 
 /// @p when is "auto", "always" or "never". In the automatic case colours need a terminal, a TERM

@@ -848,10 +848,6 @@
         <translation>%1 ist für diesen Benutzer nicht lesbar</translation>
     </message>
     <message>
-        <source>%1: %2</source>
-        <translation>%1: %2</translation>
-    </message>
-    <message>
         <source>%1 is fine</source>
         <translation>%1 ist in Ordnung</translation>
     </message>

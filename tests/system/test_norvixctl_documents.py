@@ -71,7 +71,7 @@ def test_the_manual_has_every_command_and_option_and_no_others():
 
 
 def test_the_manual_has_every_exit_status():
-    header = (REPOSITORY / "client/exit_code.h").read_text(encoding="utf-8")
+    header = (REPOSITORY / "ctl/screen/exit_code.h").read_text(encoding="utf-8")
     statuses = re.findall(r"^    \w+ = (\d+),", header, re.MULTILINE)
     assert re.findall(r"^\.TP\n\.B (\d+)$", section(page("norvixctl.1"), "EXIT STATUS"),
                       re.MULTILINE) == statuses
@@ -191,6 +191,14 @@ def test_everything_is_translated_to_german(tmp_path):
         for text in [form.text for form in translation.iter("numerusform")] or [translation.text]:
             assert text, source
             assert sorted(re.findall(r"%\d|%n", text)) == sorted(re.findall(r"%\d|%n", source)), source
+
+
+def test_the_library_names_no_command():
+    for file in sorted((REPOSITORY / "client").glob("*.cpp")):
+        text = file.read_text(encoding="utf-8")
+        # The one that is the content of a file.
+        text = text.replace('# Set it with \\"norvixctl account set\\".', "")
+        assert re.findall(r"norvixctl|sudo|systemctl|apt install", text) == [], file.name
 
 
 def test_the_program_in_the_machine_is_the_one_that_was_checked(machine):

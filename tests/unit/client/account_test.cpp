@@ -104,27 +104,28 @@ private slots:
     {
         QFETCH(QString, value);
         QFETCH(QString, objection);
-        for (const QString &found : {passwordObjection(value), loginObjection(value)}) {
-            QCOMPARE(found.isEmpty(), objection.isEmpty());
-            QVERIFY2(found.contains(objection), qPrintable(found));
-            QVERIFY(value.size() < 2 || !found.contains(value));
+        for (const Failure &found : {passwordObjection(value), loginObjection(value)}) {
+            QCOMPARE(found.kind == FailureKind::None, objection.isEmpty());
+            QVERIFY2(found.detail.contains(objection), qPrintable(found.detail));
+            QVERIFY(value.size() < 2 || !found.detail.contains(value));
         }
     }
 
     void aPasswordThatNamesAFileIsRefused()
     {
-        QVERIFY(passwordObjection(QStringLiteral("@/x")).contains(QLatin1String("name of a file")));
-        QVERIFY(passwordObjection(QStringLiteral("@x/")).isEmpty());
-        QVERIFY(loginObjection(QStringLiteral("@/x")).isEmpty());
+        QVERIFY(passwordObjection(QStringLiteral("@/x"))
+                    .detail.contains(QLatin1String("name of a file")));
+        QVERIFY(!passwordObjection(QStringLiteral("@x/")));
+        QVERIFY(!loginObjection(QStringLiteral("@/x")));
     }
 
     void anEntryThatIsReadInPiecesIsRefused()
     {
         const QString fifty(50, QLatin1Char('x'));
-        QVERIFY(accountObjection(fifty, fifty.left(40)).isEmpty());
-        const QString objection = accountObjection(fifty, fifty.left(41));
+        QVERIFY(!accountObjection(fifty, fifty.left(40)));
+        const QString objection = accountObjection(fifty, fifty.left(41)).detail;
         QVERIFY2(objection.contains(QLatin1String("100 bytes")), qPrintable(objection));
-        QVERIFY(!accountObjection(fifty.left(26), QString(26, QChar(0x20AC))).isEmpty());
+        QVERIFY(bool(accountObjection(fifty.left(26), QString(26, QChar(0x20AC)))));
     }
 
     void pppdsWordsAreReadAsPppdReadsThem_data()
@@ -170,8 +171,8 @@ private slots:
         for (int round = 0; round < 4000; ++round) {
             const QString login = text(20);
             const QString password = text(20);
-            if (!loginObjection(login).isEmpty() || !passwordObjection(password).isEmpty()
-                || !accountObjection(login, password).isEmpty()) {
+            if (loginObjection(login) || passwordObjection(password)
+                || accountObjection(login, password)) {
                 continue;
             }
             ++stored;
