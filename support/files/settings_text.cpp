@@ -201,10 +201,8 @@ private:
 
     void readEscape()
     {
-        if (m_place >= m_text.size()) {
-            return;
-        }
-        const char c = m_text.at(m_place++);
+        // At the end there is nothing to escape, but blanks before it stay all the same.
+        const char c = m_place < m_text.size() ? m_text.at(m_place++) : '\0';
         if (const char *found = c != '\0' ? strchr(escapeLetters, c) : nullptr) {
             m_current += QLatin1Char(escapedCharacters[found - escapeLetters]);
         } else if (c == 'x') {

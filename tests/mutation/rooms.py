@@ -11,7 +11,8 @@ UNIT = {
     "connection/line_state_slots": ["line_state"],
     "driver/compiler_thread": ["build_plan"],
     "support/driver/build_log": ["tool_runner"],
-    "support/files/safe_write": ["safe_file"],
+    "dbus/modem_families": ["restart_modem", "modem_catalogue"],
+    "support/files/safe_write": ["safe_file", "module_backup"],
     "support/files/file_descriptor": ["tool_runner", "trusted_file"],
     "support/driver/module_tree": ["module_backup"],
 }
@@ -19,8 +20,8 @@ UNIT = {
 # System tests (tests/system/test_NAME.py), those that say no soonest first. What is not listed is asked
 # about by the tests of its room.
 SYSTEM = {
-    "connection/connect_thread": ["connection", "connection_waits", "hostile_pppd", "settings"],
-    "connection/connection_control_slots": ["connection", "connection_waits", "hostile_pppd", "line_state"],
+    "connection/connect_thread": ["connection", "connection_waits", "hostile_pppd", "settings", "long_connection"],
+    "connection/connection_control_slots": ["connection", "connection_waits", "hostile_pppd", "line_state", "long_connection"],
     "connection/connection_facts_slots": ["network_status", "connection", "hostile_pppd"],
     "connection/line_state": ["line_state", "connection_waits"],
     "connection/line_state_slots": ["line_state", "connection_waits"],
@@ -30,7 +31,7 @@ SYSTEM = {
     "daemon/log_limit": ["logging"],
     "daemon/hal_proxy": ["modem_detection", "modem_chain"],
     "daemon/logging": ["logging", "start_and_end"],
-    "daemon/main": ["start_and_end", "logging"],
+    "daemon/main": ["start_and_end", "logging", "connection"],
     "daemon/modem_catalogue": ["modem_detection", "modem_chain", "driver_build"],
     "daemon/modem_detection_slots": ["modem_detection", "modem_chain", "settings"],
     "daemon/norvix_daemon": ["bus_interface", "start_and_end", "logging", "settings", "modem_detection", "connection",
@@ -40,6 +41,8 @@ SYSTEM = {
     "daemon/setup": ["setup"],
     "daemon/setup_rules": ["setup"],
     "daemon/settings_slots": ["settings", "bus_interface"],
+    "driver/compiler_thread": ["driver_build"],
+    "driver/build_slots": ["driver_build"],
     "driver/restart_slots": ["modem_restart"],
     "driver/restart_modem": ["modem_restart"],
     "network/account_slots": ["account", "account_obstacles", "account_in_use"],
@@ -47,6 +50,11 @@ SYSTEM = {
     "network/account_files": ["account", "account_obstacles", "account_in_use"],
     "network/dns_check_slots": ["resolver"],
     "network/network_status_slots": ["network_status", "connection", "long_connection"],
+    "support/driver/build_log": ["driver_build"],
+    "support/driver/build_plan": ["driver_build"],
+    "support/driver/compiler": ["driver_build"],
+    "support/driver/compiler_install": ["driver_build"],
+    "support/driver/compiler_work": ["driver_build"],
     "support/process/debug": ["logging", "connection_waits"],
     "support/resolver/dns_manager": ["resolver_manager", "resolver"],
     "support/resolver/resolv_conf": ["resolver_manager", "resolver"],
@@ -56,6 +64,7 @@ SYSTEM = {
     "support/resolver/interface_address": ["network_status", "connection"],
     "support/process/line_cutter": ["hostile_pppd", "connection"],
     "support/files/lock_file": ["start_and_end"],
+    "dbus/modem_families": ["modem_restart", "driver_build", "modem_detection", "connection"],
     "support/process/my_process": ["connection", "hostile_pppd", "connection_waits"],
     "support/process/programs": ["connection", "network_status", "connection_waits"],
     "support/process/system_info": ["connection"],
@@ -85,7 +94,7 @@ def unit_tests(root, file):
 
 def system_tests(root, file, every=False):
     """Names of the system tests of a file; with every, the rest behind them."""
-    stem = re.sub(r"(_slots)?\.\w+$", "", file)
+    stem = re.sub(r"\.\w+$", "", file)
     names = SYSTEM.get(stem, ROOM[file.split("/")[0]])[:]
     if every:
         names += sorted(path.stem[len("test_"):] for path in (root / "tests/system").glob("test_*.py"))

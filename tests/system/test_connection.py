@@ -166,6 +166,13 @@ def test_without_a_library_path_none_is_made(line_up):
     assert "QT_NO_GLIB" not in environment
 
 
+def test_children_see_the_event_loop_that_was_chosen_for_the_daemon(line_up):
+    client = line_up.client()
+    line_up.start_daemon(env={"QT_NO_GLIB": "chosen"})
+    client.call("establishConnection")
+    assert line_up.wait_call("pppd").env["QT_NO_GLIB"] == "chosen"
+
+
 # ---- what pppd tells
 
 def test_an_established_connection_is_announced_in_order(line_up):
@@ -314,8 +321,10 @@ def test_a_request_under_a_running_link_is_noted_and_not_refused(line_up):
     line_up.pppd.play("h1-pppoe-over-real-nas0", mode="updetach")
     daemon, client = establish(line_up, "-d")
     client.wait_signal("connectionState")
+    note = "Norvix_Daemon::establishConnection(): already connected...\n"
+    assert note not in daemon.output()
     client.call("establishConnection")
-    assert "Norvix_Daemon::establishConnection(): already connected...\n" in daemon.output()
+    assert note in daemon.output()
     line_up.wait_call("pppd", count=2)
 
 
@@ -512,6 +521,15 @@ def test_a_new_daemon_finds_the_running_connection(line_up, signal_number):
     client.call("terminateConnection")
     assert wait_until(lambda: line_up.exit_of(pppd.pid), what="pppd ends")["status"] == -9
     assert again.running()
+
+
+def test_without_a_running_connection_a_new_daemon_counts_and_notes_nothing(bus_machine):
+    client = bus_machine.client()
+    bus_machine.start_daemon("-d").wait_for_output("Norvix Daemon: started.")
+    client.expect_no_signal("connectionTime")
+    assert not any("Registered IP" in file.read_text(encoding="ascii")
+                   for file in bus_machine.path("/var/log/norvix").glob("*.log"))
+    assert bus_machine.calls("ps") == []
 
 
 def test_connect_at_boot_needs_a_plugged_modem(line_up):

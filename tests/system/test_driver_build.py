@@ -251,6 +251,29 @@ def test_modprobe_finds_the_new_module_wherever_the_old_one_was(world, built, ol
     _, client = world.start()
     assert succeeded(client), world.build_log()
     assert world.found_by_modprobe() == EXTRA
+    if place.startswith("updates/"):  # before extra by depmod's own rules
+        assert re.search(r"^## taking away /\S+/%s, which would be loaded instead$" % re.escape(place),
+                         world.build_log(), re.M)
+
+
+def test_what_a_driver_installs_for_another_kernel_is_left_out_and_named(world, built):
+    folder = "$(INSTALL_MOD_PATH)/lib/modules/another/extra"
+    world.quick_tarball(built, quick(after="mkdir -p %s; cp built.ko %s/ueagle-atm.ko" % (folder, folder)))
+    _, client = world.start()
+    assert succeeded(client), world.build_log()
+    assert list(world.modules()) == [EXTRA]
+    assert ("## not for the running kernel, left out: /lib/modules/another/extra/ueagle-atm.ko\n"
+            in world.build_log())
+    assert not world.tree.with_name("another").exists()
+
+
+def test_only_makefiles_and_sources_are_adapted(world, built):
+    old_words = "#include <linux/config.h>\n"
+    world.tarball(files={"Makefile": quick(compile="grep -q config.h README"), "built.ko": built,
+                         "README": old_words, "driver.c": old_words})
+    _, client = world.start()
+    assert succeeded(client), world.build_log()
+    assert "driver.c: line 1" in world.build_log()
 
 
 # As modules_install of Debian 13 does and of Debian 12 does not; and what a driver's makefile copies.
@@ -344,6 +367,33 @@ def test_a_full_disk_fails_the_build_and_harms_nothing(world, built, installed):
     assert "tar: built.ko: Wrote only" in world.build_log()
 
 
+def test_a_source_that_cannot_be_adapted_for_want_of_room_fails_the_build(world, installed):
+    makefile = "KERNEL = /usr/src/linux\nall install:\n\t@true\n#"
+    makefile += "x" * (4095 - len(makefile)) + "\n"  # a page, which the adapted text exceeds
+    world.tarball(files={"Makefile": makefile})
+    mount(world, "/tmp", "size=4k,mode=1777")
+    _, client = world.start()
+    refused(world, client, installed, "/tmp/%s/Makefile cannot be adapted" % UEAGLE)
+
+
+def test_an_install_folder_that_cannot_be_emptied_fails_the_build(world, built, installed):
+    world.quick_tarball(built)
+    in_use = "/opt/norvix/driver_backup/staging/in_use"
+    world.machine.path(in_use).mkdir(parents=True)
+    mount(world, in_use, "size=64k")
+    _, client = world.start()
+    failed(world, client, installed, NOT_INSTALLED)
+    assert "Compiler::installDriver(): the install cannot be prepared" in messages(world)
+
+
+def test_a_backup_folder_that_is_not_roots_fails_the_build(world, built, installed):
+    world.quick_tarball(built)
+    world.backup.mkdir()
+    os.chown(world.backup, 1000, 1000)
+    _, client = world.start()
+    refused(world, client, installed, "/opt/norvix/driver_backup is not root's folder")
+
+
 def test_a_module_folder_without_space_keeps_the_old_module(world, built, old):
     world.quick_tarball(built)
     room = "size=%dk" % (len(old) // 1024 + 250)
@@ -377,6 +427,12 @@ def test_a_missing_tarball_fails_the_build(world, installed):
 def test_a_damaged_tarball_fails_the_build(world, built, installed):
     path = world.quick_tarball(built)
     path.write_bytes(path.read_bytes()[:5000])
+    _, client = world.start()
+    refused(world, client, installed, "tar ended with exit code 2")
+
+
+def test_a_tarball_that_cannot_be_unpacked_as_a_whole_fails_the_build(world, built, installed):
+    world.tarball(files={"Makefile": quick(), "built.ko": built, "x" * 300: "longer than a name may be"})
     _, client = world.start()
     refused(world, client, installed, "tar ended with exit code 2")
 
@@ -514,6 +570,7 @@ def patched(world, built):
 def test_a_patch_file_beside_the_tarball_is_applied(world, patched):
     _, client = world.start()
     assert succeeded(client), world.build_log()
+    assert "## applying /opt/norvix/drivers/%s.patch\n" % UEAGLE in world.build_log()
     assert "patching file Makefile" in world.build_log()
 
 
@@ -574,6 +631,18 @@ def test_tools_inherit_none_of_the_daemons_descriptors_but_the_lock(world, built
     assert [path for path in leads_to if not path.startswith(allowed)] == []
 
 
+def test_what_the_daemon_runs_beside_the_tools_inherits_no_lock(world, built):
+    """A modprobe that hangs must not keep the next build waiting."""
+    world.quick_tarball(built)
+    world.machine.path("/usr/local/sbin/modprobe").write_text(
+        "#!/bin/sh\n[ $# = 1 ] || exec /usr/sbin/modprobe \"$@\"\n"
+        "ls -l /proc/self/fd > /run/lab/descriptors\nexit 1\n", encoding="ascii")
+    _, client = world.start()
+    assert succeeded(client), world.build_log()
+    text = world.machine.path("/run/lab/descriptors").read_text(encoding="utf-8")  # of the last one
+    assert "/run/lab/descriptors" in text and "driver_backup/lock" not in text
+
+
 # ---- killed
 
 
@@ -632,6 +701,12 @@ def test_a_signal_ends_the_daemon_at_once_though_it_builds(world, built):
     assert daemon.stop() == 255
 
 
+def cpu_seconds(machine, pid):
+    """What a process has used of the processors."""
+    fields = machine.read("/proc/%d/stat" % pid).decode().rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
 def test_a_daemon_that_starts_again_waits_for_the_tools_of_the_killed_one(world, built):
     world.quick_tarball(built, quick(compile=HALT.format("compile")))
     daemon, _ = world.start(wait=False)
@@ -642,6 +717,9 @@ def test_a_daemon_that_starts_again_waits_for_the_tools_of_the_killed_one(world,
     assert client.call("getIsCompiling") is True
     assert world.machine.processes("make") != []
     assert "Debug: 25 " not in second.output()
+    used = cpu_seconds(world.machine, second.pid)
+    time.sleep(2)
+    assert cpu_seconds(world.machine, second.pid) - used < 0.1  # it sleeps between its looks
     world.go("compile")
     client.wait_signal("compilationFinished")
     assert succeeded(client), world.build_log()

@@ -208,6 +208,15 @@ def test_a_daily_log_that_cannot_be_made_is_skipped_silently(bus_machine):
     assert bus_machine.path("/var/log/norvix").read_text(encoding="ascii") == "in the way\n"
 
 
+def test_a_daily_log_that_cannot_be_opened_is_skipped_silently(bus_machine):
+    for day in range(2):
+        name = time.strftime("%d-%m-%Y.log", time.gmtime(time.time() + day * 86400))
+        (bus_machine.path("/var/log/norvix") / name).mkdir(parents=True)
+    restarted_under_a_connection(bus_machine)
+    assert bus_machine.client().call("reply") is True
+    assert "QIODevice" not in bus_machine.daemon_log()
+
+
 def test_each_side_of_midnight_has_its_own_file(bus_machine):
     # A zone in which the day ends in a few seconds.
     seconds_to_midnight = 12

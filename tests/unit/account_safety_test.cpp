@@ -32,6 +32,7 @@ class TestAccountSafety : public QObject
 private slots:
     void wordsAreCutAsPppdCutsThem_data();
     void wordsAreCutAsPppdCutsThem();
+    void wordsAreTheSameInTextAndPlaceTogether();
     void valuesAreJudged_data();
     void valuesAreJudged();
     void anEscapedQuotationMarkMayBeInAPassword_data();
@@ -56,6 +57,8 @@ void TestAccountSafety::wordsAreCutAsPppdCutsThem_data()
                              << QByteArrayList{
                                     "^login", "*", "password", "*", "^other", "*", "secret", "*"};
     QTest::newRow("comment after a word") << QByteArray("a # b\n c") << QByteArrayList{"^a", "^c"};
+    QTest::newRow("comment glued to a word") << QByteArray("a#b\nc") << QByteArrayList{"^a", "^c"};
+    QTest::newRow("underscore") << QByteArray("a_b c") << QByteArrayList{"^a_b", "c"};
     QTest::newRow("number sign in quotes")
         << QByteArray("\"a # b\" c") << QByteArrayList{"^a # b", "c"};
     QTest::newRow("other quotes") << QByteArray("'a \" b' c") << QByteArrayList{"^a \" b", "c"};
@@ -75,6 +78,14 @@ void TestAccountSafety::wordsAreCutAsPppdCutsThem()
     QFETCH(QByteArray, content);
     QFETCH(QByteArrayList, words);
     QCOMPARE(textsOf(pppdWords(content)), words);
+}
+
+void TestAccountSafety::wordsAreTheSameInTextAndPlaceTogether()
+{
+    const PppdWord word{"user", true};
+    QVERIFY(word == (PppdWord{"user", true}));
+    QVERIFY(!(word == (PppdWord{"user", false})));
+    QVERIFY(!(word == (PppdWord{"noauth", true})));
 }
 
 void TestAccountSafety::valuesAreJudged_data()
@@ -122,6 +133,9 @@ void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword_data()
     QTest::newRow("inside") << "a\\\"b" << AccountFault::None;
     QTest::newRow("at the end") << "a\\\"" << AccountFault::None;
     QTest::newRow("behind an escaped backslash") << "a\\\\\"b" << AccountFault::QuotationMark;
+    QTest::newRow("escaped behind an escaped backslash") << "a\\\\\\\"b" << AccountFault::None;
+    QTest::newRow("behind two escaped backslashes")
+        << "a\\\\\\\\\"b" << AccountFault::QuotationMark;
     QTest::newRow("not escaped") << "a\"b" << AccountFault::QuotationMark;
     QTest::newRow("before a blank") << "a\\\" * \\\"b" << AccountFault::QuotationMark;
 }

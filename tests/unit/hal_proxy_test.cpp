@@ -32,6 +32,12 @@ public:
             return connection.send(message.createErrorReply(
                 QStringLiteral("org.freedesktop.Hal.NoSuchProperty"), QStringLiteral("4368")));
         }
+        if (key == QLatin1String("number of an error")) {
+            QDBusMessage reply = message.createErrorReply(
+                QStringLiteral("org.freedesktop.Hal.NoSuchProperty"), QString());
+            reply.setArguments({4368});
+            return connection.send(reply);
+        }
         return connection.send(message.createReply(answerTo(key)));
     }
 
@@ -125,6 +131,7 @@ private slots:
     void onlyASigned32BitNumberCountsHoweverItIsWrapped_data();
     void onlyASigned32BitNumberCountsHoweverItIsWrapped();
     void anObjectThatIsNotThereGivesNothing();
+    void aQuestionMayTakeFiveSeconds();
     void aPathThatIsNoneGivesNothingAndDoesNotEndTheProcess_data();
     void aPathThatIsNoneGivesNothingAndDoesNotEndTheProcess();
 
@@ -172,6 +179,7 @@ void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped_data()
     QTest::newRow("list") << false << 0;
     QTest::newRow("nothing") << false << 0;
     QTest::newRow("error") << false << 0; // though its text is a number
+    QTest::newRow("number of an error") << false << 0;
 }
 
 void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped()
@@ -187,6 +195,11 @@ void HalProxyTest::anObjectThatIsNotThereGivesNothing()
 {
     QVERIFY(!property(QStringLiteral("/org/freedesktop/Hal/devices/other"), "plain"));
     QVERIFY(!property(QStringLiteral("/"), "plain"));
+}
+
+void HalProxyTest::aQuestionMayTakeFiveSeconds()
+{
+    QCOMPARE(HalProxy(devicePath, "org.freedesktop.Hal.Device", m_connection).timeout(), 5000);
 }
 
 void HalProxyTest::aPathThatIsNoneGivesNothingAndDoesNotEndTheProcess_data()

@@ -125,6 +125,7 @@ private slots:
     void aRemovedFileIsMadeAgain();
     void ofManyAtOnceOneGetsTheLock();
     void ofHundredsOfPlantedNamesNoneKeepsTheLockAway();
+    void aPathThatChangesNowAndThenKeepsNoLockAway();
     void whereNoLockCanBeMadeTheInstanceIsToldSo();
     void aFileSystemWithoutLocksIsNoOtherInstance();
     void aPlantedFolderThatCannotBePutAsideStaysWhole_data();
@@ -342,6 +343,22 @@ void LockFileTest::ofHundredsOfPlantedNamesNoneKeepsTheLockAway()
     QVERIFY(!Instance(m_path).hasLock());
 }
 
+void LockFileTest::aPathThatChangesNowAndThenKeepsNoLockAway()
+{
+    QProcess other;
+    other.start(
+        QStringLiteral("/proc/self/exe"), {QStringLiteral("--change-now-and-then"), m_path});
+    QVERIFY(other.waitForReadyRead(60000));
+    for (int i = 0; i < 500; ++i) {
+        const int fd = lockFile(m_path);
+        QVERIFY(fd > 0);
+        close(fd);
+    }
+    QCOMPARE(other.state(), QProcess::Running);
+    other.kill();
+    QVERIFY(other.waitForFinished());
+}
+
 void LockFileTest::whereNoLockCanBeMadeTheInstanceIsToldSo()
 {
     // Nobody can make files there, root neither.
@@ -418,6 +435,16 @@ int main(int argc, char **argv)
         }
         printf("%d\n", lockFile(QFile::decodeName(argv[3])));
         return 0;
+    }
+    if (argc == 3 && qstrcmp(argv[1], "--change-now-and-then") == 0) {
+        puts("begun");
+        fflush(stdout);
+        // Not faster: twenty attempts in a row must not all meet a change.
+        for (;; usleep(100)) {
+            (void)(symlink("nowhere", argv[2]) == 0);
+            usleep(100);
+            unlink(argv[2]);
+        }
     }
     if (argc == 4 && qstrcmp(argv[1], "--lock") == 0) {
         printf("%d\n", lockFile(QFile::decodeName(argv[2])));

@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QTemporaryDir>
 #include <QTest>
+#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 
@@ -109,6 +110,48 @@ private slots:
                 "/opt/lib/modules/6.12/extra/a.ko", "/lib/modules/6.12"}) {
             QVERIFY2(!tree.placeOf(QString::fromLatin1(elsewhere)), elsewhere);
         }
+    }
+
+    void aModuleComesBackAsOldAsItWas()
+    {
+        const QString module = inTree(QStringLiteral("extra/ueagle-atm.ko"));
+        write(module, "old");
+        const timespec longAgo[2] = {{1000000000, 0}, {1000000000, 5}};
+        const QByteArray name = QFile::encodeName(module);
+        QCOMPARE(utimensat(AT_FDCWD, name.constData(), longAgo, 0), 0);
+        ModuleBackup kept = backup();
+        QVERIFY(kept.take());
+        QVERIFY(kept.beginInstall({}));
+        write(module, "new");
+        QVERIFY(kept.putBack());
+        struct stat facts = {};
+        QCOMPARE(stat(name.constData(), &facts), 0);
+        QCOMPARE(facts.st_mtim.tv_sec, longAgo[1].tv_sec);
+        QCOMPARE(facts.st_mtim.tv_nsec, longAgo[1].tv_nsec);
+    }
+
+    void halfAModuleThatAKilledBuildLeftGoes()
+    {
+        ModuleBackup kept = backup();
+        QVERIFY(kept.take());
+        const QString half = inTree(QStringLiteral("extra/.norvix-new-ueagle-atm.ko-a1B2c3"));
+        write(half, "half");
+        QVERIFY(kept.putBack());
+        QVERIFY(!QFile::exists(half));
+        QVERIFY(QFile::exists(inTree(QStringLiteral("kernel/net/other.ko"))));
+    }
+
+    void whatAnInstallHasReplacedByItselfIsNotKeptForTheFormerOne()
+    {
+        const QString module = QStringLiteral("extra/ueagle-atm.ko");
+        write(inTree(module), "old");
+        ModuleBackup kept = backup();
+        QVERIFY(kept.take());
+        QVERIFY(kept.beginInstall({}));
+        write(inTree(module), "half of a new one");
+        QVERIFY(kept.beginInstall({module}));
+        QVERIFY(kept.putBack());
+        QCOMPARE(contents(m_root).value(module), QByteArray("100644 old"));
     }
 
     void aModuleComesBackWhateverCompressionTookItsPlace_data()

@@ -66,6 +66,7 @@ private slots:
     void fullDiskCostsNoOldByte_data();
     void fullDiskCostsNoOldByte();
     void replacingOnAFullDiskLeavesTheOldFileAlone();
+    void copyingOntoAFullDiskLeavesTheOldFileAlone();
     void rewritingMakesNoFile();
     void rewritingRefusesLinksWhenAsked();
     void replacingHandsOnOwnerAndMode();
@@ -254,6 +255,24 @@ void TestSafeFile::replacingOnAFullDiskLeavesTheOldFileAlone()
     QVERIFY(!replaced);
     QCOMPARE(bytesOf("file"), oldBytes);
     QCOMPARE(names(), QStringList(QStringLiteral("file")));
+}
+
+void TestSafeFile::copyingOntoAFullDiskLeavesTheOldFileAlone()
+{
+    write("file", "old");
+    write("source", QByteArray(7000, 'n'));
+    const std::optional<FileAttributes> facts = attributesOf(path("source"));
+    QVERIFY(facts);
+    bool copied = true;
+    {
+        const FullDisk disk(6000);
+        copied = copyIntoPlace(path("source"), path("file"), *facts);
+    }
+    QVERIFY(!copied);
+    QCOMPARE(bytesOf("file"), QByteArray("old"));
+    QCOMPARE(names().size(), 2);
+    QVERIFY(copyIntoPlace(path("source"), path("file"), *facts));
+    QCOMPARE(bytesOf("file"), QByteArray(7000, 'n'));
 }
 
 void TestSafeFile::rewritingMakesNoFile()

@@ -67,6 +67,7 @@ private slots:
     void changesOfOthersAreSeenAfterASyncOnly();
     void theFolderIsMadeOnTheFirstWrite();
     void aFileThatCannotBeWrittenKeepsTheValueInMemory();
+    void thatTheFileCannotBeWrittenIsToldOnceEachTime();
     void ownerAndModeOfTheFileSurviveAWrite();
     void aFullDiskCostsNoSetting();
     void staleLocksAreRemoved();
@@ -285,6 +286,30 @@ void SettingsTest::aFileThatCannotBeWrittenKeepsTheValueInMemory()
     QVERIFY(!syncSettings(settings()));
     QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 5);
     QVERIFY(QDir(path).removeRecursively());
+}
+
+QStringList told;
+
+void SettingsTest::thatTheFileCannotBeWrittenIsToldOnceEachTime()
+{
+    const QtMessageHandler handler = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { told.append(text); });
+    const QString message
+        = QStringLiteral("Settings: /opt/norvix/.daemon_ng.ini could not be written");
+    for (int time = 1; time <= 2; ++time) {
+        QVERIFY(QFile::remove(path));
+        QVERIFY(QDir().mkpath(path));
+        writeSetting(settings(), "idleness", time);
+        QVERIFY(!syncSettings(settings()));
+        QVERIFY(!syncSettings(settings()));
+        QCOMPARE(told.count(message), time);
+        QVERIFY(QDir(path).removeRecursively());
+        writeSetting(settings(), "idleness", time + 2);
+        QVERIFY(syncSettings(settings()));
+        QVERIFY(syncSettings(settings()));
+        QCOMPARE(told.count(message), time);
+    }
+    qInstallMessageHandler(handler);
 }
 
 void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()

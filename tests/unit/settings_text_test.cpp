@@ -73,6 +73,7 @@ class TestSettingsText : public QObject
 
 private slots:
     void filesAreReadAsTheLibraryReadsThem();
+    void blanksBeforeABackslashThatEndsTheFileStay();
     void valuesAreWrittenAsTheLibraryWritesThem();
     void whatIsNoPlainValueIsNeitherDecodedNorLost_data();
     void whatIsNoPlainValueIsNeitherDecodedNorLost();
@@ -101,6 +102,15 @@ void TestSettingsText::filesAreReadAsTheLibraryReadsThem()
                 .constData());
         QFile::remove(path);
     }
+}
+
+void TestSettingsText::blanksBeforeABackslashThatEndsTheFileStay()
+{
+    const QTemporaryDir folder;
+    const QByteArray content = "[General]\nvpi=8 \\";
+    QCOMPARE(difference(folder.filePath(QStringLiteral("ini")), content), QString());
+    QCOMPARE(
+        settingsFrom(content).values.value(QStringLiteral("vpi")).toString(), QStringLiteral("8 "));
 }
 
 void TestSettingsText::valuesAreWrittenAsTheLibraryWritesThem()

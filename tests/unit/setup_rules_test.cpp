@@ -12,6 +12,7 @@ private slots:
     void goodValuesAreTakenAsTheFileHoldsThem();
     void whatIsNotGoodIsRefusedWithAReason_data();
     void whatIsNotGoodIsRefusedWithAReason();
+    void aRefusalTellsWhatIsExpected();
     void oneBadValueRefusesAll();
     void clientsSeeTypesAndNotTheFilesTexts();
     void unreadableAndMissingValuesAreLeftOut();
@@ -67,6 +68,18 @@ void TestSetupRules::whatIsNotGoodIsRefusedWithAReason()
     const CheckedSettings checked = checkedSettings({{key, value}});
     QVERIFY(checked.refusal.contains(key));
     QVERIFY(checked.values.isEmpty());
+}
+
+void TestSetupRules::aRefusalTellsWhatIsExpected()
+{
+    const auto refusal = [](const QString &key, const QVariant &value) {
+        return checkedSettings({{key, value}}).refusal;
+    };
+    QCOMPARE(refusal("vpx", 1), QStringLiteral("there is no setting to be set called vpx"));
+    QCOMPARE(refusal("protocol", "pppoe"), QStringLiteral("protocol: PPPoE or PPPoA"));
+    QCOMPARE(refusal("service", QString(101, 'x')),
+        QStringLiteral("service: a text of at most 100 characters, none of them a control "
+                       "character"));
 }
 
 void TestSetupRules::oneBadValueRefusesAll()
