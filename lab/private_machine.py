@@ -11,6 +11,7 @@ import base64
 import errno
 import json
 import os
+import select
 import shutil
 import signal
 import socket
@@ -148,6 +149,7 @@ class PrivateMachine:
         self._control, theirs = socket.socketpair()
         with theirs:
             self._keeper = STARTER.start(theirs, str(self.state), self.keep)
+        self._keeper_end = open(os.pidfd_open(self._keeper), "rb", buffering=0)
 
     def _end(self):
         for client in self._clients:
@@ -158,6 +160,9 @@ class PrivateMachine:
                 os.kill(self._keeper, signal.SIGKILL)
                 self._has_closed(PATIENCE)
             self._control.close()
+            # Process 1 lets go of the socket before the others inside are gone; its keeper ends last.
+            with self._keeper_end:
+                select.select([self._keeper_end], [], [], PATIENCE)
             self._keeper = None
         if self.keep:
             print("kept: %s" % self.state)
@@ -217,7 +222,7 @@ class PrivateMachine:
     @property
     def root(self):
         """The machine's whole file system from outside, with all that is mounted inside."""
-        return Path("/proc/%d/root" % self._unshare.pid)
+        return Path("/proc/%d/root" % self._keeper)
 
     def read(self, inside):
         """The bytes of any file as seen inside, /proc and /sys included."""
