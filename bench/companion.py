@@ -6,11 +6,11 @@ import subprocess
 import time
 from collections import namedtuple
 
-from lab import hal_companion
-from lab.bus_client import BusError
-from lab.hal_companion import DEVICES, MANAGER, NAME, PROGRAM, manager, news
-from lab.private_machine import BUILD, PrivateMachine
-from lab.simulated_usb import SimulatedUsb
+from lab.machine import companion
+from lab.machine.bus_client import BusError
+from lab.machine.companion import DEVICES, MANAGER, NAME, PROGRAM, manager, news
+from lab.machine.private_machine import BUILD, PrivateMachine
+from lab.machine.simulated_usb import SimulatedUsb
 from lab.waiting import wait_until
 
 Effort = namedtuple("Effort", "sizes rounds events calls")
@@ -93,8 +93,8 @@ def print_table(quick):
     print(row % ("", "devices", "norvix-hald", "floor", "ratio"))
     for size in effort.sizes:
         with PrivateMachine() as machine:
-            hal_companion.prepare(machine)
-            machine.start_bus(policies=[hal_companion.POLICY])
+            companion.prepare(machine)
+            machine.start_bus(policies=[companion.POLICY])
             machine.path(FOLDER).mkdir()
             for name in ("floor-hal", "bench-hal-caller"):
                 shutil.copy(BUILD / "bench" / name, machine.path(FOLDER))

@@ -7,7 +7,7 @@ import socket
 import threading
 import time
 
-from ..modem_families import FAMILIES, FAMILIES_OF_THE_KERNEL
+from ..machine.modem_families import FAMILIES, FAMILIES_OF_THE_KERNEL
 from ..waiting import read_text, wait_until
 from . import system
 from .modems import cxacru, eagle, speedtch, vhci

@@ -15,7 +15,7 @@ import time
 from . import suites
 
 HERE = pathlib.Path(__file__).resolve().parent
-PACKAGE_LIST = HERE.parent.parent / "debian-packages"
+PACKAGE_LIST = HERE.parent.parent / "tools/debian-packages"
 
 DOWNLOAD_SECONDS = 600
 KEPT_SECONDS = 7 * 24 * 3600

@@ -6,10 +6,10 @@ import pathlib
 import sys
 import time
 
-from ..bus_client import INTERFACE
-from ..demo import Failed, Teller
-from ..modem_families import FAMILIES_OF_THE_KERNEL
-from ..signal_text import state, text_of
+from ..machine.bus_client import INTERFACE
+from ..machine.demo import Failed, Teller
+from ..machine.modem_families import FAMILIES_OF_THE_KERNEL
+from ..machine.signal_text import state, text_of
 from . import chain as world
 from . import system
 from .modems.line import TRAINING

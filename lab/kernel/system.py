@@ -13,7 +13,7 @@ import signal
 import socket
 import subprocess
 
-from ..bus_client import SERVICE, Client
+from ..machine.bus_client import SERVICE, Client
 from ..waiting import read_text, wait_until
 from .modems import eagle, exchange, speedtch, vhci
 from .modems.line import Line

@@ -17,8 +17,8 @@ from typing import Callable
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parents[1]), str(HERE.parent / "system")]
 
-from lab.bus_client import BusError  # noqa: E402
-from lab.private_machine import PrivateMachine  # noqa: E402
+from lab.machine.bus_client import BusError  # noqa: E402
+from lab.machine.private_machine import PrivateMachine  # noqa: E402
 from obstacles import fill, run  # noqa: E402
 
 FAULTS = ("KILL", "ENOSPC", "EIO", "EROFS")

@@ -13,10 +13,10 @@ import account
 from account import CHAP, PAP, PEER, UNICORN
 from driver_world import RELEASE, UEAGLE_MODEM, DriverWorld
 from driver_world import UNICORN as UNICORN_SOURCES
-from lab import hal_companion
-from lab.private_machine import BUILD, REPOSITORY, USUAL_PATH, PrivateMachine
-from lab.scenario import end, link_up, out
-from lab.simulated_usb import SimulatedUsb
+from lab.machine import companion as hal_companion
+from lab.machine.private_machine import BUILD, REPOSITORY, USUAL_PATH, PrivateMachine
+from lab.machine.pppd_script import end, link_up, out
+from lab.machine.simulated_usb import SimulatedUsb
 from lab.waiting import wait_until
 from norvixctl import NORVIX_GROUP, Ctl
 from obstacles import mount, run

@@ -9,7 +9,7 @@ import pytest
 REPOSITORY = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(REPOSITORY))
 
-from lab.clean_system import CleanSystem  # noqa: E402
+from lab.clean.clean_system import CleanSystem  # noqa: E402
 
 USER = "anna"
 

@@ -79,16 +79,24 @@ ROOM = {
 }
 
 
+def test_file(root, kind, name):
+    """The file of a test, below the root; None when there is none of that name."""
+    pattern = "%s_test.cpp" % name if kind == "unit" else "test_%s.py" % name
+    return next(iter(sorted((Path(root) / "tests" / kind).rglob(pattern))), None)
+
+
 def unit_tests(root, file):
     """Names of the unit tests of a file, its own first."""
     stem = re.sub(r"\.\w+$", "", file)
     own = stem.split("/")[-1]
     found = UNIT.get(stem, [])[:]
-    for test in sorted((root / "tests/unit").glob("*_test.cpp")):
+    for test in sorted((root / "tests/unit").rglob("*_test.cpp")):
         name = test.name[:-len("_test.cpp")]
+        if test.parent.name in ("client", "ctl"):
+            continue
         if name == own or '#include "%s.h"' % stem in test.read_text(encoding="utf-8"):
             found.append(name)
-    found = [name for name in dict.fromkeys(found) if (root / "tests/unit" / (name + "_test.cpp")).exists()]
+    found = [name for name in dict.fromkeys(found) if test_file(root, "unit", name)]
     return sorted(found, key=lambda name: name != own)
 
 
@@ -97,5 +105,5 @@ def system_tests(root, file, every=False):
     stem = re.sub(r"\.\w+$", "", file)
     names = SYSTEM.get(stem, ROOM[file.split("/")[0]])[:]
     if every:
-        names += sorted(path.stem[len("test_"):] for path in (root / "tests/system").glob("test_*.py"))
-    return [name for name in dict.fromkeys(names) if (Path(root) / "tests/system" / ("test_%s.py" % name)).exists()]
+        names += sorted(path.stem[len("test_"):] for path in (root / "tests/system").rglob("test_*.py"))
+    return [name for name in dict.fromkeys(names) if test_file(root, "system", name)]

@@ -3,7 +3,7 @@
 import collections
 import xml.etree.ElementTree as ElementTree
 
-from lab.private_machine import REPOSITORY
+from lab.machine.private_machine import REPOSITORY
 
 DAEMON, SETUP = "com.norvix.Daemon", "com.norvix.Setup1"
 

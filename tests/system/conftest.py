@@ -15,7 +15,7 @@ os.environ.update(TZ="UTC", LC_ALL="C.UTF-8")
 time.tzset()
 os.umask(0o022)
 
-from lab.private_machine import PrivateMachine  # noqa: E402
+from lab.machine.private_machine import PrivateMachine  # noqa: E402
 
 machines = pytest.StashKey()
 

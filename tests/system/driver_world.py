@@ -8,7 +8,7 @@ from pathlib import Path
 
 import pytest
 
-from lab.private_machine import REPOSITORY
+from lab.machine.private_machine import REPOSITORY
 from lab.waiting import PATIENCE, read_text, wait_until
 
 RELEASE = os.uname().release

@@ -4,10 +4,10 @@ import os
 
 import pytest
 
-from lab import hal_companion
-from lab.bus_client import BusError
-from lab.hal_companion import HalCompanion, manager, news
-from lab.simulated_usb import SimulatedUsb
+from lab.machine import companion
+from lab.machine.bus_client import BusError
+from lab.machine.companion import HalCompanion, manager, news
+from lab.machine.simulated_usb import SimulatedUsb
 
 HUB = "usb_device_1d6b_2_0000_00_1d_7"
 # With the kernel's events the first one makes it look at everything at once: what came and went
@@ -20,8 +20,8 @@ ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist insi
 @pytest.fixture
 def place(machine):
     """A machine with a bus, ready for the companion."""
-    hal_companion.prepare(machine)
-    machine.start_bus(policies=[hal_companion.POLICY])
+    companion.prepare(machine)
+    machine.start_bus(policies=[companion.POLICY])
     return machine
 
 

@@ -7,7 +7,7 @@ import re
 import sys
 from pathlib import Path
 
-from lab.private_machine import ADDRESS_SANITIZER, REPOSITORY, SANITIZER_OPTIONS
+from lab.machine.private_machine import ADDRESS_SANITIZER, REPOSITORY, SANITIZER_OPTIONS
 
 GOLDEN = REPOSITORY / "tests/data/norvixctl"
 SCHEMA = REPOSITORY / "docs/norvixctl.schema.json"

@@ -1,8 +1,8 @@
 # Tests of the units of hal/, which share nothing with the daemon.
 
-# norvix_hal_test(name): hal_<name>_test.cpp.
+# norvix_hal_test(name): hal/hal_<name>_test.cpp.
 function(norvix_hal_test name)
-  norvix_unit_test(hal_${name} hal_${name}_test.cpp hal_test.h)
+  norvix_unit_test(hal_${name} hal/hal_${name}_test.cpp hal/hal_test.h)
   target_link_libraries(unit-hal_${name} PRIVATE norvix-hal-core)
 endfunction()
 

@@ -7,7 +7,7 @@ the status in byte 1. Cells are on endpoint 2.
 
 import struct
 
-from ...modem_families import FAMILIES
+from ...machine.modem_families import FAMILIES
 from . import cells
 from .descriptors import Description, Endpoint, Interface
 from .device import UsbDevice

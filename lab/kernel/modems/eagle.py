@@ -10,7 +10,7 @@ import struct
 import threading
 import time
 
-from ...modem_families import FAMILIES
+from ...machine.modem_families import FAMILIES
 from . import cells
 from .descriptors import INTERRUPT, Description, Endpoint, Interface
 from .device import UsbDevice

@@ -7,7 +7,7 @@ are on endpoint 7 without padding, the firmware goes through endpoint 5 in two p
 
 import struct
 
-from ...modem_families import FAMILIES
+from ...machine.modem_families import FAMILIES
 from . import cells
 from .descriptors import INTERRUPT, Description, Endpoint, Interface
 from .device import UsbDevice
