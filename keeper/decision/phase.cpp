@@ -54,4 +54,13 @@ QString phaseOf(const State &state)
     return QString::fromLatin1(wordOf(state));
 }
 
+std::optional<qint64> plannedAttempt(const State &state, qint64 now)
+{
+    const bool isHeldUp = state.isBuilding || state.restartUntil || state.asleepUntil
+        || state.modem == Modem::Gone || state.pause == Pause::Settings;
+    const bool isPlanned = state.memory.keep && isWanted(state) && state.isDaemonThere
+        && !state.isInSession && state.task == Task::None && !isHeldUp && state.nextAttempt > now;
+    return isPlanned ? std::optional<qint64>(state.nextAttempt) : std::nullopt;
+}
+
 } // namespace keeper

@@ -88,6 +88,7 @@ void Step::beginSession(qint64 upSince, bool wasAskedAgain)
     }
     s.isUnwanted = m_now.ms < s.disownedUntil && !wasAskedAgain;
     s.isInSession = true;
+    s.modem = Modem::There; // without HAL the daemon sees none
     s.upSince = upSince;
     s.memory.lastUpWall = m_now.wall;
     s.expectedLoss.reset();

@@ -8,3 +8,5 @@ endfunction()
 
 norvix_keeper_test(decision norvix-keeper-decision)
 norvix_keeper_test(random norvix-keeper-decision)
+norvix_keeper_test(history norvix-keeper-core)
+norvix_keeper_test(facts norvix-keeper-core)
