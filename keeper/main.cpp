@@ -79,12 +79,13 @@ int main(int argc, char **argv)
     }
     keeper::Keeper keeper(bus, stateFolder(), readSettings());
     new keeper::BusFace(&keeper, bus);
+    // It listens before anybody sees that it is there.
+    if (!keeper.start()) {
+        return failed("the kernel tells of no interfaces", QString::fromLocal8Bit(strerror(errno)));
+    }
     if (!bus.registerObject(QStringLiteral("/com/norvix/Keeper"), &keeper)
         || !bus.registerService(QStringLiteral("com.norvix.Keeper"))) {
         return failed("the bus refuses the name com.norvix.Keeper", bus.lastError().message());
-    }
-    if (!keeper.start()) {
-        return failed("the kernel tells of no interfaces", QString::fromLocal8Bit(strerror(errno)));
     }
     // Without the bus there is nothing to do; the service manager starts us again with it.
     bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),

@@ -1,11 +1,14 @@
 # SPDX-License-Identifier: MIT
 """norvix-keeper in a private machine, and what one asks it over the bus."""
+import array
 import os
+import select
+import socket
 from pathlib import Path
 
 from jeepney import DBusAddress, HeaderFields, MessageType, new_method_return, new_signal
 
-from .bus_client import BusError, Client
+from .bus_client import Client
 from .furnishing import NORVIX_GROUP
 from .waiting import PATIENCE, wait_until
 
@@ -107,8 +110,7 @@ class Keeper:
 
 
 class FakeLogind(Client):
-    """Owns the name of the log-in service; its policy is POLICY. held tells whether a program holds up
-    sleep."""
+    """Owns the name of the log-in service; its policy is POLICY."""
 
     NAME, PATH = "org.freedesktop.login1", "/org/freedesktop/login1"
     MANAGER = "org.freedesktop.login1.Manager"
@@ -119,7 +121,7 @@ class FakeLogind(Client):
 """
 
     def __init__(self, sock, uid):
-        self.asked = 0
+        self._ends = []  # a reading end for each that was handed out
         super().__init__(sock, uid)
 
     @classmethod
@@ -128,17 +130,43 @@ class FakeLogind(Client):
         assert service.call_bus("RequestName", "su", cls.NAME, 4) == 1
         return service
 
+    def _authenticate(self, uid):
+        """Like any client, and asks that descriptors may be passed."""
+        super()._authenticate(uid, b"NEGOTIATE_UNIX_FD\r\n")
+
     def _take(self, message, now):
         if message.header.message_type is not MessageType.method_call:
             super()._take(message, now)
         elif message.header.fields[HeaderFields.member] == "Inhibit":
-            self.asked += 1
+            self._hand_out(message)
+
+    def _hand_out(self, message):
+        mine, theirs = os.pipe()
+        self._ends.append(mine)
+        reply = new_method_return(message, "h", (theirs,))
+        with self._changed:
+            self._serial += 1
+            passed = array.array("i")
+            data = reply.serialise(serial=self._serial, fds=passed)
+            socket.send_fds(self._socket, [data], list(passed))
+        os.close(theirs)
+
+    @property
+    def asked(self):
+        """How often somebody wanted to hold up sleep."""
+        return len(self._ends)
+
+    @property
+    def is_held(self):
+        """Whether somebody holds up sleep."""
+        poll = select.poll()
+        for end in self._ends:
+            poll.register(end, select.POLLIN)
+        let_go = {end for end, event in poll.poll(0) if event & select.POLLHUP}
+        return len(let_go) < len(self._ends)
 
     def announce_sleep(self, is_coming, times=2):
         """Some services tell everything twice."""
         emitter = DBusAddress(self.PATH, interface=self.MANAGER)
         for _ in range(times):
             self.send(new_signal(emitter, "PrepareForSleep", "b", (is_coming,)))
-
-
-__all__ = ["BusError", "FakeLogind", "Keeper", "new_method_return"]

@@ -19,6 +19,7 @@ struct DaemonAppeared
     bool connectsAtBoot = false;
     bool isModemPlugged = false;
     bool isBuilding = false;
+    bool isConnecting = false; ///< an attempt was running before anybody listened
 };
 struct DaemonGone
 {

@@ -18,6 +18,9 @@ void Step::take(const event::DaemonAppeared &daemon)
         s.memory.isWanted = daemon.connectsAtBoot;
     }
     trySoon();
+    if (daemon.isConnecting) {
+        take(event::AttemptBegan());
+    }
 }
 
 void Step::take(const event::DaemonGone &)

@@ -100,6 +100,9 @@ void DaemonClient::greet()
         [daemon](const QVariant &value) { daemon->connectsAtBoot = value.toBool(); });
     call(
         "getIsCompiling", [daemon](const QVariant &value) { daemon->isBuilding = value.toBool(); });
+    call("getConnectionState", [daemon](const QVariant &value) {
+        daemon->isConnecting = value.isValid() && value.toInt() == 1;
+    });
     // Answers come in the order of the calls: this is the last.
     call("getIsModemPlugged", [this, daemon](const QVariant &value) {
         daemon->isModemPlugged = value.toBool();

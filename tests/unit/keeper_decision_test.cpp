@@ -19,7 +19,7 @@ private slots:
     void nothingIsTriedThatNobodyAskedFor()
     {
         Story story;
-        story.tell(event::DaemonAppeared{true, true, false});
+        story.tell(event::DaemonAppeared{true, true, false, false});
         story.tell(event::LinkSeen{});
         story.wait(86'400'000);
         QCOMPARE(story.actions.size(), 0);
@@ -30,7 +30,7 @@ private slots:
     void aLinkFoundUpIsWanted()
     {
         Story story;
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         story.tell(event::LinkSeen{Link::Up});
         QCOMPARE(story.phase(), QStringLiteral("connected"));
         story.tell(event::LinkSeen{Link::Gone});
@@ -40,12 +40,23 @@ private slots:
     void whatSomebodyAskedForIsWanted()
     {
         Story story;
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         story.tell(event::LinkSeen{});
         story.tell(event::AttemptBegan());
         story.tell(event::AttemptEnded{2, Cause::NoConcentrator});
         QVERIFY(isWanted(story.state));
         QCOMPARE(story.untilQuestion(), 5000);
+    }
+
+    void anAttemptThatRanBeforeAnybodyListenedIsWanted()
+    {
+        Story story;
+        story.tell(event::LinkSeen{});
+        story.tell(event::DaemonAppeared{false, true, false, true});
+        QVERIFY(!story.did(Kind::AskDaemon));
+        story.tell(event::AttemptEnded{2, Cause::NoConcentrator});
+        QVERIFY(isWanted(story.state));
+        QCOMPARE(story.untilQuestion(), 5'000);
     }
 
     void aLinkEndedOverTheBusDoesNotComeBack()
@@ -125,7 +136,7 @@ private slots:
         Memory memory;
         memory.isWanted = true;
         Story story(memory, true, true);
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         story.tell(event::LinkSeen{});
         QCOMPARE(story.actions.size(), 0);
     }
@@ -140,7 +151,7 @@ private slots:
         story.wait(60'000);
         QVERIFY(!story.did(Kind::AskDaemon));
         QCOMPARE(story.phase(), QStringLiteral("waiting-for-daemon"));
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         QVERIFY(story.did(Kind::AskDaemon));
     }
 
@@ -159,7 +170,7 @@ private slots:
         Story story(memory, false);
         QVERIFY(!isWanted(story.state));
         story.tell(event::LinkSeen{});
-        story.tell(event::DaemonAppeared{connectsAtBoot, true, false});
+        story.tell(event::DaemonAppeared{connectsAtBoot, true, false, false});
         QCOMPARE(story.did(Kind::AskDaemon), connectsAtBoot);
         QCOMPARE(story.state.memory.isWanted.value(), connectsAtBoot);
     }

@@ -18,7 +18,7 @@ public:
     explicit World(unsigned seed)
         : m_random(seed)
     {
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         look();
     }
 
@@ -299,7 +299,7 @@ private:
             story.tell(event::DaemonGone());
             isAttempting = false;
         } else {
-            story.tell(event::DaemonAppeared{false, isPlugged, false});
+            story.tell(event::DaemonAppeared{false, isPlugged, false, false});
         }
         isDaemonThere = !isDaemonThere;
     }
@@ -378,8 +378,8 @@ private:
     {
         const auto flip = [&random] { return random() % 2 == 0; };
         const auto cause = [&random] { return Cause(random() % 27); };
-        const QVector<Event> all{event::DaemonAppeared{flip(), flip(), flip()}, event::DaemonGone{},
-            event::LinkSeen{Link(random() % 3), flip(), cause(), flip()},
+        const QVector<Event> all{event::DaemonAppeared{flip(), flip(), flip(), flip()},
+            event::DaemonGone{}, event::LinkSeen{Link(random() % 3), flip(), cause(), flip()},
             event::LineSeen{flip(), flip()}, event::AttemptBegan{}, event::LineAwaited{},
             event::AttemptTold{cause()}, event::AttemptEnded{int(random() % 3), cause()},
             event::Terminated{}, event::ModemPlugged{}, event::ModemUnplugged{},

@@ -24,7 +24,7 @@ public:
         Memory memory;
         memory.isWanted = true;
         Story story(memory);
-        story.tell(event::DaemonAppeared{false, true, false});
+        story.tell(event::DaemonAppeared{false, true, false, false});
         story.tell(event::LinkSeen{});
         return story;
     }
