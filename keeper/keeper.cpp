@@ -55,6 +55,7 @@ Keeper::Keeper(const QDBusConnection &bus, const QString &stateFolder, const Pau
     m_pulse.setInterval(pulseMs);
     m_pulse.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_pulse, &QTimer::timeout, this, &Keeper::pulse);
+    checkLimit();
     announce();
 }
 
@@ -84,9 +85,7 @@ void Keeper::busLost()
 
 void Keeper::handle(const Event &event)
 {
-    if (std::holds_alternative<event::AttemptBegan>(event)) {
-        m_attemptMark = m_log.end();
-    } else if (std::holds_alternative<event::Terminated>(event)) {
+    if (std::holds_alternative<event::Terminated>(event)) {
         m_disconnectMark = m_log.end();
         m_stored.heardUntil = momentNow().wall + 1; // its line in the log tells the second only
     } else if (std::holds_alternative<event::DaemonAppeared>(event)) {
@@ -94,7 +93,7 @@ void Keeper::handle(const Event &event)
         m_disconnectMark = 0;
     }
     const Moment now = momentNow();
-    const Decision decision = decide(std::move(m_state), event, now);
+    const Decision decision = decide(m_state, event, now);
     m_state = decision.state;
     for (const Action &action : decision.actions) {
         carryOut(action);
@@ -115,7 +114,6 @@ void Keeper::carryOut(const Action &action)
         m_daemon.askState();
         break;
     case Action::Kind::Connect:
-        m_attemptMark = m_log.end();
         m_daemon.connectLink();
         break;
     case Action::Kind::EndLink:
@@ -153,7 +151,9 @@ void Keeper::carryOut(const Action &action)
 
 void Keeper::attemptEnded(int connectionState)
 {
-    handle(event::AttemptEnded{connectionState, causeInLog(m_log.since(m_attemptMark))});
+    const Cause cause = causeInLog(m_log.since(m_attemptMark));
+    m_attemptMark = m_log.end();
+    handle(event::AttemptEnded{connectionState, cause});
 }
 
 // ---- looking
@@ -265,7 +265,8 @@ void Keeper::beginSession()
             m_history.beginSession(momentNow().wall, m_session, link.name, addressText(link));
         }
     }
-    m_sessionSince = m_state.upSince;
+    m_countedUntil = momentNow().ms;
+    m_attemptMark = m_log.end();
     m_bridge.clear();
     for (const char *name : {"nas0", "dsl0"}) {
         if (m_bridge.isEmpty() && m_links.table().named(QLatin1String(name))) {
@@ -276,13 +277,13 @@ void Keeper::beginSession()
     m_pulses = 0;
     sampleBridge();
     bookNow();
+    checkLimit();
 }
 
 void Keeper::endSession(Cause cause)
 {
-    const Moment now = momentNow();
     m_history.endSession(
-        now.wall, m_session, (m_state.lostAt - m_sessionSince) / 1000, codeOf(cause));
+        momentNow().wall, m_session, secondsToCount(m_state.lostAt), codeOf(cause));
     m_session = LinkIdentity();
     m_sessionName.clear();
     checkLimit();
@@ -297,7 +298,16 @@ void Keeper::bookNow()
 
 void Keeper::book(const Traffic &counters)
 {
-    m_history.book(momentNow().wall, QDate::currentDate(), m_session, counters);
+    const Moment now = momentNow();
+    m_history.book(now.wall, QDate::currentDate(), m_session, {counters, secondsToCount(now.ms)});
+}
+
+/// The seconds of the session up to @p until (ms since boot) that have not been counted yet.
+qint64 Keeper::secondsToCount(qint64 until)
+{
+    const qint64 seconds = qMax(until - m_countedUntil, qint64(0)) / 1000;
+    m_countedUntil += seconds * 1000;
+    return seconds;
 }
 
 /// Its last counters come with the notice: what went through since the last minute is not lost.

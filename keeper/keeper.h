@@ -67,6 +67,7 @@ private:
     void endSession(Cause cause);
     void bookNow();
     void book(const Traffic &counters);
+    qint64 secondsToCount(qint64 until);
     void interfaceGone(const Interface &interface);
     void sampleBridge();
     std::optional<quint64> bridgeCounter() const;
@@ -96,11 +97,11 @@ private:
     QStringList m_foreign; ///< names of others' links that are up
     LinkIdentity m_session; ///< the link of the running session
     QString m_sessionName;
-    qint64 m_sessionSince = 0; ///< ms since boot
+    qint64 m_countedUntil = 0; ///< ms since boot, of its length
     QString m_bridge; ///< the interface below the link; empty over ATM
     Stillness m_stillness;
 
-    qint64 m_attemptMark = 0; ///< where the log's part of the running attempt begins
+    qint64 m_attemptMark = 0; ///< where the log's part of the next or running attempt begins
     qint64 m_disconnectMark = 0; ///< and what was written after a disconnect
     QByteArray m_settingsStamp;
 

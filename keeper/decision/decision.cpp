@@ -28,9 +28,9 @@ bool isWanted(const State &state)
     return state.memory.isWanted.value_or(false) && !state.isWantedIfAtBoot;
 }
 
-Decision decide(State state, const Event &event, const Moment &now)
+Decision decide(const State &state, const Event &event, const Moment &now)
 {
-    Step step(std::move(state), now);
+    Step step(state, now);
     step.passDeadlines();
     std::visit([&step](const auto &what) { step.take(what); }, event);
     step.act();

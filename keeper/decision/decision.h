@@ -166,7 +166,7 @@ State initialState(const Memory &memory, bool isSameBoot, bool wasDisconnected,
     const Pauses &pauses, const Moment &now);
 
 /// What follows from an event.
-Decision decide(State state, const Event &event, const Moment &now);
+Decision decide(const State &state, const Event &event, const Moment &now);
 
 /// When decide() wants to be asked again with a Tick, in ms since boot and after @p now; nothing
 /// while only events can change anything.

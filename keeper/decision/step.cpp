@@ -6,8 +6,8 @@
 
 namespace keeper {
 
-Step::Step(State state, const Moment &now)
-    : s(std::move(state))
+Step::Step(const State &state, const Moment &now)
+    : s(state)
     , m_now(now)
 {
 }

@@ -10,7 +10,7 @@ namespace keeper {
 class Step
 {
 public:
-    Step(State state, const Moment &now);
+    Step(const State &state, const Moment &now);
 
     /// What time alone has decided.
     void passDeadlines();

@@ -205,19 +205,23 @@ void History::beginSession(
         if (!same) {
             return false;
         }
-        return !same->isEmpty()
-            || (database.run("UPDATE session SET ended = seen, reason = 'unknown'"
-                             " WHERE ended IS NULL")
-                && database.run("DELETE FROM counter WHERE boot <> ?", {link.boot})
-                && database.run(
-                    "INSERT INTO session (began, seen, interface, address, boot, number)"
-                    " VALUES (?, ?, ?, ?, ?, ?)",
-                    {now, now, interface, address, link.boot, link.number}));
+        if (!same->isEmpty()) { // it has lasted while nobody looked
+            return database.run("UPDATE session SET seconds = seconds + max(0, ? - seen), seen = ?"
+                                " WHERE id = ?",
+                {now, now, same->first().value(QStringLiteral("id"))});
+        }
+        return database.run("UPDATE session SET ended = seen, reason = 'unknown'"
+                            " WHERE ended IS NULL")
+            && database.run("DELETE FROM counter WHERE boot <> ?", {link.boot})
+            && database.run("INSERT INTO session (began, seen, interface, address, boot, number)"
+                            " VALUES (?, ?, ?, ?, ?, ?)",
+                {now, now, interface, address, link.boot, link.number});
     });
 }
 
-void History::book(qint64 now, const QDate &day, const LinkIdentity &link, const Traffic &counters)
+void History::book(qint64 now, const QDate &day, const LinkIdentity &link, const Reading &reading)
 {
+    const Traffic &counters = reading.counters;
     change([&](Database &database) {
         const std::optional<Rows> last
             = database.rows("SELECT received, sent FROM counter WHERE boot = ? AND number = ?",
@@ -233,10 +237,10 @@ void History::book(qint64 now, const QDate &day, const LinkIdentity &link, const
             && database.run("INSERT INTO traffic VALUES (?, ?, ?) ON CONFLICT (day) DO UPDATE SET"
                             " received = received + excluded.received, sent = sent + excluded.sent",
                 {day.toString(Qt::ISODate), fresh.received, fresh.sent})
-            && database.run("UPDATE session SET seen = ?, seconds = max(seconds, ? - began),"
+            && database.run("UPDATE session SET seen = ?, seconds = seconds + ?,"
                             " received = received + ?, sent = sent + ?"
                             " WHERE ended IS NULL AND boot = ? AND number = ?",
-                {now, now, fresh.received, fresh.sent, link.boot, link.number});
+                {now, reading.seconds, fresh.received, fresh.sent, link.boot, link.number});
     });
 }
 
@@ -244,8 +248,9 @@ void History::endSession(
     qint64 now, const LinkIdentity &link, qint64 seconds, const QString &reason)
 {
     change([&](Database &database) {
-        return database.run("UPDATE session SET ended = ?, seen = ?, seconds = ?, reason = ?"
-                            " WHERE ended IS NULL AND boot = ? AND number = ?",
+        return database.run(
+            "UPDATE session SET ended = ?, seen = ?, seconds = seconds + ?, reason = ?"
+            " WHERE ended IS NULL AND boot = ? AND number = ?",
             {now, now, seconds, reason, link.boot, link.number});
     });
     settle();

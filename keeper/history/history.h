@@ -23,6 +23,13 @@ struct LinkIdentity
     }
 };
 
+/// How a running session stands.
+struct Reading
+{
+    Traffic counters;
+    qint64 seconds = 0; ///< that it has lasted since the last reading
+};
+
 /// Main thread only. Times are seconds since 1970. Nothing here fails for its caller: what cannot
 /// be written is lost, and said once.
 class History
@@ -39,10 +46,10 @@ public:
     /// ended.
     void beginSession(
         qint64 now, const LinkIdentity &link, const QString &interface, const QString &address);
-    /// The counters of the running session. @p day: the calendar day on which their growth is
+    /// A reading of the running session. @p day: the calendar day on which the counters' growth is
     /// booked.
-    void book(qint64 now, const QDate &day, const LinkIdentity &link, const Traffic &counters);
-    /// The running session is over after @p seconds. Its last counters should have been booked.
+    void book(qint64 now, const QDate &day, const LinkIdentity &link, const Reading &reading);
+    /// The running session is over, @p seconds after its last reading.
     void endSession(qint64 now, const LinkIdentity &link, qint64 seconds, const QString &reason);
 
     /// A failed attempt; equal ones in a row are one entry with a count.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Writes a fixed history and tells of each entry once it is there, so that a test can kill it anywhere.
+// Writes a fixed history and tells of each entry once it is there, so that a test can kill it
+// anywhere.
 #include "keeper/history/history.h"
 
 #include <QByteArray>
@@ -25,10 +26,10 @@ int main(int argc, char **argv)
         keeper::LineQuality line;
         line.carrier = true;
         history.noteLine(start + minute * 60, line);
-        history.book(start + minute * 60, day, link, {quint64(minute) * 1000, 0});
+        history.book(start + minute * 60, day, link, {{quint64(minute) * 1000, 0}, 60});
         isTold = tell("booked", minute) && isTold;
     }
-    history.endSession(start + 300, link, 300, QStringLiteral("hung-up"));
+    history.endSession(start + 300, link, 60, QStringLiteral("hung-up"));
     isTold = tell("ended", 1) && isTold;
     for (int attempt = 1; attempt <= 2; ++attempt) {
         history.noteAttempt(start + 300 + attempt, QString::number(attempt));

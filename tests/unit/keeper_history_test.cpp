@@ -124,9 +124,9 @@ private slots:
     {
         History history(path());
         begin(history);
-        history.book(morning + 60, today, firstLink, {1000, 100});
-        history.book(morning + 120, today, firstLink, {5000, 200});
-        history.endSession(morning + 130, firstLink, 130, QStringLiteral("hung-up"));
+        history.book(morning + 60, today, firstLink, {{1000, 100}, 60});
+        history.book(morning + 120, today, firstLink, {{5000, 200}, 60});
+        history.endSession(morning + 130, firstLink, 10, QStringLiteral("hung-up"));
         const Rows sessions = history.sessions(10);
         QCOMPARE(sessions.size(), 1);
         QCOMPARE(field(sessions, "received").toInt(), 5000);
@@ -141,12 +141,13 @@ private slots:
         {
             History history(path());
             begin(history);
-            history.book(morning + 60, today, firstLink, {1000, 100});
+            history.book(morning + 60, today, firstLink, {{1000, 100}, 60});
         }
         History history(path());
         begin(history, firstLink, morning + 70);
-        history.book(morning + 120, today, firstLink, {1500, 100});
+        history.book(morning + 120, today, firstLink, {{1500, 100}, 60});
         QCOMPARE(history.sessions(10).size(), 1);
+        QCOMPARE(field(history.sessions(10), "seconds").toInt(), 60 + 10 + 60);
         QCOMPARE(field(history.days(10), "received").toInt(), 1500);
         QCOMPARE(field(history.sessions(10), "received").toInt(), 1500);
     }
@@ -155,9 +156,9 @@ private slots:
     {
         History history(path());
         begin(history);
-        history.book(morning + 60, today, firstLink, {1000, 100});
+        history.book(morning + 60, today, firstLink, {{1000, 100}, 60});
         begin(history, secondLink, morning + 300); // nobody saw the first one's end
-        history.book(morning + 360, today, secondLink, {50, 5});
+        history.book(morning + 360, today, secondLink, {{50, 5}, 60});
         const Rows sessions = history.sessions(10);
         QCOMPARE(sessions.size(), 2);
         QCOMPARE(field(sessions, "reason", 1).toString(), QStringLiteral("unknown"));
@@ -169,10 +170,10 @@ private slots:
     {
         History history(path());
         begin(history);
-        history.book(morning + 60, today, firstLink, {1000, 100});
+        history.book(morning + 60, today, firstLink, {{1000, 100}, 60});
         const LinkIdentity later{QStringLiteral("boot-2"), 7};
         begin(history, later, morning + 600);
-        history.book(morning + 660, today, later, {1200, 100});
+        history.book(morning + 660, today, later, {{1200, 100}, 60});
         QCOMPARE(field(history.days(10), "received").toInt(), 2200);
     }
 
@@ -180,12 +181,12 @@ private slots:
     {
         History history(path());
         begin(history);
-        history.book(morning + 60, today, firstLink, {1000, 100});
+        history.book(morning + 60, today, firstLink, {{1000, 100}, 60});
         const qint64 back = morning - qint64(365) * 86400;
-        history.book(back, today.addYears(-1), firstLink, {1700, 100});
+        history.book(back, today.addYears(-1), firstLink, {{1700, 100}, 60});
         history.noteLine(back, LineQuality());
         history.noteAttempt(back, QStringLiteral("no-concentrator"));
-        history.endSession(back + 10, firstLink, 190, QStringLiteral("user"));
+        history.endSession(back + 10, firstLink, 70, QStringLiteral("user"));
         QCOMPARE(history.trafficBetween(today.addYears(-2), today).received, quint64(1700));
         QCOMPARE(field(history.sessions(10), "seconds").toInt(), 190);
         QCOMPARE(history.condition(), QStringLiteral("ok"));
