@@ -76,7 +76,7 @@ bool Step::mayRequest() const
     const bool isLinkAway
         = s.link == Link::Gone || (s.link == Link::Bare && m_now.ms >= s.bareSince + bareLinkMs);
     return s.memory.keep && isWanted(s) && s.isDaemonThere && isIdle && !isHeldUp && s.isLinkKnown
-        && isLinkAway && !s.isInSession && !s.isLossUntold;
+        && isLinkAway && !s.isInSession;
 }
 
 // ---- sessions

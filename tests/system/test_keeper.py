@@ -201,6 +201,21 @@ def test_a_refused_account_is_tried_seldom_and_at_once_when_it_changes(world):
     assert world.attempts() == attempts + 1
 
 
+def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(machine, tmp_path):
+    """Three attempts of 35 s each find none, although the modem is there."""
+    world = World(machine, tmp_path, NO_PAUSES)
+    world.start_keeper()
+    machine.kernel_log.clear()
+    world.client.call("establishConnection")
+    world.client.wait_signal("restartModemFinished", timeout=180)
+    assert [row["count"] for row in world.keeper.rows("GetAttempts")] == [3]
+    assert world.keeper.properties()["Reason"] == "modem-restart"
+    assert "restarting the modem" in world.keeper.process.errors()
+    assert machine.calls("rmmod")[-1].argv == ["speedtch"]
+    machine.kernel_log.line_up(0x06B9)
+    world.keeper.wait_for(State="connected", Wanted=True)
+
+
 def test_a_missing_peer_file_is_waited_for(machine, tmp_path):
     world = World(machine, tmp_path, NO_PAUSES)
     world.start_keeper()

@@ -504,6 +504,19 @@ private slots:
 
     // ---- before a request
 
+    void nothingIsRequestedBeforeAnybodyLooked()
+    {
+        Memory memory;
+        memory.isWanted = true;
+        Story story(memory);
+        story.tell(event::DaemonAppeared{false, true, false, false});
+        story.wait(10'000);
+        QVERIFY(!story.did(Kind::AskDaemon));
+        story.tell(event::LinkSeen{Link::Up});
+        story.wait(10'000);
+        QVERIFY(!story.did(Kind::AskDaemon));
+    }
+
     void nothingIsRequestedWhileTheDaemonConnects()
     {
         Story story = Story::wanted();

@@ -350,6 +350,27 @@ private slots:
         }
     }
 
+    /// All states that differ in what matters to an action, whether they can be reached or not, and
+    /// every event in each of them.
+    void everyEventInEveryStateKeepsTheRules()
+    {
+        const QVector<Event> events = everyEvent();
+        const Moment now{1'000'000, 1'800'000'000, 0.5};
+        qint64 steps = 0;
+        for (const State &state : everyState(now)) {
+            for (const Event &what : events) {
+                const Decision decision = decide(state, what, now);
+                QVERIFY2(areAllowed(decision.actions, state, decision.state, what),
+                    qPrintable(QStringLiteral("step %1").arg(steps)));
+                QCOMPARE(decide(decision.state, event::Tick(), now).actions.size(), 0);
+                const std::optional<qint64> next = nextTick(decision.state, now.ms);
+                QVERIFY(!next || *next > now.ms);
+                ++steps;
+            }
+        }
+        QVERIFY(steps > 1'000'000);
+    }
+
     /// Events that fit no world at all, in any order: no deadline may stay in the past, no question
     /// may be asked twice.
     void nonsenseDoesNotConfuseIt()
@@ -374,6 +395,114 @@ private slots:
     }
 
 private:
+    static QVector<Event> everyEvent()
+    {
+        QVector<Event> events{event::DaemonGone{}, event::AttemptBegan{}, event::LineAwaited{},
+            event::Terminated{}, event::ModemPlugged{}, event::ModemUnplugged{},
+            event::RestartBegan{}, event::RestartEnded{}, event::BuildBegan{}, event::BuildEnded{},
+            event::AccountChanged{}, event::SettingsChanged{}, event::EndAnswered{},
+            event::SleepComing{}, event::Woke{}, event::ConnectAsked{}, event::Tick{},
+            event::LineSeen{true, true}, event::LineSeen{false, std::nullopt},
+            event::DaemonAppeared{true, true, false, false},
+            event::DaemonAppeared{false, true, false, true}, event::DaemonAnswered{},
+            event::RequestAnswered{true}, event::RequestAnswered{false}, event::KeepSet{true},
+            event::KeepSet{false}, event::AttemptTold{Cause::AccountRefused}};
+        for (const Link link : {Link::Gone, Link::Bare, Link::Up}) {
+            events.append(event::LinkSeen{link, false, Cause::HungUp});
+        }
+        for (const int state : {0, 1, 2}) {
+            events.append(event::DaemonAnswered{state, false});
+            events.append(event::AttemptEnded{state, Cause::NoConcentrator});
+        }
+        return events;
+    }
+
+    static QVector<State> everyState(const Moment &now)
+    {
+        QVector<State> states;
+        for (int flags = 0; flags < 512; ++flags) {
+            for (const Task task : {Task::None, Task::Asking, Task::Requested, Task::Running}) {
+                for (const Link link : {Link::Gone, Link::Bare, Link::Up}) {
+                    for (const Pause pause :
+                        {Pause::None, Pause::Unanswered, Pause::Refused, Pause::Settings}) {
+                        for (const Modem modem : {Modem::There, Modem::Gone}) {
+                            State state;
+                            state.memory.keep = (flags & 1) == 0;
+                            state.memory.isWanted = (flags & 2) == 0;
+                            state.isDaemonThere = (flags & 4) == 0;
+                            state.isInSession = (flags & 8) != 0;
+                            state.isUnwanted = state.isInSession && (flags & 16) != 0;
+                            state.isThreadRunning = (flags & 16) != 0;
+                            state.hasForeignLink = (flags & 32) != 0;
+                            if ((flags & 64) != 0) {
+                                state.asleepUntil = now.ms + 100'000;
+                                state.isSleepHeld = true;
+                                state.letSleepAt = now.ms + 500;
+                            }
+                            if ((flags & 128) != 0) {
+                                state.termination = Termination{now.ms - 100, true};
+                            }
+                            state.isBuilding = (flags & 256) != 0;
+                            state.isLinkKnown = true;
+                            state.task = task;
+                            state.taskUntil = now.ms + 3000;
+                            state.link = link;
+                            state.bareSince = now.ms - 500;
+                            state.pause = pause;
+                            state.modem = modem;
+                            state.nextAttempt = pause == Pause::None ? now.ms : now.ms + 7000;
+                            states.append(state);
+                        }
+                    }
+                }
+            }
+        }
+        return states;
+    }
+
+    static bool mayAct(const State &state) { return state.memory.keep && state.isDaemonThere; }
+
+    static bool areAllowed(
+        const QVector<Action> &actions, const State &before, const State &after, const Event &what)
+    {
+        int attempts = 0;
+        for (const Action &action : actions) {
+            switch (action.kind) {
+            case Kind::Connect:
+                if (!std::holds_alternative<event::DaemonAnswered>(what)
+                    || before.task != Task::Asking) {
+                    return false;
+                }
+                [[fallthrough]];
+            case Kind::AskDaemon:
+                ++attempts;
+                if (!mayAct(after) || !isWanted(after) || after.isInSession
+                    || after.link == Link::Up || after.isThreadRunning || after.asleepUntil
+                    || after.isBuilding || after.modem == Modem::Gone
+                    || after.pause == Pause::Settings) {
+                    return false;
+                }
+                break;
+            case Kind::EndLink:
+                if (!mayAct(after) || after.link != Link::Up
+                    || !(after.isUnwanted || (after.asleepUntil && !after.hasForeignLink))) {
+                    return false;
+                }
+                break;
+            case Kind::RestartModem:
+            case Kind::LookAtLinks:
+            case Kind::HoldSleep:
+            case Kind::LetSleep:
+            case Kind::BeginSession:
+            case Kind::EndSession:
+            case Kind::TellLoss:
+            case Kind::NoteAttempt:
+                break;
+            }
+        }
+        return attempts <= 1;
+    }
+
     static Event anything(std::mt19937 &random)
     {
         const auto flip = [&random] { return random() % 2 == 0; };
