@@ -33,25 +33,6 @@ struct Subscription
     const char *slot;
 };
 
-// One by one: a rule for the whole interface would wake us at each of its ticks, four times a
-// second.
-constexpr Subscription subscriptions[] = {
-    {"establishingConnection", SLOT(onEstablishingConnection())},
-    {"connectionState", SLOT(onConnectionState(int))},
-    {"connectionTerminated", SLOT(onConnectionTerminated())},
-    {"synchronizing", SLOT(onSynchronizing())},
-    {"synchronizationFailed", SLOT(onSynchronizationFailed())},
-    {"connectionTimeout", SLOT(onConnectionTimeout())},
-    {"invalidAccountData", SLOT(onInvalidAccountData())},
-    {"accountDataChanged", SLOT(onAccountDataChanged(bool))},
-    {"modemPlugged", SLOT(onModemPlugged())},
-    {"modemUnplugged", SLOT(onModemUnplugged())},
-    {"restartModemStarted", SLOT(onRestartModemStarted())},
-    {"restartModemFinished", SLOT(onRestartModemFinished())},
-    {"compilingDriver", SLOT(onCompilingDriver())},
-    {"compilationFinished", SLOT(onCompilationFinished())},
-};
-
 } // namespace
 
 DaemonClient::DaemonClient(const QDBusConnection &bus, QObject *parent)
@@ -75,6 +56,24 @@ void DaemonClient::start()
 
 void DaemonClient::listen()
 {
+    // One by one: a rule for the whole interface would wake us at each of its ticks, four times a
+    // second.
+    static const Subscription subscriptions[] = {
+        {"establishingConnection", SLOT(onEstablishingConnection())},
+        {"connectionState", SLOT(onConnectionState(int))},
+        {"connectionTerminated", SLOT(onConnectionTerminated())},
+        {"synchronizing", SLOT(onSynchronizing())},
+        {"synchronizationFailed", SLOT(onSynchronizationFailed())},
+        {"connectionTimeout", SLOT(onConnectionTimeout())},
+        {"invalidAccountData", SLOT(onInvalidAccountData())},
+        {"accountDataChanged", SLOT(onAccountDataChanged(bool))},
+        {"modemPlugged", SLOT(onModemPlugged())},
+        {"modemUnplugged", SLOT(onModemUnplugged())},
+        {"restartModemStarted", SLOT(onRestartModemStarted())},
+        {"restartModemFinished", SLOT(onRestartModemFinished())},
+        {"compilingDriver", SLOT(onCompilingDriver())},
+        {"compilationFinished", SLOT(onCompilationFinished())},
+    };
     for (const Subscription &subscription : subscriptions) {
         m_bus.connect(service(), path(), service(), QLatin1String(subscription.signal), this,
             subscription.slot);

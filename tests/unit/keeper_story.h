@@ -128,9 +128,9 @@ public:
     State state;
 
 private:
-    void take(Decision decision)
+    void take(const Decision &decision)
     {
-        state = std::move(decision.state);
+        state = decision.state;
         actions += decision.actions;
     }
 
