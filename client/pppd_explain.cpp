@@ -10,7 +10,7 @@ namespace {
 struct Row
 {
     const char *phrase;
-    bool isGood;
+    PppdCause cause;
     const char *meaning;
     RemedyKind remedy;
 };
@@ -19,54 +19,54 @@ struct Row
 const std::vector<Row> &rows()
 {
     static const std::vector<Row> table = {
-        {"Can't open options file", false,
+        {"Can't open options file", PppdCause::NoPeerFile,
             QT_TRANSLATE_NOOP("Say", "pppd did not find the peer file."), RemedyKind::CreatePeer},
-        {"unrecognized option 'nic-", false,
+        {"unrecognized option 'nic-", PppdCause::NoBridge,
             QT_TRANSLATE_NOOP("Say", "The bridge interface did not exist when pppd started."),
             RemedyKind::CheckLineAndBridge},
-        {"unrecognized option", false,
+        {"unrecognized option", PppdCause::BadOption,
             QT_TRANSLATE_NOOP("Say", "pppd does not know an option that it was given."),
             RemedyKind::CorrectOptions},
-        {"Timeout waiting for PADO packets", false,
+        {"Timeout waiting for PADO packets", PppdCause::NoConcentrator,
             QT_TRANSLATE_NOOP("Say", "No concentrator of the provider answered."),
             RemedyKind::CheckLine},
-        {"Unable to complete PPPoE Discovery", false,
+        {"Unable to complete PPPoE Discovery", PppdCause::NoConcentrator,
             QT_TRANSLATE_NOOP("Say", "No concentrator of the provider answered."),
             RemedyKind::CheckLine},
-        {"No such device", false,
+        {"No such device", PppdCause::NoDevice,
             QT_TRANSLATE_NOOP("Say",
                 "There is no ATM device: the modem or its driver is "
                 "missing."),
             RemedyKind::CheckModem},
-        {"Failed to authenticate ourselves to peer", false,
+        {"Failed to authenticate ourselves to peer", PppdCause::Refused,
             QT_TRANSLATE_NOOP("Say", "The provider refused login or password."),
             RemedyKind::SetAccountAgain},
-        {"authentication failed", false,
+        {"authentication failed", PppdCause::Refused,
             QT_TRANSLATE_NOOP("Say", "The provider refused login or password."),
             RemedyKind::SetAccountAgain},
-        {"peer refused to authenticate: terminating link", false,
+        {"peer refused to authenticate: terminating link", PppdCause::MustAuthenticate,
             QT_TRANSLATE_NOOP("Say", "pppd demanded that the provider authenticates itself."),
             RemedyKind::AddNoauth},
-        {"LCP terminated by peer (peer refused to authenticate)", false,
+        {"LCP terminated by peer (peer refused to authenticate)", PppdCause::NoPassword,
             QT_TRANSLATE_NOOP("Say",
                 "No password is stored for the login that the peer file "
                 "names."),
             RemedyKind::SetAccount},
-        {"LCP: timeout sending Config-Requests", false,
+        {"LCP: timeout sending Config-Requests", PppdCause::NoNegotiation,
             QT_TRANSLATE_NOOP("Say", "The far end did not answer the PPP negotiation."),
             RemedyKind::CheckLine},
-        {"No response to", false,
+        {"No response to", PppdCause::Silent,
             QT_TRANSLATE_NOOP("Say", "The far end stopped answering: the line was lost."),
             RemedyKind::ConnectLater},
-        {"LCP terminated by peer", false,
+        {"LCP terminated by peer", PppdCause::PeerTerminated,
             QT_TRANSLATE_NOOP("Say", "The provider ended the connection."), RemedyKind::Connect},
-        {"Modem hangup", false, QT_TRANSLATE_NOOP("Say", "The link was hung up."),
+        {"Modem hangup", PppdCause::HungUp, QT_TRANSLATE_NOOP("Say", "The link was hung up."),
             RemedyKind::Connect},
-        {"Terminating on signal", false, QT_TRANSLATE_NOOP("Say", "pppd was told to end."),
+        {"Terminating on signal", PppdCause::Ended, QT_TRANSLATE_NOOP("Say", "pppd was told to end."),
             RemedyKind::None},
-        {"Connection terminated", false, QT_TRANSLATE_NOOP("Say", "The connection ended."),
+        {"Connection terminated", PppdCause::Ended, QT_TRANSLATE_NOOP("Say", "The connection ended."),
             RemedyKind::Connect},
-        {"local  IP address", true, QT_TRANSLATE_NOOP("Say", "The link came up."),
+        {"local  IP address", PppdCause::Up, QT_TRANSLATE_NOOP("Say", "The link came up."),
             RemedyKind::None},
     };
     return table;
@@ -105,7 +105,8 @@ PppdVerdict explainPppd(const QStringList &lines)
                 continue;
             }
             PppdVerdict verdict;
-            verdict.isGood = row.isGood;
+            verdict.cause = row.cause;
+            verdict.isGood = row.cause == PppdCause::Up;
             verdict.line = line;
             verdict.meaning = Say::tr(row.meaning);
             verdict.remedy.kind = row.remedy;

@@ -45,16 +45,19 @@ class Client:
         self.unique_name = self.call_bus("Hello")
         self.call_bus("AddMatch", "s", "type='signal'")
 
-    def _authenticate(self, uid):
-        self._socket.sendall(b"\0AUTH EXTERNAL " + str(uid).encode().hex().encode() + b"\r\n")
-        answer = b""
-        while not answer.endswith(b"\r\n"):
-            data = self._socket.recv(4096)
-            if not data:
-                break
-            answer += data
-        if not answer.startswith(b"OK "):
-            raise BusError("refused by the bus", answer.decode(errors="replace"))
+    def _authenticate(self, uid, *wishes):
+        """wishes are further lines, each of which the bus has to agree to."""
+        user = str(uid).encode().hex().encode()
+        for line in (b"\0AUTH EXTERNAL " + user + b"\r\n",) + wishes:
+            self._socket.sendall(line)
+            answer = b""
+            while not answer.endswith(b"\r\n"):
+                data = self._socket.recv(4096)
+                if not data:
+                    break
+                answer += data
+            if not answer.startswith((b"OK ", b"AGREE_")):
+                raise BusError("refused by the bus", answer.decode(errors="replace"))
         self._socket.sendall(b"BEGIN\r\n")
 
     def _read(self):

@@ -6,7 +6,7 @@ import subprocess
 import pytest
 from conftest import REPOSITORY, USER
 
-OURS = ("norvix-daemon", "norvix-hald", "norvixctl", "libnorvix-support")
+OURS = ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl", "libnorvix-support")
 PLACES = ("/opt", "/etc/ppp", "/etc/dbus-1", "/etc/logrotate.d", "/var/log/norvix",
           "/usr/share/dbus-1", "/usr/share/norvix", "/usr/lib/sysusers.d", "/usr/lib/tmpfiles.d",
           "/usr/lib/modules-load.d", "/etc/systemd/system", "/usr/bin/norvixctl")
@@ -72,11 +72,11 @@ def test_what_is_installed_has_the_owners_and_modes_it_needs(from_clone):
 
 
 def test_units_start_at_boot_and_are_sound(from_clone):
-    for name in ("norvix-daemon", "norvix-hald"):
+    for name in ("norvix-daemon", "norvix-hald", "norvix-keeper"):
         assert from_clone.run("systemctl", "is-enabled", name + ".service").output == "enabled\n"
         said = from_clone.run("systemd-analyze", "verify", name + ".service").output
         assert name not in said, said
-    for name, most in (("norvix-daemon", 6.5), ("norvix-hald", 1.5)):
+    for name, most in (("norvix-daemon", 6.5), ("norvix-hald", 1.5), ("norvix-keeper", 1.5)):
         said = from_clone.run("systemd-analyze", "security", "--offline=true", "--no-pager",
                               name + ".service").output
         assert float(re.search(r"exposure level.*: ([0-9.]+)", said)[1]) <= most
@@ -84,7 +84,8 @@ def test_units_start_at_boot_and_are_sound(from_clone):
 
 def test_manual_pages_and_completion_are_found(from_clone):
     for page in ("norvixctl", "norvix-daemon", "norvix-hald", "norvix-daemon.ini",
-                 "com.norvix.Daemon", "com.norvix.Setup1"):
+                 "com.norvix.Daemon", "com.norvix.Setup1", "norvix-keeper", "norvix-keeper.conf",
+                 "com.norvix.Keeper1"):
         assert "NAME" in from_clone.run("man", page).output
     assert from_clone.path("/usr/share/bash-completion/completions/norvixctl").exists()
 
@@ -128,7 +129,7 @@ def test_a_purge_takes_everything_back(system, give):
     assert "left" not in told
     names = {line.split(":")[0] for name in ("/etc/group", "/etc/passwd")
              for line in system.path(name).read_text(encoding="ascii").splitlines()}
-    assert not names & {"norvix", "norvix-hal"}
+    assert not names & {"norvix", "norvix-hal", "norvix-keeper"}
     apt(system, "autoremove", "--purge")
     after = system.files("/", without=BOOKS)
     assert {path for path in after if path not in before and "norvix" in path} == set()
@@ -159,7 +160,11 @@ def test_removal_by_the_clone_says_what_it_leaves(system, give):
 def test_removal_without_purge_keeps_the_configuration(system, give):
     install(system, give)
     system.path(SETTINGS).write_text("[General]\nvpi=8\n", encoding="ascii")
+    history = system.path("/var/lib/norvix-keeper/history.sqlite")
+    history.parent.mkdir(exist_ok=True)
+    history.touch()
     apt(system, "remove", *OURS)
+    assert history.exists()
     assert system.path(SETTINGS).read_text(encoding="ascii") == "[General]\nvpi=8\n"
     assert system.path(PAP).read_text(encoding="ascii").startswith('"login"')
     install(system, give)

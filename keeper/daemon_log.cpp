@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "keeper/daemon_log.h"
+
+#include "client/pppd_explain.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace keeper {
+
+namespace {
+
+constexpr qint64 mostBytes = 1 << 20;
+
+Cause causeOf(PppdCause cause)
+{
+    switch (cause) {
+    case PppdCause::NoPeerFile:
+        return Cause::PeerFileMissing;
+    case PppdCause::NoBridge:
+        return Cause::BridgeMissing;
+    case PppdCause::BadOption:
+        return Cause::BadOption;
+    case PppdCause::NoConcentrator:
+        return Cause::NoConcentrator;
+    case PppdCause::NoDevice:
+        return Cause::DeviceMissing;
+    case PppdCause::Refused:
+        return Cause::AccountRefused;
+    case PppdCause::MustAuthenticate:
+        return Cause::PeerMustAuthenticate;
+    case PppdCause::NoPassword:
+        return Cause::PasswordMissing;
+    case PppdCause::NoNegotiation:
+    case PppdCause::Silent:
+        return Cause::NoNegotiation;
+    case PppdCause::PeerTerminated:
+        return Cause::PeerTerminated;
+    case PppdCause::HungUp:
+    case PppdCause::Up: // and gone again
+        return Cause::HungUp;
+    case PppdCause::Unknown:
+    case PppdCause::Ended:
+        break;
+    }
+    return Cause::Unknown;
+}
+
+/// Whether the bridge was made for a circuit that nobody has set: its number is 0 then.
+bool isCircuitMissing(const QByteArray &log)
+{
+    static const QRegularExpression circuit(
+        QStringLiteral("VPI\\.VCI: [^\\n.]{0,10}\\.(?:0|error)?$"),
+        QRegularExpression::MultilineOption);
+    return circuit.match(QString::fromLatin1(log)).hasMatch();
+}
+
+} // namespace
+
+Cause causeInLog(const QByteArray &log)
+{
+    const Cause cause = causeOf(explainPppd(pppdLinesOfLog(log)).cause);
+    return cause == Cause::BridgeMissing && isCircuitMissing(log) ? Cause::CircuitMissing : cause;
+}
+
+QDateTime lastDisconnectInLog(const QByteArray &log)
+{
+    // The daemon counts the steps of a disconnect; at the third it tells everybody.
+    constexpr int toldAt = 3;
+    QDateTime told;
+    int step = 0;
+    for (const QByteArray &line : log.split('\n')) {
+        const int place = line.indexOf("debugHandler: ");
+        bool isNumber = false;
+        const int number = place < 0 ? 0 : line.mid(place + 14).trimmed().toInt(&isNumber);
+        if (!isNumber) {
+            continue;
+        }
+        step = number == 1 || number == step + 1 ? number : 0;
+        if (step == toldAt) {
+            told = QDateTime::fromString(
+                QString::fromLatin1(line.left(19)), QStringLiteral("dd-MM-yyyy hh:mm:ss"));
+        }
+    }
+    return told;
+}
+
+bool wasRequestDropped(const QByteArray &log)
+{
+    return log.contains("Can not establish connection, thread is still running!");
+}
+
+qint64 DaemonLog::end() const
+{
+    return QFileInfo(m_path).size();
+}
+
+QByteArray DaemonLog::since(qint64 place) const
+{
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return QByteArray();
+    }
+    const qint64 size = file.size();
+    const qint64 from = place > size ? 0 : place;
+    file.seek(qMax(from, size - mostBytes));
+    return file.read(mostBytes);
+}
+
+} // namespace keeper

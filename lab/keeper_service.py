@@ -1,0 +1,172 @@
+# SPDX-License-Identifier: MIT
+"""norvix-keeper in a private machine, and what one asks it over the bus."""
+import array
+import os
+import select
+import socket
+from pathlib import Path
+
+from jeepney import DBusAddress, HeaderFields, MessageType, new_method_return, new_signal
+
+from .bus_client import Client
+from .furnishing import NORVIX_GROUP
+from .waiting import PATIENCE, wait_until
+
+REPOSITORY = Path(__file__).resolve().parent.parent
+PROGRAM = "/opt/norvix/bin/norvix-keeper"
+POLICY = REPOSITORY / "packaging" / "norvix-keeper.conf"
+NAME, PATH, INTERFACE = "com.norvix.Keeper", "/com/norvix/Keeper", "com.norvix.Keeper1"
+PROPERTIES = "org.freedesktop.DBus.Properties"
+STATE_FOLDER = "/var/log/keeper-state"  # a private folder of the machine
+USER, USER_ID = "norvix-keeper", 64997
+NO_PAUSES = "".join("pause_%s = 0\n" % name for name in (
+    "unanswered", "unanswered_most", "after_a_day", "hung_up", "hung_up_most", "refused_once",
+    "refused_twice", "refused_thrice", "refused_most"))
+
+
+def prepare(machine, settings=""):
+    """What the package's installation does: the user, in the group norvix, and the state folder. To be
+    called before the bus starts, which looks up the users in its policies."""
+    with open(machine.path("/etc/passwd"), "a", encoding="utf-8") as file:
+        file.write("%s:x:%d:%d::/:/usr/sbin/nologin\n" % (USER, USER_ID, USER_ID))
+    group = machine.path("/etc/group")
+    text = group.read_text(encoding="ascii")
+    group.write_text(text.replace("norvix:x:%d:" % NORVIX_GROUP,
+                                  "norvix:x:%d:%s" % (NORVIX_GROUP, USER))
+                     + "%s:x:%d:\n" % (USER, USER_ID), encoding="ascii")
+    folder = machine.path(STATE_FOLDER)
+    folder.mkdir()
+    if machine.rooted:
+        os.chown(folder, USER_ID, USER_ID)
+    # As the daemon's package makes them: what the daemon logs is the group's to read.
+    home = machine.path("/opt/norvix")
+    if machine.rooted:
+        os.chown(home, 0, NORVIX_GROUP)
+        home.chmod(0o2755)
+    write_settings(machine, settings)
+
+
+def write_settings(machine, text):
+    machine.path("/etc/norvix-keeper.conf").write_text(text, encoding="ascii")
+
+
+class Keeper:
+    """A start of norvix-keeper, as its own user."""
+
+    def __init__(self, machine, wait=True, env=None, wrapper=()):
+        self.machine = machine
+        uid = USER_ID if machine.rooted else 0
+        self.process = machine.spawn([*wrapper, PROGRAM], label="keeper", uid=uid,
+                                     groups=[NORVIX_GROUP] if machine.rooted else [],
+                                     env={"STATE_DIRECTORY": STATE_FOLDER, **(env or {})})
+        self.client = machine.client()
+        if wait:
+            self.wait_ready()
+
+    def wait_ready(self):
+        def ready():
+            if self.process.ended():
+                raise RuntimeError("norvix-keeper has ended:\n" + self.process.errors())
+            return self.client.owner_of(NAME)
+
+        wait_until(ready, what="norvix-keeper owns its name", detail=self.process.errors)
+
+    def call(self, method, signature="", *arguments, client=None):
+        return (client or self.client).call_raw(method, signature, *arguments, service=NAME,
+                                                path=PATH, interface=INTERFACE)
+
+    def properties(self, client=None):
+        """All properties, as plain values."""
+        values = (client or self.client).call_raw("GetAll", "s", INTERFACE, service=NAME, path=PATH,
+                                                  interface=PROPERTIES)
+        return {name: value for name, (_, value) in values.items()}
+
+    def rows(self, method, signature="u", *arguments):
+        """Entries of the history, as plain dictionaries."""
+        return [{name: value for name, (_, value) in row.items()}
+                for row in self.call(method, signature, *(arguments or (1000,)))]
+
+    def wait_for(self, timeout=PATIENCE, **wanted):
+        """Waits until properties have these values."""
+        return wait_until(
+            lambda: all(self.properties()[name] == value for name, value in wanted.items()),
+            timeout, "the keeper says %s" % wanted,
+            lambda: (self.properties(), self.process.errors()))
+
+    def losses(self):
+        """The reasons of all losses told so far."""
+        return [signal.args[0] for signal in self.client.signals
+                if signal.interface == INTERFACE and signal.name == "LinkLost"]
+
+    def kill(self):
+        """As a crash would."""
+        self.process.signal(9)
+        self.process.wait()
+        self.client.close()
+
+    def stop(self):
+        self.process.signal()
+        return self.process.wait()
+
+
+class FakeLogind(Client):
+    """Owns the name of the log-in service; its policy is POLICY."""
+
+    NAME, PATH = "org.freedesktop.login1", "/org/freedesktop/login1"
+    MANAGER = "org.freedesktop.login1.Manager"
+    POLICY = """<busconfig>
+  <policy user="root"><allow own="org.freedesktop.login1"/></policy>
+  <policy context="default"><allow send_destination="org.freedesktop.login1"/></policy>
+</busconfig>
+"""
+
+    def __init__(self, sock, uid):
+        self._ends = []  # a reading end for each that was handed out
+        super().__init__(sock, uid)
+
+    @classmethod
+    def start(cls, machine):
+        service = machine.client(kind=cls)
+        assert service.call_bus("RequestName", "su", cls.NAME, 4) == 1
+        return service
+
+    def _authenticate(self, uid):
+        """Like any client, and asks that descriptors may be passed."""
+        super()._authenticate(uid, b"NEGOTIATE_UNIX_FD\r\n")
+
+    def _take(self, message, now):
+        if message.header.message_type is not MessageType.method_call:
+            super()._take(message, now)
+        elif message.header.fields[HeaderFields.member] == "Inhibit":
+            self._hand_out(message)
+
+    def _hand_out(self, message):
+        mine, theirs = os.pipe()
+        self._ends.append(mine)
+        reply = new_method_return(message, "h", (theirs,))
+        with self._changed:
+            self._serial += 1
+            passed = array.array("i")
+            data = reply.serialise(serial=self._serial, fds=passed)
+            socket.send_fds(self._socket, [data], list(passed))
+        os.close(theirs)
+
+    @property
+    def asked(self):
+        """How often somebody wanted to hold up sleep."""
+        return len(self._ends)
+
+    @property
+    def is_held(self):
+        """Whether somebody holds up sleep."""
+        poll = select.poll()
+        for end in self._ends:
+            poll.register(end, select.POLLIN)
+        let_go = {end for end, event in poll.poll(0) if event & select.POLLHUP}
+        return len(let_go) < len(self._ends)
+
+    def announce_sleep(self, is_coming, times=2):
+        """Some services tell everything twice."""
+        emitter = DBusAddress(self.PATH, interface=self.MANAGER)
+        for _ in range(times):
+            self.send(new_signal(emitter, "PrepareForSleep", "b", (is_coming,)))

@@ -1,0 +1,106 @@
+# SPDX-License-Identifier: MIT
+"""What the tests of norvix-keeper share: a machine with daemon, modem and provider."""
+import os
+
+import pytest
+
+from lab import keeper_service
+from lab.fake_hal import POLICY as HAL_POLICY
+from lab.fake_hal import FakeHal
+from lab.keeper_service import FakeLogind, Keeper
+from lab.scenario import end, link_up, out, wait_for
+from lab.waiting import wait_until
+
+SPEEDTOUCH = (0x06B9, 0x4061)
+ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
+
+
+class World:
+    """Everything that a connection needs, and what happens to it."""
+
+    def __init__(self, machine, folder, settings="", protocol="PPPoA"):
+        self.machine = machine
+        keeper_service.prepare(machine, settings)
+        policies = [keeper_service.POLICY]
+        for name, text in (("hal", HAL_POLICY), ("logind", FakeLogind.POLICY)):
+            policies.append(folder / (name + ".conf"))
+            policies[-1].write_text(text, encoding="ascii")
+        machine.start_bus(policies=policies)
+        self.hal = FakeHal.start(machine)
+        self.modem = self.hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+        machine.settings(modem="Thomson Speedtouch 330", vendor_id=SPEEDTOUCH[0], protocol=protocol,
+                         product_id=SPEEDTOUCH[1], udi=self.modem, vpi=8, vci=35)
+        for name in ("norvix", "norvix_unicorn"):
+            machine.path("/etc/ppp/peers/" + name).write_text('user "login"\n', encoding="ascii")
+        machine.kernel_log.line_up(SPEEDTOUCH[0])
+        self._links = 0
+        self.answer()
+        self.start_daemon()
+        self.client = machine.client()
+        self.keeper = None
+
+    def start_daemon(self):
+        self.daemon = self.machine.start_daemon()
+        self.daemon.wait_started()
+
+    def start_keeper(self, **options):
+        self.keeper = Keeper(self.machine, **options)
+        return self.keeper
+
+    # ---- the provider
+
+    def answer(self):
+        """The next attempts come up; hang_up ends the link that the last one of them brought."""
+        self._links += 1
+        self.machine.pppd.script(
+            link_up() + [wait_for("hang-up-%d" % self._links), out("LCP terminated by peer\n"),
+                         out("Connection terminated.\n"), end(16)], mode="updetach")
+
+    def hang_up(self):
+        """The link ends; the next attempt comes up again."""
+        ending = self._links
+        self.answer()
+        self.machine.pppd.trigger("hang-up-%d" % ending)
+
+    def be_silent(self):
+        """Nobody answers the next attempts."""
+        self.machine.pppd.script([out("Plugin pppoe.so loaded.\n"),
+                                  out("Timeout waiting for PADO packets\n"),
+                                  out("Unable to complete PPPoE Discovery\n"), end(24)])
+
+    def refuse(self):
+        self.machine.pppd.play("c1-chap-wrong-password", speed=50)
+
+    # ---- what one does and sees
+
+    def add_foreign(self, name):
+        """Somebody else's link comes up."""
+        for words in (["link", "add", name, "type", "veth", "peer", "far-" + name],
+                      ["addr", "add", "10.9.9.9", "dev", name], ["link", "set", name, "up"]):
+            result = self.machine.run(["/usr/sbin/ip", *words])
+            assert result.status == 0, result.stderr
+
+    def connect(self):
+        self.client.call("establishConnection")
+        self.keeper.wait_for(State="connected")
+
+    def attempts(self):
+        return len(self.machine.calls("pppd"))
+
+    def links(self):
+        """The names of the links that are up."""
+        shown = self.machine.run(["/usr/sbin/ip", "-o", "-4", "addr", "show"]).stdout
+        return sorted(line.split()[1] for line in shown.splitlines() if " ppp" in line)
+
+    def wait_lost(self, count=1):
+        """The reasons of the losses that clients were told of, when there are that many."""
+        return wait_until(lambda: self.keeper.losses() if len(self.keeper.losses()) >= count else None,
+                          what="%d losses" % count, detail=self.keeper.properties)
+
+
+@pytest.fixture
+def world(machine, tmp_path):
+    """A world with a running connection's worth of everything, and a keeper."""
+    made = World(machine, tmp_path)
+    made.start_keeper()
+    return made

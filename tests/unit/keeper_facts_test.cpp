@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: MIT
+// What the keeper reads from the kernel, from files and from logs.
+#include "keeper/daemon_log.h"
+#include "keeper/line/line_quality.h"
+#include "keeper/line/loss_judge.h"
+#include "keeper/memory_file.h"
+#include "keeper/notices/interface_table.h"
+#include "keeper/settings.h"
+#include "keeper/system_facts.h"
+#include "test_data.h"
+
+#include <QtTest>
+#include <linux/if_arp.h>
+#include <linux/rtnetlink.h>
+#include <random>
+
+using namespace keeper;
+
+Q_DECLARE_METATYPE(keeper::Cause)
+
+namespace {
+
+QByteArray attribute(int type, const QByteArray &bytes)
+{
+    rtattr head = {};
+    head.rta_type = quint16(type);
+    head.rta_len = quint16(RTA_LENGTH(bytes.size()));
+    QByteArray whole(reinterpret_cast<const char *>(&head), sizeof head);
+    whole += bytes;
+    return whole.leftJustified(int(RTA_ALIGN(whole.size())), '\0');
+}
+
+template <typename Head>
+QByteArray message(int type, const Head &head, const QByteArray &attributes)
+{
+    QByteArray content(reinterpret_cast<const char *>(&head), sizeof head);
+    content = content.leftJustified(int(NLMSG_ALIGN(sizeof head)), '\0') + attributes;
+    nlmsghdr outer = {};
+    outer.nlmsg_type = quint16(type);
+    outer.nlmsg_len = quint32(NLMSG_LENGTH(content.size()));
+    const QByteArray whole
+        = QByteArray(reinterpret_cast<const char *>(&outer), sizeof outer) + content;
+    return whole.leftJustified(int(NLMSG_ALIGN(whole.size())), '\0');
+}
+
+QByteArray link(int type, int index, const char *name, quint64 received = 0, int kind = ARPHRD_PPP)
+{
+    ifinfomsg head = {};
+    head.ifi_index = index;
+    head.ifi_type = quint16(kind);
+    rtnl_link_stats64 counters = {};
+    counters.rx_bytes = received;
+    return message(type, head,
+        attribute(IFLA_IFNAME, QByteArray(name) + '\0')
+            + attribute(IFLA_STATS64,
+                QByteArray(reinterpret_cast<const char *>(&counters), sizeof counters)));
+}
+
+QByteArray address(int type, int index, const QByteArray &own)
+{
+    ifaddrmsg head = {};
+    head.ifa_family = AF_INET;
+    head.ifa_index = quint32(index);
+    return message(type, head,
+        attribute(IFA_ADDRESS, QByteArray("\x0a\x40\x00\x01", 4)) + attribute(IFA_LOCAL, own));
+}
+
+const QByteArray ours("\x0a\x40\x00\x64", 4);
+
+QByteArray asLogged(const QByteArray &pppdText)
+{
+    QByteArray log;
+    for (const QByteArray &line : pppdText.split('\n')) {
+        log += "21-11-2026 20:00:00 Norvix_Daemon::debugConnecting(): " + line + '\n';
+    }
+    return log;
+}
+
+} // namespace
+
+class FactsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    // ---- the kernel's notices
+
+    void aLinkComesAndGoes()
+    {
+        InterfaceTable table;
+        QVERIFY(table.take(link(RTM_NEWLINK, 5, "ppp0") + address(RTM_NEWADDR, 5, ours)).isChange);
+        QCOMPARE(addressText(*table.named(QStringLiteral("ppp0"))), QStringLiteral("10.64.0.100"));
+        table.take(address(RTM_DELADDR, 5, ours));
+        QVERIFY(table.named(QStringLiteral("ppp0"))->addresses.isEmpty());
+        const InterfaceTable::News news = table.take(link(RTM_DELLINK, 5, "ppp0", 21'560));
+        QCOMPARE(news.gone.size(), 1);
+        QCOMPARE(news.gone.first().received, quint64(21'560));
+        QVERIFY(!table.named(QStringLiteral("ppp0")));
+    }
+
+    void othersAreToldApart_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<bool>("isPpp");
+        QTest::newRow("ppp") << QByteArray("vpn") << int(ARPHRD_PPP) << true;
+        QTest::newRow("by name") << QByteArray("ppp12") << int(ARPHRD_NONE) << true;
+        QTest::newRow("pppoe-wan") << QByteArray("pppoe-wan") << int(ARPHRD_ETHER) << false;
+        QTest::newRow("ethernet") << QByteArray("nas0") << int(ARPHRD_ETHER) << false;
+    }
+
+    void othersAreToldApart()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(int, kind);
+        InterfaceTable table;
+        table.take(link(RTM_NEWLINK, 3, name.constData(), 0, kind));
+        QTEST(table.interfaces().first().isPpp, "isPpp");
+    }
+
+    void cutOffMessagesDoNoHarm()
+    {
+        const QByteArray whole = link(RTM_NEWLINK, 5, "ppp0", 9) + address(RTM_NEWADDR, 5, ours)
+            + link(RTM_DELLINK, 5, "ppp0", 10);
+        for (int size = 0; size <= whole.size(); ++size) {
+            InterfaceTable table;
+            table.take(whole.left(size));
+        }
+        std::mt19937 random(3);
+        for (int run = 0; run < 20'000; ++run) {
+            QByteArray broken = whole;
+            for (int i = 0; i < 4; ++i) {
+                broken[int(random() % uint(broken.size()))] = char(random());
+            }
+            InterfaceTable table;
+            table.take(broken);
+        }
+    }
+
+    // ---- why a link was lost
+
+    void aLossIsJudgedByWhatIsLeft()
+    {
+        QCOMPARE(judgeLoss({false, true, true, true}), Cause::LineLost);
+        QCOMPARE(judgeLoss({true, true, false, true}), Cause::BridgeGone);
+        QCOMPARE(judgeLoss({true, true, true, true}), Cause::Silent);
+        QCOMPARE(judgeLoss({std::nullopt, false, false, false}), Cause::HungUp);
+    }
+
+    void aCounterIsStillAfterTwentyFiveSeconds()
+    {
+        Stillness stillness;
+        stillness.add(0, 100);
+        QVERIFY(!stillness.isStill(24'999, 100));
+        QVERIFY(stillness.isStill(25'000, 100));
+        QVERIFY(!stillness.isStill(25'000, 132));
+        for (int i = 1; i < 100; ++i) { // answers to echoes
+            stillness.add(i * 10'000, quint64(100 + i * 32));
+        }
+        QVERIFY(!stillness.isStill(992'000, 100 + 99 * 32));
+        QVERIFY(stillness.isStill(1'016'000, 100 + 99 * 32));
+    }
+
+    void cellsAreCountedOverAtm()
+    {
+        const QByteArray text
+            = "Itf Type    ESI/\"MAC\"addr AAL(TX,err,RX,err,drop) ...               [refcnt]\n"
+              "  0 cxacru  000102030405  0 ( 0 0 0 0 0 )  5 ( 271 0 4711 1 0 )  [3]\n";
+        QCOMPARE(cellsReceived(text).value(), quint64(4711));
+        QVERIFY(!cellsReceived(QByteArray()));
+    }
+
+    void theLinkFileNamesTheInterface()
+    {
+        QCOMPARE(linkFileFrom("123\nppp0\n")->interface, QStringLiteral("ppp0"));
+        for (const char *text : {"", "123\n", "x\nppp0\n", "-1\nppp0\n", "1\nppp0\n"}) {
+            QVERIFY(!linkFileFrom(text));
+        }
+    }
+
+    // ---- the line
+
+    void everyDriversLineIsRead()
+    {
+        QMap<QByteArray, QByteArray> files{{"carrier", "1\n"}, {"link_rate", "8127656\n"}};
+        const AttributeReader read = [&files](const char *name) -> std::optional<QByteArray> {
+            return files.contains(name) ? std::optional<QByteArray>(files[name]) : std::nullopt;
+        };
+        QCOMPARE(lineQuality(read).carrier.value(), true);
+        QCOMPARE(lineQuality(read).downRate.value(), 8127.656);
+        QVERIFY(!lineQuality(read).upRate);
+        files["device/downstream_rate"] = "8128\n";
+        files["device/upstream_snr_margin"] = "12.50\n";
+        files["device/downstream_crc_errors"] = "7\n";
+        QCOMPARE(lineQuality(read).downRate.value(), 8128.0);
+        QCOMPARE(lineQuality(read).upMargin.value(), 12.5);
+        QCOMPARE(lineQuality(read).downErrors.value(), 7.0);
+        files.remove("device/downstream_rate");
+        files["device/stat_dsrate"] = "00001fc0\n";
+        files["device/stat_usrate"] = "00000340\n";
+        QCOMPARE(lineQuality(read).downRate.value(), 8128.0);
+        QCOMPARE(lineQuality(read).upRate.value(), 832.0);
+        files["carrier"] = "0\n";
+        files["device/stat_usrate"] = "rubbish";
+        QCOMPARE(lineQuality(read).carrier.value(), false);
+        QVERIFY(!lineQuality(read).upRate);
+    }
+
+    // ---- the daemon's log
+
+    void theReasonIsTheOneThatTheDoctorTells_data()
+    {
+        QTest::addColumn<QString>("recording");
+        QTest::addColumn<Cause>("cause");
+        const auto row = [](const char *recording, Cause cause) {
+            QTest::newRow(recording) << QString::fromLatin1(recording) << cause;
+        };
+        row("c1-chap-wrong-password", Cause::AccountRefused);
+        row("c3-pap-wrong-password", Cause::AccountRefused);
+        row("c2-chap-no-secret-for-user", Cause::PasswordMissing);
+        row("d1-no-concentrator", Cause::NoConcentrator);
+        row("f1-no-noauth-in-peer", Cause::PeerMustAuthenticate);
+    }
+
+    void theReasonIsTheOneThatTheDoctorTells()
+    {
+        QFETCH(QString, recording);
+        const QByteArray text = testData(QStringLiteral("pppd/%1.txt").arg(recording));
+        QTEST(causeInLog(asLogged(text)), "cause");
+    }
+
+    void aCircuitThatNobodyHasSetIsTold_data()
+    {
+        QTest::addColumn<QByteArray>("circuit");
+        QTest::addColumn<Cause>("cause");
+        QTest::newRow("neither") << QByteArray("0.0") << Cause::CircuitMissing;
+        QTest::newRow("no VCI") << QByteArray("8.0") << Cause::CircuitMissing;
+        QTest::newRow("VPI 0 is one") << QByteArray("0.33") << Cause::BridgeMissing;
+        QTest::newRow("both") << QByteArray("8.35") << Cause::BridgeMissing;
+    }
+
+    void aCircuitThatNobodyHasSetIsTold()
+    {
+        QFETCH(QByteArray, circuit);
+        const QByteArray log = "21-11-2026 20:00:00 ConnectThread::prepareBridging(): VPI.VCI: "
+            + circuit + '\n' + asLogged("pppd: unrecognized option 'nic-nas0'");
+        QTEST(causeInLog(log), "cause");
+    }
+
+    void theLastDisconnectIsFound()
+    {
+        const auto steps = [](const char *time) {
+            QByteArray log;
+            for (int step = 1; step <= 5; ++step) {
+                log += QByteArray("21-11-2026 ") + time
+                    + " Norvix_Daemon::debugHandler: " + QByteArray::number(step) + " \n";
+                if (step == 1) {
+                    log += QByteArray("21-11-2026 ") + time
+                        + " Norvix_Daemon::debugHandler: pid: 77 \n";
+                }
+            }
+            return log;
+        };
+        QVERIFY(!lastDisconnectInLog("").isValid());
+        QVERIFY(!lastDisconnectInLog(asLogged("local  IP address 10.64.0.100")).isValid());
+        // The bridge's process id is written the same way.
+        QVERIFY(!lastDisconnectInLog("21-11-2026 20:00:00 Norvix_Daemon::debugHandler: 3 \n")
+                     .isValid());
+        const QByteArray log = steps("20:00:01") + asLogged("Connect: ppp0 <--> nas0")
+            + steps("21:30:00") + asLogged("Connect: ppp0 <--> nas0");
+        QCOMPARE(lastDisconnectInLog(log), QDateTime(QDate(2026, 11, 21), QTime(21, 30, 0)));
+    }
+
+    // ---- files of our own
+
+    void whatIsStoredComesBack()
+    {
+        Stored stored;
+        stored.memory.keep = false;
+        stored.memory.isWanted = true;
+        stored.memory.lastUpWall = 1'795'307'218;
+        stored.boot = QStringLiteral("boot-1");
+        stored.heardUntil = 1'795'307'219;
+        stored.limit = 50'000'000'000;
+        stored.billingDay = 15;
+        QVERIFY(Stored::from(Stored::textOf(stored)) == stored);
+        QVERIFY(!Stored::from("rubbish").memory.isWanted);
+        QVERIFY(Stored::from("rubbish").memory.keep);
+        QCOMPARE(Stored::from("{\"billing_day\": 99}").billingDay, 31);
+    }
+
+    void settingsAreSecondsAndMistakesAreTold()
+    {
+        QStringList problems;
+        const Pauses pauses = pausesFrom("# comment\n\n  pause_unanswered = 7.5\r\n"
+                                         "pause_hung_up=0\npause_unknown = 3\n"
+                                         "pause_after_a_day = -1\npause_refused_most\n",
+            &problems);
+        QCOMPARE(pauses.unanswered, qint64(7'500));
+        QCOMPARE(pauses.hungUp, qint64(0));
+        QCOMPARE(pauses.afterADay, Pauses().afterADay);
+        QCOMPARE(problems.size(), 3);
+        QVERIFY(problems.first().startsWith(QStringLiteral("line 5: ")));
+    }
+};
+
+QTEST_APPLESS_MAIN(FactsTest)
+#include "keeper_facts_test.moc"
