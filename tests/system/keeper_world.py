@@ -4,11 +4,11 @@ import os
 
 import pytest
 
-from lab import keeper_service
-from lab.fake_hal import POLICY as HAL_POLICY
-from lab.fake_hal import FakeHal
-from lab.keeper_service import FakeLogind, Keeper
-from lab.scenario import end, link_up, out, wait_for
+from lab.machine import keeper_service
+from lab.machine.fake_hal import POLICY as HAL_POLICY
+from lab.machine.fake_hal import FakeHal
+from lab.machine.keeper_service import FakeLogind, Keeper
+from lab.machine.pppd_script import end, link_up, out, wait_for
 from lab.waiting import wait_until
 
 SPEEDTOUCH = (0x06B9, 0x4061)

@@ -1,8 +1,8 @@
 # Tests of the units of keeper/, which share nothing with the daemon.
 
-# norvix_keeper_test(name library): keeper_<name>_test.cpp.
+# norvix_keeper_test(name library): keeper/keeper_<name>_test.cpp.
 function(norvix_keeper_test name library)
-  norvix_unit_test(keeper_${name} keeper_${name}_test.cpp)
+  norvix_unit_test(keeper_${name} keeper/keeper_${name}_test.cpp)
   target_link_libraries(unit-keeper_${name} PRIVATE ${library})
 endfunction()
 

@@ -10,9 +10,9 @@ from jeepney import DBusAddress, HeaderFields, MessageType, new_method_return, n
 
 from .bus_client import Client
 from .furnishing import NORVIX_GROUP
-from .waiting import PATIENCE, wait_until
+from ..waiting import PATIENCE, wait_until
 
-REPOSITORY = Path(__file__).resolve().parent.parent
+REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = "/opt/norvix/bin/norvix-keeper"
 POLICY = REPOSITORY / "packaging" / "norvix-keeper.conf"
 NAME, PATH, INTERFACE = "com.norvix.Keeper", "/com/norvix/Keeper", "com.norvix.Keeper1"

@@ -6,10 +6,10 @@ import time
 import pytest
 from keeper_world import ROOT_ONLY, World, world  # noqa: F401
 
-from lab import keeper_service
-from lab.bus_client import BusError
-from lab.keeper_service import NO_PAUSES, FakeLogind
-from lab.scenario import end, out, stay
+from lab.machine import keeper_service
+from lab.machine.bus_client import BusError
+from lab.machine.keeper_service import NO_PAUSES, FakeLogind
+from lab.machine.pppd_script import end, out, stay
 from lab.waiting import wait_until
 
 LOSSES = int(os.environ.get("NORVIX_LOSSES") or 12)

@@ -5,8 +5,8 @@ import re
 import subprocess
 from pathlib import Path
 
-from lab import keeper_service
-from lab.keeper_service import NAME, PROGRAM, USER
+from lab.machine import keeper_service
+from lab.machine.keeper_service import NAME, PROGRAM, USER
 
 PACKAGING = keeper_service.REPOSITORY / "packaging"
 DOCUMENTS = keeper_service.REPOSITORY / "docs"

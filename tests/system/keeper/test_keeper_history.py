@@ -10,8 +10,8 @@ import time
 import pytest
 from keeper_world import ROOT_ONLY, World, world  # noqa: F401
 
-from lab.keeper_service import STATE_FOLDER, USER_ID
-from lab.private_machine import BUILD
+from lab.machine.keeper_service import STATE_FOLDER, USER_ID
+from lab.machine.private_machine import BUILD
 from lab.waiting import wait_until
 
 WRITER = BUILD / "tests" / "history-writer"
