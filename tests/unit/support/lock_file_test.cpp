@@ -349,7 +349,8 @@ void LockFileTest::aPathThatChangesNowAndThenKeepsNoLockAway()
     other.start(
         QStringLiteral("/proc/self/exe"), {QStringLiteral("--change-now-and-then"), m_path});
     QVERIFY(other.waitForReadyRead(60000));
-    // Whoever changes it at each look within one try wins; on a busy machine that happens by chance.
+    // Whoever changes it at each look within one try wins; on a busy machine that happens by
+    // chance.
     int locked = 0;
     for (int i = 0; i < 500; ++i) {
         const int fd = lockFile(m_path);
