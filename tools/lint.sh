@@ -7,7 +7,7 @@ build=$1
 jobs=$2
 
 rooms=()
-for room in support daemon connection driver network dbus hal client ctl lab tests bench; do
+for room in support daemon connection driver network dbus hal client ctl keeper lab tests bench; do
     [[ ! -d $room ]] || rooms+=("$room")
 done
 
