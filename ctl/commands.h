@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The commands; each is implemented in the file of its name (cmd_status.cpp, ...).
+// The commands; each is implemented in the file of its name below commands/.
 #pragma once
 
 struct Invocation;
