@@ -1,33 +1,19 @@
 # SPDX-License-Identifier: MIT
 """The files with which norvix-hald is installed: user, unit, activation, policy, manual."""
-import configparser
 import re
 import shutil
-import subprocess
-from pathlib import Path
 
 from hald_fixtures import client, place  # noqa: F401
 
 from lab.machine import companion
 from lab.machine.companion import NAME, PROGRAM, USER, devices
 from lab.waiting import wait_until
+from shipped_files import run, settings
 
 PACKAGING = companion.REPOSITORY / "packaging"
 UNIT = PACKAGING / "norvix-hald.service"
 ACTIVATION = PACKAGING / "org.freedesktop.Hal.service"
 MANUAL = companion.REPOSITORY / "docs" / "norvix-hald.8"
-
-
-def settings(file):
-    parser = configparser.ConfigParser(strict=False, interpolation=None)
-    parser.optionxform = str
-    parser.read_string(Path(file).read_text(encoding="utf-8"))
-    return parser
-
-
-def run(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          timeout=60, check=False)
 
 
 def test_the_unit_exposes_next_to_nothing():

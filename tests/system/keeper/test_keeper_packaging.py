@@ -2,11 +2,11 @@
 """The files with which norvix-keeper is installed: user, unit, policy, settings, manual."""
 import configparser
 import re
-import subprocess
 from pathlib import Path
 
 from lab.machine import keeper_service
 from lab.machine.keeper_service import NAME, PROGRAM, USER
+from shipped_files import run
 
 PACKAGING = keeper_service.REPOSITORY / "packaging"
 DOCUMENTS = keeper_service.REPOSITORY / "docs"
@@ -15,11 +15,6 @@ SETTINGS = PACKAGING / "norvix-keeper.settings"
 SETTINGS_PAGE = DOCUMENTS / "norvix-keeper.conf.5"
 INTERFACE_PAGE = DOCUMENTS / "com.norvix.Keeper1.7"
 DESCRIPTION = keeper_service.REPOSITORY / "dbus" / "com.norvix.Keeper1.xml"
-
-
-def run(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          timeout=60, check=False)
 
 
 def text(file):

@@ -1,17 +1,16 @@
 # SPDX-License-Identifier: MIT
 """The files with which the daemon is installed: unit, activation, group, folders, and what the
 package does to pppd's files."""
-import configparser
 import os
 import re
 import shutil
-import subprocess
 import time
 from pathlib import Path
 
 import pytest
 
 from lab.machine.private_machine import USUAL_PATH
+from shipped_files import run, settings
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 PACKAGING = REPOSITORY / "packaging"
@@ -25,18 +24,6 @@ BACKUP = ".norvix-backup"
 STOCK_CHAP = "# Secrets for authentication using CHAP\n# client\tserver\tsecret\t\t\tIP addresses\n"
 OTHERS = STOCK_CHAP + '"me@elsewhere" * "mine" *\n'
 ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="owners can be given by root only")
-
-
-def settings(file):
-    parser = configparser.ConfigParser(strict=False, interpolation=None)
-    parser.optionxform = str
-    parser.read_string(Path(file).read_text(encoding="utf-8"))
-    return parser
-
-
-def run(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          timeout=60, check=False)
 
 
 def exposure():
