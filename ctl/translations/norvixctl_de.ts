@@ -1559,5 +1559,117 @@
         <source>The daemon could not store it: %1.</source>
         <translation>Der Dienst konnte es nicht speichern: %1.</translation>
     </message>
+    <message>
+        <source>nobody wants the connection</source>
+        <translation>niemand will die Verbindung</translation>
+    </message>
+    <message>
+        <source>switched off</source>
+        <translation>abgeschaltet</translation>
+    </message>
+    <message>
+        <source>waiting for the next attempt</source>
+        <translation>wartet auf den nächsten Versuch</translation>
+    </message>
+    <message>
+        <source>waiting for the modem</source>
+        <translation>wartet auf das Modem</translation>
+    </message>
+    <message>
+        <source>waiting for the modem&apos;s driver, which is being built</source>
+        <translation>wartet auf den Treiber des Modems, der gerade gebaut wird</translation>
+    </message>
+    <message>
+        <source>waiting for the modem, which is being restarted</source>
+        <translation>wartet auf das Modem, das gerade neu gestartet wird</translation>
+    </message>
+    <message>
+        <source>waiting for the daemon</source>
+        <translation>wartet auf den Dienst</translation>
+    </message>
+    <message>
+        <source>waiting until the settings are corrected</source>
+        <translation>wartet, bis die Einstellungen berichtigt sind</translation>
+    </message>
+    <message>
+        <source>asleep, like the computer</source>
+        <translation>schläft, wie der Rechner</translation>
+    </message>
+    <message>
+        <source>The provider hung up.</source>
+        <translation>Der Anbieter hat aufgelegt.</translation>
+    </message>
+    <message>
+        <source>The provider fell silent: nothing came over the line.</source>
+        <translation>Der Anbieter ist verstummt: Über die Leitung kam nichts mehr.</translation>
+    </message>
+    <message>
+        <source>The line lost its synchronisation.</source>
+        <translation>Die Leitung hat ihre Synchronisation verloren.</translation>
+    </message>
+    <message>
+        <source>The bridge interface to the line was gone.</source>
+        <translation>Die Brückenschnittstelle zur Leitung war fort.</translation>
+    </message>
+    <message>
+        <source>The modem was unplugged.</source>
+        <translation>Das Modem wurde ausgesteckt.</translation>
+    </message>
+    <message>
+        <source>The modem&apos;s driver was reloaded.</source>
+        <translation>Der Treiber des Modems wurde neu geladen.</translation>
+    </message>
+    <message>
+        <source>Somebody ended the connection.</source>
+        <translation>Jemand hat die Verbindung beendet.</translation>
+    </message>
+    <message>
+        <source>The computer went to sleep.</source>
+        <translation>Der Rechner ist schlafen gegangen.</translation>
+    </message>
+    <message>
+        <source>The provider hung up before the link was up.</source>
+        <translation>Der Anbieter hat aufgelegt, bevor die Verbindung stand.</translation>
+    </message>
+    <message>
+        <source>The line did not synchronise.</source>
+        <translation>Die Leitung hat sich nicht synchronisiert.</translation>
+    </message>
+    <message>
+        <source>VPI and VCI are not set.</source>
+        <translation>VPI und VCI sind nicht gesetzt.</translation>
+    </message>
+    <message>
+        <source>The daemon was still busy with an earlier attempt.</source>
+        <translation>Der Dienst war noch mit einem früheren Versuch beschäftigt.</translation>
+    </message>
+    <message>
+        <source>The daemon did not take the request.</source>
+        <translation>Der Dienst hat den Auftrag nicht angenommen.</translation>
+    </message>
+    <message>
+        <source>The link of another program stands in the way.</source>
+        <translation>Die Verbindung eines anderen Programms steht im Weg.</translation>
+    </message>
+    <message>
+        <source>The reason is not known.</source>
+        <translation>Der Grund ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>The history was damaged; a new one was begun.</source>
+        <translation>Der Verlauf war beschädigt; ein neuer wurde begonnen.</translation>
+    </message>
+    <message>
+        <source>The history is of a newer version of the keeper; nothing is written into it.</source>
+        <translation>Der Verlauf stammt von einer neueren Fassung des Wächters; nichts wird hineingeschrieben.</translation>
+    </message>
+    <message>
+        <source>The history can not be written.</source>
+        <translation>Der Verlauf kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>waiting for the line</source>
+        <translation>wartet auf die Leitung</translation>
+    </message>
 </context>
 </TS>
