@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The window: a list of pages and the page itself.
+#pragma once
+
+#include "desktop/model/headline.h"
+
+#include <QListWidget>
+#include <QMainWindow>
+#include <QStackedWidget>
+
+namespace desktop {
+
+class Controller;
+class Page;
+
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(Controller &controller, QWidget *parent = nullptr);
+
+    /// Shows the page that an action leads to.
+    void open(Action action);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void add(Page *page);
+    Page *currentPage() const;
+    void turnTo(int row);
+    template <typename Wanted> void openPage();
+
+    Controller &m_controller;
+    QListWidget *m_list;
+    QStackedWidget *m_pages;
+    Page *m_shown = nullptr;
+};
+
+} // namespace desktop
