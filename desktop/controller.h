@@ -45,8 +45,9 @@ signals:
     void pageWanted(desktop::Action action);
 
 private:
-    void announce();
     BusCall callFor(Request request) const;
+    void ask(Request request);
+    void startAndConnect();
 
     AsyncBus m_bus;
     DaemonWatch m_daemon;
