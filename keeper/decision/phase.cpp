@@ -29,7 +29,7 @@ const char *wordOf(const State &state)
     if (!state.memory.keep) {
         return "off";
     }
-    if (!isWanted(state) && !state.isWantedIfAtBoot) {
+    if (!state.memory.isWanted.value_or(false)) {
         return "idle";
     }
     if (state.asleepUntil) {
