@@ -18,7 +18,7 @@ from .pkexec import Pkexec
 from .tray import Tray
 from ..machine.bus_client import Client
 from ..machine.furnishing import NORVIX_GROUP
-from ..machine.private_machine import REAL_PATH
+from ..machine.private_machine import ADDRESS_SANITIZER, REAL_PATH
 from ..waiting import PATIENCE, NotHappened, wait_until
 
 HERE = Path(__file__).resolve().parent
@@ -36,7 +36,7 @@ FONTS = """<?xml version="1.0"?>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
 """
-SCREEN = (1280, 1024)
+SCREEN = (1920, 1200)
 PROGRAMS = "/opt/norvix/bin/"
 STILL = 0.1  # seconds; a picture that stays the same as long is complete
 
@@ -145,8 +145,11 @@ class Session:
 
     @cached_property
     def bus(self):
-        """A client of the session bus."""
-        return self.bus_client()
+        """A client of the session bus. With it comes what nearly every desktop has."""
+        client = self.bus_client()
+        self.notifications.start()
+        self.pkexec
+        return client
 
     def bus_client(self, kind=Client, path=None):
         """Another connection to the session bus, or to the bus with that socket."""
@@ -171,12 +174,17 @@ class Session:
     def start(self, program="norvix-desktop", *arguments, env=None):
         """Starts a program with a window (a name without a folder is one of ours); does not wait."""
         self.window
-        self.notifications.start()
-        self.pkexec
         path = program if "/" in str(program) else PROGRAMS + program
-        process = self.spawn([path, *arguments], env=env, label="program")
+        # Memory is checked, where it is, as for every other program but for what libraries never free.
+        checked = {"ASAN_OPTIONS": "detect_leaks=0"} if ADDRESS_SANITIZER else {}
+        process = self.spawn([path, *arguments], env={**checked, **(env or {})}, label="program")
         self.started.append(process)
         return process
+
+    def install_service(self, file):
+        """Lets the session bus start a program: copies the file that describes its service."""
+        shutil.copy(file, self.machine.path(SERVICES))
+        self.bus.call_bus("ReloadConfig")
 
     def speak(self, language="de_DE"):
         """Programs that are started from now on speak it."""
@@ -194,20 +202,22 @@ class Session:
     # ---- hands and eyes
 
     def keys(self, *names):
-        """Presses keys one after another, by their X names: "Tab", "alt+c", "Escape"."""
-        status, _, errors = self.run(["/usr/bin/xdotool", "key", *names], label="keys")
-        assert (status, errors) == (0, ""), errors
+        """Presses keys one after another, by their X names: "Tab", "alt+c", "Escape". Keyboard and mouse
+        need X, and the keyboard a window that is active: waits for one."""
+        self._use("key", *names)
 
     def type(self, text):
         """Types a text."""
-        status, _, errors = self.run(["/usr/bin/xdotool", "type", "--delay", "1", text], label="keys")
-        assert (status, errors) == (0, ""), errors
+        self._use("type", "--delay", "1", text)
 
     def click(self, element):
-        """Clicks into the middle of it. X only."""
+        """Clicks into the middle of it."""
         x, y, width, height = self._place_of(element)
-        status, _, errors = self.run(["/usr/bin/xdotool", "mousemove", str(x + width // 2),
-                                      str(y + height // 2), "click", "1"], label="mouse")
+        self._use("mousemove", x + width // 2, y + height // 2, "click", 1)
+
+    def _use(self, *words):
+        self.window.find(states={"active"})
+        status, _, errors = self.run(["/usr/bin/xdotool", *words], label="keyboard")
         assert (status, errors) == (0, ""), errors
 
     def look(self, element=None):
