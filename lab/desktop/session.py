@@ -51,7 +51,7 @@ class Session:
         self._wayland, self._window_manager = wayland, window_manager
         # As an ordinary user of the host there is only root inside.
         self.uid = self._number_of(user) if machine.rooted else 0
-        self.runtime_folder = "/run/user/%d" % self.uid
+        self.runtime_folder = "/run/user/" + user
         self.home = "/run/home/%s" % user
         self.programs = self.home + "/bin"  # what stands for programs of the system
         self.started = []
