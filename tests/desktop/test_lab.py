@@ -74,6 +74,8 @@ def test_what_pkexec_does_is_told_by_the_test(desktop, probe):
     desktop.pkexec.behaviour = "refuse"
     desktop.window.press_button("Elevate")
     desktop.window.wait_text("127: ")
+    desktop.pkexec.remove()
+    assert desktop.run(["/bin/sh", "-c", "command -v pkexec"]) == (127, "", "")
 
 
 def test_a_picture_shows_the_window_at_rest(desktop, probe, tmp_path):
