@@ -127,11 +127,10 @@ class Session:
         return self.machine.path(self.runtime_folder) / "Xvfb_screen0"
 
     def _start_weston(self):
-        place = self.machine.path(self.runtime_folder) / "wayland-1"
         server = self.spawn(["/usr/bin/weston", "--no-config", "--backend=headless-backend.so",
                              "--use-pixman", "--socket=wayland-1", "--idle-time=0", "--debug",
                              "--width=%d" % SCREEN[0], "--height=%d" % SCREEN[1]], label="screen")
-        self._wait_for(server, place.exists)
+        self._wait_for(server, lambda: self._listens(self.runtime_folder + "/wayland-1"))
         self.env.update(WAYLAND_DISPLAY="wayland-1", QT_QPA_PLATFORM="wayland")
 
     @cached_property
@@ -140,7 +139,7 @@ class Session:
         path = self.runtime_folder + "/bus"
         server = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile",
                              "--config-file=" + BUS_CONFIGURATION], label="session-bus")
-        self._wait_for(server, self.machine.path(path).exists)
+        self._wait_for(server, lambda: self._listens(path))
         return path
 
     @cached_property
@@ -270,6 +269,14 @@ class Session:
             return ready()
 
         return wait_until(there, what="it is ready", detail=server.errors)
+
+    def _listens(self, path):
+        """A socket is there for a moment before it is listened at."""
+        try:
+            os.close(self.machine.request("connect", path=path, uid=self.uid, gid=self.uid, groups=[]))
+        except OSError:
+            return False
+        return True
 
     def close(self):
         """Lets go of what is held in this process; the machine ends the rest."""
