@@ -48,8 +48,9 @@ signals:
     void assistantWanted(desktop::AssistantStep step);
 
 private:
-    void announce();
     BusCall callFor(Request request) const;
+    void ask(Request request);
+    void startAndConnect();
 
     AsyncBus m_bus;
     DaemonWatch m_daemon;
