@@ -32,7 +32,7 @@ SYSTEM = {
     "daemon/hal_proxy": ["modem_detection", "modem_chain"],
     "daemon/logging": ["logging", "start_and_end"],
     "daemon/main": ["start_and_end", "logging", "connection"],
-    "daemon/modem_catalogue": ["modem_detection", "modem_chain", "driver_build"],
+    "daemon/modem_catalogue": ["modem_detection", "setup", "modem_chain", "driver_build"],
     "daemon/modem_detection_slots": ["modem_detection", "modem_chain", "settings"],
     "daemon/norvix_daemon": ["bus_interface", "start_and_end", "logging", "settings", "modem_detection", "connection",
                              "network_status", "driver_build", "modem_restart", "resolver"],

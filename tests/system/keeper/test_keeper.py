@@ -319,6 +319,32 @@ def test_a_disconnect_while_nobody_listened_is_found_in_the_log(world):
     stays_idle(world)
 
 
+@ROOT_ONLY
+def test_an_unplugging_while_nobody_listened_is_no_disconnect(world):
+    world.connect()
+    time.sleep(2.1)  # the log tells seconds
+    world.keeper.kill()
+    world.hal.unplug(world.modem)
+    wait_until(lambda: world.links() == [], what="the link is gone")
+    world.start_keeper()
+    world.keeper.wait_for(State="waiting-for-modem", Wanted=True, Reason="unplugged")
+    world.hal.plug("usb_device_6b9_4061_1", 0x06B9, 0x4061)
+    world.keeper.wait_for(State="connected")
+
+
+@ROOT_ONLY
+def test_a_modem_replugged_while_nobody_listened_is_no_disconnect(world):
+    world.connect()
+    time.sleep(2.1)  # the log tells seconds
+    world.keeper.kill()
+    world.hal.unplug(world.modem)
+    world.client.wait_signal("modemUnplugged")
+    world.hal.plug("usb_device_6b9_4061_1", 0x06B9, 0x4061)
+    world.client.wait_signal("modemPlugged")
+    world.start_keeper()
+    world.keeper.wait_for(State="connected", Wanted=True)
+
+
 def test_switched_off_it_keeps_nothing(world):
     world.connect()
     world.keeper.call("SetKeep", "b", False)
