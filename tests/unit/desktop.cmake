@@ -9,4 +9,6 @@ function(norvix_desktop_test name library)
     APPEND PROPERTY ENVIRONMENT_MODIFICATION QT_QPA_PLATFORM=set:offscreen)
 endfunction()
 
+norvix_desktop_test(plot norvix-desktop-core)
+norvix_desktop_test(plot_content norvix-desktop-model)
 norvix_desktop_test(speed_history norvix-desktop-model)
