@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // norvix-desktop: a window for the person who has the modem.
+#include "desktop/assistant/new_beginning.h"
 #include "desktop/controller.h"
 #include "desktop/window/main_window.h"
 
@@ -16,5 +17,8 @@ int main(int argc, char *argv[])
     desktop::MainWindow window(controller);
     controller.start();
     window.show();
+    if (const std::optional<desktop::HandOver> handOver = desktop::handedOver()) {
+        window.goOn(*handOver);
+    }
     return QApplication::exec();
 }
