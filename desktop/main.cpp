@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // norvix-desktop: a window for the person who has the modem.
 #include "desktop/controller.h"
+#include "desktop/plot/plot.h"
 #include "desktop/window/main_window.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvix-desktop"));
     QApplication::setApplicationVersion(QStringLiteral(NORVIX_VERSION));
+    desktop::makePlotsAccessible();
     desktop::Controller controller(QDBusConnection::systemBus());
     desktop::MainWindow window(controller);
     controller.start();
