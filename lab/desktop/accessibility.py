@@ -21,6 +21,8 @@ STATES = ("invalid active armed busy checked collapsed defunct editable enabled 
 NEED_NO_NAME = {"application", "desktop frame", "filler", "panel", "frame", "layered pane", "scroll pane", "split pane",
                 "viewport", "separator", "page tab list", "scroll bar", "tool bar", "menu bar",
                 "status bar", "label", "table cell", "list item", "unknown"}
+COMBO = "combo box"
+LABELLED_BY = 2
 TAB_LIMIT = 300
 
 # One element at one moment. depth: 0 for where one began to look.
@@ -61,12 +63,24 @@ class Element:
         return self._property(ACCESSIBLE, "Name")
 
     @property
+    def label(self):
+        """The name of the label that belongs to it, or empty."""
+        for kind, references in self._call(ACCESSIBLE, "GetRelationSet"):
+            if kind == LABELLED_BY:
+                return Element(self._bus, self._keyboard, *references[0]).name
+        return ""
+
+    @property
     def description(self):
         return self._property(ACCESSIBLE, "Description")
 
     @property
     def role(self):
         return self._call(ACCESSIBLE, "GetRoleName")
+
+    @property
+    def parent(self):
+        return Element(self._bus, self._keyboard, *self._property(ACCESSIBLE, "Parent"))
 
     @property
     def states(self):
@@ -143,9 +157,10 @@ class Element:
         return below
 
     def matches(self, role=None, name=None, states=()):
-        """All that fit now."""
+        """All that fit now. A combo box is called by what is chosen in it, so here by its label."""
         return [one.element for one in self.seen()
-                if fits(role, one.role) and fits(name, one.name) and one.states.issuperset(states)]
+                if fits(role, one.role) and one.states.issuperset(states)
+                and fits(name, one.element.label if role == COMBO else one.name)]
 
     def has(self, role=None, name=None, states=()):
         return bool(self.matches(role, name, states))
@@ -201,6 +216,27 @@ class Element:
         if "selected" not in found.states:
             found.press()
 
+    def choose(self, label, item):
+        """Opens the combo box with that label and chooses by keyboard: what a screen reader selects in
+        its list is not chosen yet. X only."""
+        combo = self.find(COMBO, label, {"sensitive"})
+        items = [row.name for row in combo.children()[0].children()]
+        combo.press()
+        self._keyboard("Home", *["Down"] * items.index(item), "Return")
+        self.wait(lambda: combo.name == item, what="%s is chosen" % item)
+
+    def check(self, name, on=True, role="check box"):
+        """Ticks a box, or takes the tick away."""
+        box = self.find(role, name, {"sensitive"})
+        if ("checked" in box.states) != on:
+            box.press()
+
+    def answer_time(self):
+        """Seconds until the program has answered: as long as its main loop is busy."""
+        before = time.monotonic()
+        self.role
+        return time.monotonic() - before
+
     # ---- judging
 
     def texts(self):
@@ -215,7 +251,9 @@ class Element:
     def nameless(self):
         """What a screen reader can say nothing about: (role, description) of each."""
         return [(one.role, one.element.description) for one in self.seen()
-                if not one.name and one.role not in NEED_NO_NAME and one.depth]
+                if one.role not in NEED_NO_NAME and one.depth
+                and not (one.element.label if one.role == COMBO else one.name)
+                and one.element.parent.role != COMBO]
 
     def outline(self):
         """The tree as text, for people who wonder what was there."""

@@ -95,7 +95,7 @@ class Pkexec:
             argv = argv[1:]
         try:
             # The real one, too, hands over nothing of the caller's environment but who it is.
-            return self._session.machine.run(argv, cwd="/root", label="pkexec",
+            return self._session.machine.run(argv, label="pkexec",
                                              env={"HOME": "/root", "USER": "root", "LOGNAME": "root",
                                                   "PKEXEC_UID": str(self._session.uid)})
         except OSError as error:

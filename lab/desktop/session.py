@@ -18,7 +18,7 @@ from .pkexec import Pkexec
 from .tray import Tray
 from ..machine.bus_client import Client
 from ..machine.furnishing import NORVIX_GROUP
-from ..machine.private_machine import REAL_PATH
+from ..machine.private_machine import ADDRESS_SANITIZER, REAL_PATH
 from ..waiting import PATIENCE, NotHappened, wait_until
 
 HERE = Path(__file__).resolve().parent
@@ -36,7 +36,7 @@ FONTS = """<?xml version="1.0"?>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
 """
-SCREEN = (1280, 1024)
+SCREEN = (1920, 1200)
 PROGRAMS = "/opt/norvix/bin/"
 STILL = 0.1  # seconds; a picture that stays the same as long is complete
 
@@ -51,7 +51,7 @@ class Session:
         self._wayland, self._window_manager = wayland, window_manager
         # As an ordinary user of the host there is only root inside.
         self.uid = self._number_of(user) if machine.rooted else 0
-        self.runtime_folder = "/run/user/%d" % self.uid
+        self.runtime_folder = "/run/user/" + user
         self.home = "/run/home/%s" % user
         self.programs = self.home + "/bin"  # what stands for programs of the system
         self.started = []
@@ -127,11 +127,10 @@ class Session:
         return self.machine.path(self.runtime_folder) / "Xvfb_screen0"
 
     def _start_weston(self):
-        place = self.machine.path(self.runtime_folder) / "wayland-1"
         server = self.spawn(["/usr/bin/weston", "--no-config", "--backend=headless-backend.so",
                              "--use-pixman", "--socket=wayland-1", "--idle-time=0", "--debug",
                              "--width=%d" % SCREEN[0], "--height=%d" % SCREEN[1]], label="screen")
-        self._wait_for(server, place.exists)
+        self._wait_for(server, lambda: self._listens(self.runtime_folder + "/wayland-1"))
         self.env.update(WAYLAND_DISPLAY="wayland-1", QT_QPA_PLATFORM="wayland")
 
     @cached_property
@@ -140,13 +139,16 @@ class Session:
         path = self.runtime_folder + "/bus"
         server = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile",
                              "--config-file=" + BUS_CONFIGURATION], label="session-bus")
-        self._wait_for(server, self.machine.path(path).exists)
+        self._wait_for(server, lambda: self._listens(path))
         return path
 
     @cached_property
     def bus(self):
-        """A client of the session bus."""
-        return self.bus_client()
+        """A client of the session bus. With it comes what nearly every desktop has."""
+        client = self.bus_client()
+        self.notifications.start()
+        self.pkexec
+        return client
 
     def bus_client(self, kind=Client, path=None):
         """Another connection to the session bus, or to the bus with that socket."""
@@ -171,12 +173,17 @@ class Session:
     def start(self, program="norvix-desktop", *arguments, env=None):
         """Starts a program with a window (a name without a folder is one of ours); does not wait."""
         self.window
-        self.notifications.start()
-        self.pkexec
         path = program if "/" in str(program) else PROGRAMS + program
-        process = self.spawn([path, *arguments], env=env, label="program")
+        # Memory is checked, where it is, as for every other program but for what libraries never free.
+        checked = {"ASAN_OPTIONS": "detect_leaks=0"} if ADDRESS_SANITIZER else {}
+        process = self.spawn([path, *arguments], env={**checked, **(env or {})}, label="program")
         self.started.append(process)
         return process
+
+    def install_service(self, file):
+        """Lets the session bus start a program: copies the file that describes its service."""
+        shutil.copy(file, self.machine.path(SERVICES))
+        self.bus.call_bus("ReloadConfig")
 
     def speak(self, language="de_DE"):
         """Programs that are started from now on speak it."""
@@ -194,20 +201,22 @@ class Session:
     # ---- hands and eyes
 
     def keys(self, *names):
-        """Presses keys one after another, by their X names: "Tab", "alt+c", "Escape"."""
-        status, _, errors = self.run(["/usr/bin/xdotool", "key", *names], label="keys")
-        assert (status, errors) == (0, ""), errors
+        """Presses keys one after another, by their X names: "Tab", "alt+c", "Escape". Keyboard and mouse
+        need X, and the keyboard a window that is active: waits for one."""
+        self._use("key", *names)
 
     def type(self, text):
         """Types a text."""
-        status, _, errors = self.run(["/usr/bin/xdotool", "type", "--delay", "1", text], label="keys")
-        assert (status, errors) == (0, ""), errors
+        self._use("type", "--delay", "1", text)
 
     def click(self, element):
-        """Clicks into the middle of it. X only."""
+        """Clicks into the middle of it."""
         x, y, width, height = self._place_of(element)
-        status, _, errors = self.run(["/usr/bin/xdotool", "mousemove", str(x + width // 2),
-                                      str(y + height // 2), "click", "1"], label="mouse")
+        self._use("mousemove", x + width // 2, y + height // 2, "click", 1)
+
+    def _use(self, *words):
+        self.window.find(states={"active"})
+        status, _, errors = self.run(["/usr/bin/xdotool", *words], label="keyboard")
         assert (status, errors) == (0, ""), errors
 
     def look(self, element=None):
@@ -260,6 +269,14 @@ class Session:
             return ready()
 
         return wait_until(there, what="it is ready", detail=server.errors)
+
+    def _listens(self, path):
+        """A socket is there for a moment before it is listened at."""
+        try:
+            os.close(self.machine.request("connect", path=path, uid=self.uid, gid=self.uid, groups=[]))
+        except OSError:
+            return False
+        return True
 
     def close(self):
         """Lets go of what is held in this process; the machine ends the rest."""

@@ -18,21 +18,24 @@ def test_a_window_is_read_filled_in_and_pressed_by_the_names_of_its_parts(deskto
     desktop.window.fill("Name", "Ann")
     desktop.window.fill("Password", "secret")
     desktop.window.select("Fruits", "pear")
+    desktop.window.choose("Colour", "grey")
+    desktop.window.find("spin box", "Count").set_value(3)
+    desktop.window.check("Sure")
     desktop.window.press_button("Greet")
-    assert desktop.window.wait_text(re.compile("letters")) == "Ann, 6 letters, pear"
+    assert desktop.window.wait_text(re.compile("letters")) == "Ann, 6 letters, pear, 3 grey, sure"
     assert desktop.window.find("text", "Name").text == "Ann"
     assert desktop.window.nameless() == [("push button", "")]
 
 
 def test_the_keyboard_goes_round_all_parts(desktop, probe):
     desktop.start(probe)
-    desktop.window.find("frame", "Probe", {"active"})
     order = desktop.window.focus_order()
-    assert [name for _, name in order] == ["Name", "Password", "apple", "Greet", "Elevate", ""]
+    assert [name for _, name in order] == [
+        "Name", "Password", "apple", "black", "Count", "Sure", "Greet", "Elevate", ""]
     desktop.window.find("text", "Name").focus()
     desktop.type("Bob")
-    desktop.keys("Tab", "Tab", "Down", "Tab", "space")
-    desktop.window.wait_text("Bob, 0 letters, pear")
+    desktop.keys("Tab", "Tab", "Down", "Tab", "Tab", "Tab", "Tab", "space")
+    desktop.window.wait_text("Bob, 0 letters, pear, 0 black")
 
 
 def test_a_notification_is_kept_and_its_action_pressed(desktop, probe):
@@ -71,6 +74,8 @@ def test_what_pkexec_does_is_told_by_the_test(desktop, probe):
     desktop.pkexec.behaviour = "refuse"
     desktop.window.press_button("Elevate")
     desktop.window.wait_text("127: ")
+    desktop.pkexec.remove()
+    assert desktop.run(["/bin/sh", "-c", "command -v pkexec"]) == (127, "", "")
 
 
 def test_a_picture_shows_the_window_at_rest(desktop, probe, tmp_path):
@@ -127,6 +132,15 @@ def test_a_window_twice_as_large_is_pictured_whole(new_desktop, probe):
     assert widths[1] == 2 * widths[0]
 
 
+def test_the_session_bus_starts_what_is_installed_for_it(desktop, probe, tmp_path):
+    (tmp_path / "probe.service").write_text("[D-BUS Service]\nName=lab.Probe\nExec=%s\n" % probe)
+    desktop.install_service(tmp_path / "probe.service")
+    desktop.window
+    desktop.bus.start_call("StartServiceByName", "su", "lab.Probe", 0, service="org.freedesktop.DBus",
+                           path="/org/freedesktop/DBus", interface="org.freedesktop.DBus")
+    desktop.window.find("frame", "Probe")
+
+
 def test_a_program_is_started_in_german(desktop):
     desktop.speak("de_DE")
     assert desktop.run(["/usr/bin/locale", "decimal_point"])[1] == ",\n"
@@ -138,7 +152,7 @@ def test_on_wayland_the_same_can_be_done(new_desktop, probe, tmp_path):
     desktop.start(probe, "--tray")
     desktop.window.fill("Name", "Ann")
     desktop.window.press_button("Greet")
-    desktop.window.wait_text("Ann, 0 letters, none")
+    desktop.window.wait_text("Ann, 0 letters, none, 0 black")
     assert desktop.tray.item().tooltip == "green"
     assert desktop.notifications.wait().summary == "Greeted Ann"
     desktop.picture(tmp_path / "screen.png")

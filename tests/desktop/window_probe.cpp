@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A small window for the tests of the lab's desktops: what they find, press, read and see change.
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
@@ -12,6 +14,7 @@
 #include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QSystemTrayIcon>
 
 namespace {
@@ -52,6 +55,13 @@ int main(int argc, char **argv)
     list->setAccessibleName(QStringLiteral("Fruits"));
     list->addItems({QStringLiteral("apple"), QStringLiteral("pear"), QStringLiteral("plum")});
     form->addRow(list);
+    auto *colour = new QComboBox;
+    colour->addItems({QStringLiteral("black"), QStringLiteral("white"), QStringLiteral("grey")});
+    form->addRow(QStringLiteral("Colour"), colour);
+    auto *count = new QSpinBox;
+    form->addRow(QStringLiteral("Count"), count);
+    auto *sure = new QCheckBox(QStringLiteral("Sure"));
+    form->addRow(sure);
     auto *greet = new QPushButton(QStringLiteral("Greet"));
     auto *elevate = new QPushButton(QStringLiteral("Elevate"));
     auto *nameless = new QPushButton;
@@ -66,11 +76,13 @@ int main(int argc, char **argv)
 
     QObject::connect(greet, &QPushButton::clicked, answer, [&] {
         const QList<QListWidgetItem *> fruits = list->selectedItems();
-        answer->setText(
-            QStringLiteral("%1, %2 letters, %3")
-                .arg(name->text())
-                .arg(password->text().size())
-                .arg(fruits.isEmpty() ? QStringLiteral("none") : fruits.first()->text()));
+        answer->setText(QStringLiteral("%1, %2 letters, %3, %4 %5%6")
+                            .arg(name->text())
+                            .arg(password->text().size())
+                            .arg(fruits.isEmpty() ? QStringLiteral("none") : fruits.first()->text())
+                            .arg(count->value())
+                            .arg(colour->currentText(),
+                                sure->isChecked() ? QStringLiteral(", sure") : QString()));
         notify(QStringLiteral("Greeted ") + name->text());
     });
     QObject::connect(elevate, &QPushButton::clicked, answer, [&] {
