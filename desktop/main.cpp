@@ -2,6 +2,7 @@
 // norvix-desktop: a window for the person who has the modem.
 #include "desktop/assistant/new_beginning.h"
 #include "desktop/controller.h"
+#include "desktop/plot/plot.h"
 #include "desktop/window/main_window.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvix-desktop"));
     QApplication::setApplicationVersion(QStringLiteral(NORVIX_VERSION));
+    desktop::makePlotsAccessible();
     desktop::Controller controller(QDBusConnection::systemBus());
     desktop::MainWindow window(controller);
     controller.start();
