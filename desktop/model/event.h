@@ -101,6 +101,12 @@ struct RequestFailed
     Failure failure;
 };
 
+/// The computer is about to sleep, or has woken up.
+struct SleepTold
+{
+    bool isAsleep;
+};
+
 /// Only the time has passed.
 struct Ticked
 {
@@ -111,6 +117,6 @@ struct Ticked
 using Event = std::variant<event::BusLost, event::DaemonAppeared, event::DaemonLeft,
     event::DaemonSilent, event::DaemonAnswered, event::DaemonGreeted, event::DaemonTold,
     event::KeeperTold, event::KeeperLeft, event::LinkLost, event::LineSeen, event::Requested,
-    event::RequestFailed, event::Ticked>;
+    event::RequestFailed, event::SleepTold, event::Ticked>;
 
 } // namespace desktop

@@ -40,27 +40,6 @@ QString plan(const ConnectionModel &model, qint64 now)
     return Say::tr("Next try at %1.").arg(timeText(*model.keeper->nextAttempt));
 }
 
-QString troubleText(const ConnectionModel &model)
-{
-    switch (model.trouble) {
-    case Trouble::None:
-        return {};
-    case Trouble::LineNotSynchronised:
-        return Say::tr("The line did not synchronise. Is the telephone cable plugged in?");
-    case Trouble::ProviderSilent:
-        return Say::tr("The provider does not answer.");
-    case Trouble::AccountRefused:
-        return Say::tr("The provider refused login or password.");
-    case Trouble::NotUp:
-        return Say::tr("The connection did not come up. The check-up tells why.");
-    case Trouble::Lost:
-        return keeperReasonFact(model.lossReason).text;
-    case Trouble::ResolverWrong:
-        return Say::tr("Connected, but names are not resolved.");
-    }
-    return {};
-}
-
 Action remedyOf(Trouble trouble)
 {
     switch (trouble) {
@@ -144,6 +123,27 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
 }
 
 } // namespace
+
+QString troubleText(const ConnectionModel &model)
+{
+    switch (model.trouble) {
+    case Trouble::None:
+        return {};
+    case Trouble::LineNotSynchronised:
+        return Say::tr("The line did not synchronise. Is the telephone cable plugged in?");
+    case Trouble::ProviderSilent:
+        return Say::tr("The provider does not answer.");
+    case Trouble::AccountRefused:
+        return Say::tr("The provider refused login or password.");
+    case Trouble::NotUp:
+        return Say::tr("The connection did not come up. The check-up tells why.");
+    case Trouble::Lost:
+        return keeperReasonFact(model.lossReason).text;
+    case Trouble::ResolverWrong:
+        return Say::tr("Connected, but names are not resolved.");
+    }
+    return {};
+}
 
 QString durationText(qint64 seconds)
 {
