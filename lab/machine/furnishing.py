@@ -8,7 +8,8 @@ from .standin_control import install, install_standins
 
 HERE = Path(__file__).resolve().parent
 NORVIX_GROUP = 64999
-INSTALLED = {"bin": ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl"),
+INSTALLED = {"bin": ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl",
+                     "norvix-desktop"),
              "lib": ("libnorvix-support.so",)}
 EMPTY_FOLDERS = ("/opt/norvix/bin", "/opt/norvix/lib", "/run/dbus", "/run/lab/standins",
                  "/run/lab/triggers", "/run/lock")
