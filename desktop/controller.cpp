@@ -42,6 +42,12 @@ void Controller::take(const Event &event)
 {
     m_model.apply(event, QDateTime::currentMSecsSinceEpoch());
     emit happened(event);
+    if (std::holds_alternative<event::LinkLost>(event)) {
+        m_daemon.look(); // it may tell of the loss only when asked
+    }
+    if (m_model.isEndingOwed) {
+        request(Request::Disconnect);
+    }
     if (!m_announcement.isActive()) {
         m_announcement.start();
     }
@@ -51,13 +57,10 @@ BusCall Controller::callFor(Request request) const
 {
     switch (request) {
     case Request::Connect:
-        // The keeper remembers the wish, and hears it even while an attempt runs. It starts no
-        // daemon.
-        if (m_model.keeper && m_model.keeper->isKeeping
-            && m_model.daemon == DaemonPresence::There) {
-            return keeperCall(KeeperMethod::Connect);
-        }
-        break;
+        // The keeper remembers the wish, and hears it even while an attempt runs.
+        return m_model.keeper && m_model.keeper->isKeeping
+            ? keeperCall(KeeperMethod::Connect)
+            : daemonCall(DaemonMethod::establishConnection);
     case Request::Disconnect:
         return daemonCall(DaemonMethod::terminateConnection);
     case Request::RestartModem:
@@ -65,9 +68,7 @@ BusCall Controller::callFor(Request request) const
     case Request::AdoptModem:
         return daemonCall(DaemonMethod::useNewModem);
     }
-    BusCall call = daemonCall(DaemonMethod::establishConnection);
-    call.startsService = true;
-    return call;
+    return {};
 }
 
 void Controller::request(Request request)
@@ -75,10 +76,38 @@ void Controller::request(Request request)
     if (request == Request::AdoptModem && m_model.announcedModem.isEmpty()) {
         return; // the daemon would forget the modem that it knows
     }
+    const bool isDaemonThere = m_model.daemon == DaemonPresence::There;
     take(event::Requested{request});
+    if (request == Request::Connect && !isDaemonThere) {
+        startAndConnect();
+        return;
+    }
+    ask(request);
+}
+
+void Controller::ask(Request request)
+{
     m_bus.ask(callFor(request), this, [this, request](const BusAnswer &answer) {
-        if (!answer.ok()) {
+        if (answer.ok()) {
+            take(event::RequestTaken{request});
+        } else {
             take(event::RequestFailed{request, answer.failure});
+        }
+    });
+}
+
+/// A connection outlives the daemon: a second one must not be begun beside it.
+void Controller::startAndConnect()
+{
+    BusCall question = daemonCall(DaemonMethod::getConnectionState);
+    question.startsService = true;
+    m_bus.ask(question, this, [this](const BusAnswer &answer) {
+        if (!answer.ok()) {
+            take(event::RequestFailed{Request::Connect, answer.failure});
+        } else if (answer.value().toInt() == ConnectionDown) {
+            ask(Request::Connect);
+        } else {
+            take(event::RequestTaken{Request::Connect});
         }
     });
 }

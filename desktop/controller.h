@@ -2,6 +2,7 @@
 // Holds the one model, feeds it with events and carries out what a person asks for.
 #pragma once
 
+#include "desktop/assistant/step.h"
 #include "desktop/bus/async_bus.h"
 #include "desktop/bus/daemon_watch.h"
 #include "desktop/bus/keeper_watch.h"
@@ -43,10 +44,13 @@ signals:
     void happened(const desktop::Event &event);
     /// A button leads to another page, or to the assistant.
     void pageWanted(desktop::Action action);
+    /// A button leads to a page of the assistant.
+    void assistantWanted(desktop::AssistantStep step);
 
 private:
-    void announce();
     BusCall callFor(Request request) const;
+    void ask(Request request);
+    void startAndConnect();
 
     AsyncBus m_bus;
     DaemonWatch m_daemon;

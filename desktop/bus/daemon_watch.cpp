@@ -6,19 +6,22 @@
 #include <QDBusServiceWatcher>
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
 namespace desktop {
 
 namespace {
 
 constexpr int heartbeatMs = 5000;
+// While nobody looks, a symbol in the panel may be a minute behind.
+constexpr int hiddenHeartbeatMs = 60000;
 // A daemon that asks a neighbour which hangs answers late; a person has begun to wonder by then.
 constexpr int patienceMs = 3000;
 
 /// Those of every second while connected.
 const char *const ticks[] = {DaemonSignal::transmissionSpeed, DaemonSignal::transmissionErrors,
     DaemonSignal::transmissionBytes, DaemonSignal::connectionTime};
+/// Those of them that are shown.
+const char *const shownTicks[] = {DaemonSignal::transmissionSpeed, DaemonSignal::transmissionBytes};
 
 bool isTick(const char *signal)
 {
@@ -32,10 +35,10 @@ DaemonWatch::DaemonWatch(AsyncBus &bus, QObject *parent)
     : QObject(parent)
     , m_bus(bus)
 {
-    m_heartbeat.setInterval(heartbeatMs);
+    m_heartbeat.setInterval(hiddenHeartbeatMs);
     m_patience.setInterval(patienceMs);
     m_patience.setSingleShot(true);
-    connect(&m_heartbeat, &QTimer::timeout, this, &DaemonWatch::askWhetherItAnswers);
+    connect(&m_heartbeat, &QTimer::timeout, this, &DaemonWatch::look);
     connect(&m_patience, &QTimer::timeout, this, [this] { emit happened(event::DaemonSilent()); });
 }
 
@@ -74,14 +77,12 @@ void DaemonWatch::setWatched(bool isWatched)
         return;
     }
     m_isWatched = isWatched;
-    for (const char *tick : ticks) {
+    for (const char *tick : shownTicks) {
         subscribe(tick, isWatched);
     }
-    if (isWatched && !m_owner.isEmpty()) {
-        m_heartbeat.start();
-        askWhetherItAnswers();
-    } else {
-        m_heartbeat.stop();
+    m_heartbeat.setInterval(isWatched ? heartbeatMs : hiddenHeartbeatMs);
+    if (isWatched) {
+        look();
     }
 }
 
@@ -108,6 +109,7 @@ void DaemonWatch::takeOwner(const QString &owner)
     ++m_generation;
     m_owner = owner;
     m_isAsked = false;
+    m_lastState.reset();
     m_patience.stop();
     if (owner.isEmpty()) {
         m_heartbeat.stop();
@@ -116,79 +118,96 @@ void DaemonWatch::takeOwner(const QString &owner)
     }
     emit happened(event::DaemonAppeared());
     greet();
-    if (m_isWatched) {
-        m_heartbeat.start();
-    }
+    m_heartbeat.start();
 }
 
-/// Asks a daemon for what it will not tell by itself.
+/// Asks a daemon for what it will not tell by itself. What may make it wait for others is asked
+/// for last.
 void DaemonWatch::greet()
 {
-    const auto greeting = std::make_shared<event::DaemonGreeted>();
-    const unsigned generation = m_generation;
-    const auto ask
-        = [this](const BusCall &call, const AsyncBus::Then &then) { m_bus.ask(call, this, then); };
-    const auto finish = [this, greeting, generation] {
-        if (generation == m_generation) {
-            m_patience.stop();
-            emit happened(*greeting);
-        }
-    };
-    m_patience.start();
-    ask(daemonCall(DaemonMethod::getIsCompiling), [greeting](const BusAnswer &answer) {
-        if (answer.ok()) {
-            greeting->isBuilding = answer.value().toBool();
-        }
-    });
-    ask(daemonCall(DaemonMethod::getIsModemPlugged), [greeting](const BusAnswer &answer) {
-        if (answer.ok()) {
-            greeting->isModemPlugged = answer.value().toBool();
-        }
-    });
-    ask(setupCall(SetupMethod::GetAnnouncedModem), [greeting](const BusAnswer &answer) {
-        greeting->announcedModem = answer.value().toString();
-    });
-    // Answers come in the order of the calls. The address is asked for only when there is one: the
-    // daemon writes a line to its log for each such question without an answer.
-    ask(daemonCall(DaemonMethod::getConnectionState), [=](const BusAnswer &answer) {
-        if (answer.ok()) {
-            greeting->state = answer.value().toInt();
-        }
-        if (greeting->state != ConnectionUp) {
-            finish();
-            return;
-        }
-        ask(daemonCall(DaemonMethod::getInterface), [greeting](const BusAnswer &interface) {
-            greeting->interface = interface.value().toString();
+    m_greeting = Greeting::UnderWay;
+    askForState();
+    tell(daemonCall(DaemonMethod::getIsCompiling),
+        [](auto &answer, const QVariant &value) { answer.isBuilding = value.toBool(); });
+    tell(setupCall(SetupMethod::GetAnnouncedModem),
+        [](auto &answer, const QVariant &value) { answer.announcedModem = value.toString(); });
+    m_bus.ask(daemonCall(DaemonMethod::getIsModemPlugged), this,
+        [this, generation = m_generation](const BusAnswer &answer) {
+            if (generation != m_generation) {
+                return;
+            }
+            m_greeting = answer.ok() ? Greeting::Answered : Greeting::Owed;
+            if (answer.ok()) {
+                event::DaemonAnswered told;
+                told.isModemPlugged = answer.value().toBool();
+                emit happened(told);
+            }
         });
-        ask(daemonCall(DaemonMethod::getIP), [greeting](const BusAnswer &address) {
-            greeting->address = address.value().toString();
-        });
-        ask(daemonCall(DaemonMethod::getDefaultRoute), [greeting, finish](const BusAnswer &route) {
-            greeting->route = route.value().toString();
-            finish();
-        });
+}
+
+/// Only while there is one: the daemon writes a line to its log when asked for it in vain.
+void DaemonWatch::askForAddress()
+{
+    tell(daemonCall(DaemonMethod::getInterface),
+        [](auto &answer, const QVariant &value) { answer.interface = value.toString(); });
+    tell(daemonCall(DaemonMethod::getIP),
+        [](auto &answer, const QVariant &value) { answer.address = value.toString(); });
+    tell(daemonCall(DaemonMethod::getDefaultRoute),
+        [](auto &answer, const QVariant &value) { answer.route = value.toString(); });
+}
+
+/// Asks, and tells the answer as an event; of a daemon that has gone by then it tells nothing.
+void DaemonWatch::tell(
+    const BusCall &call, const std::function<void(event::DaemonAnswered &, const QVariant &)> &take)
+{
+    m_bus.ask(call, this, [this, take, generation = m_generation](const BusAnswer &answer) {
+        if (generation == m_generation && answer.ok()) {
+            event::DaemonAnswered told;
+            take(told, answer.value());
+            emit happened(told);
+        }
     });
 }
 
-void DaemonWatch::askWhetherItAnswers()
+/// A connection may be lost without a signal, and a daemon may be there without answering: one
+/// question tells both.
+void DaemonWatch::askForState()
 {
     if (m_isAsked) {
         return;
     }
     m_isAsked = true;
     m_patience.start();
-    m_bus.ask(daemonCall(DaemonMethod::reply), this,
+    m_bus.ask(daemonCall(DaemonMethod::getConnectionState), this,
         [this, generation = m_generation](const BusAnswer &answer) {
             if (generation != m_generation) {
                 return;
             }
             m_isAsked = false;
-            if (answer.ok()) {
-                m_patience.stop();
-                emit happened(event::DaemonAnswered());
+            if (!answer.ok()) {
+                return;
             }
+            m_patience.stop();
+            event::DaemonAnswered told;
+            told.state = answer.value().toInt();
+            emit happened(told);
+            if (told.state == ConnectionUp && m_lastState != ConnectionUp) {
+                askForAddress();
+            }
+            m_lastState = told.state;
         });
+}
+
+void DaemonWatch::look()
+{
+    if (m_owner.isEmpty()) {
+        return;
+    }
+    if (m_greeting == Greeting::Owed) {
+        greet();
+    } else {
+        askForState();
+    }
 }
 
 void DaemonWatch::take(const QDBusMessage &message)

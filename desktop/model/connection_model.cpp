@@ -5,6 +5,16 @@
 
 namespace desktop {
 
+namespace {
+
+/// An address or interface of the bus; empty for none.
+QString addressOf(const QString &told)
+{
+    return told == QLatin1String(Bus::none) ? QString() : told;
+}
+
+} // namespace
+
 struct ConnectionModel::Taker
 {
     ConnectionModel &model;
@@ -25,7 +35,9 @@ struct ConnectionModel::Taker
 
     void operator()(const event::DaemonLeft &) const
     {
+        const bool wasUp = model.state == ConnectionUp || model.isLinkLeft;
         model.forgetDaemon();
+        model.isLinkLeft = wasUp;
         model.daemon = DaemonPresence::Away;
     }
 
@@ -36,44 +48,41 @@ struct ConnectionModel::Taker
         }
     }
 
-    void operator()(const event::DaemonAnswered &) const
+    void operator()(const event::DaemonAnswered &answer) const
     {
-        if (model.daemon == DaemonPresence::Silent) {
-            model.daemon = DaemonPresence::There;
+        model.daemon = DaemonPresence::There;
+        if (answer.state) {
+            model.takeState(*answer.state, now);
         }
-    }
-
-    void operator()(const event::DaemonGreeted &greeting) const
-    {
-        if (greeting.state) {
-            model.daemon = DaemonPresence::There;
-            model.takeState(*greeting.state, now);
+        if (answer.isModemPlugged) {
+            model.isModemPlugged = answer.isModemPlugged;
         }
-        if (greeting.isModemPlugged) {
-            model.isModemPlugged = greeting.isModemPlugged;
-        }
-        model.isBuilding = greeting.isBuilding.value_or(model.isBuilding);
-        model.announcedModem = greeting.announcedModem;
-        model.interface = greeting.interface;
+        model.isBuilding = answer.isBuilding.value_or(model.isBuilding);
+        model.announcedModem = answer.announcedModem.value_or(model.announcedModem);
+        model.interface = answer.interface.value_or(model.interface);
         if (model.state == ConnectionUp) {
-            model.address = greeting.address;
-            model.route = greeting.route;
+            model.address = answer.address ? addressOf(*answer.address) : model.address;
+            model.route = answer.route ? addressOf(*answer.route) : model.route;
         }
     }
 
     void operator()(const event::DaemonTold &told) const
     {
+        model.daemon = DaemonPresence::There; // who speaks is not silent
         model.takeSignal(told.signal, told.arguments, now);
     }
 
-    void operator()(const event::KeeperTold &told) const { model.keeper = told.state; }
+    void operator()(const event::KeeperTold &told) const { model.takeKeeper(told.state, now); }
 
     void operator()(const event::KeeperLeft &) const { model.keeper.reset(); }
 
-    void operator()(const event::LinkLost &lost) const
+    void operator()(const event::LinkLost &lost) const { model.takeLoss(lost.reason, now); }
+
+    void operator()(const event::LinkSeen &seen) const
     {
-        model.lossReason = lost.reason;
-        model.setTrouble(Trouble::Lost, now);
+        if (model.state == ConnectionUp) {
+            model.upSince = now - seen.seconds * 1000;
+        }
     }
 
     void operator()(const event::LineSeen &seen) const { model.line = seen; }
@@ -82,6 +91,15 @@ struct ConnectionModel::Taker
     {
         model.pending = asked.request;
         model.requestFailure = {};
+        model.isEndingOwed = false;
+    }
+
+    void operator()(const event::RequestTaken &taken) const
+    {
+        // Until the attempt has ended it is not forgotten that it was to end.
+        if (model.pending == taken.request && model.step != ConnectingStep::Ending) {
+            model.pending.reset();
+        }
     }
 
     void operator()(const event::RequestFailed &failed) const
@@ -105,7 +123,12 @@ void ConnectionModel::forgetDaemon()
     forgetLink();
     state.reset();
     step = ConnectingStep::None;
-    pending.reset();
+    // A daemon that is started for a request is there before it has taken it.
+    if (pending != Request::Connect) {
+        pending.reset();
+    }
+    isEndingOwed = false;
+    isLinkLeft = false;
     isModemPlugged.reset();
     announcedModem.clear();
     isBuilding = false;
@@ -116,7 +139,7 @@ void ConnectionModel::forgetLink()
 {
     address.clear();
     route.clear();
-    connectedSeconds.reset();
+    upSince.reset();
     received = 0;
     sent = 0;
 }
@@ -127,28 +150,111 @@ void ConnectionModel::setTrouble(Trouble newTrouble, qint64 now)
     troubleAt = now;
 }
 
+std::optional<qint64> ConnectionModel::connectedSeconds(qint64 now) const
+{
+    return upSince && state == ConnectionUp
+        ? std::optional<qint64>(qMax(qint64(0), now - *upSince) / 1000)
+        : std::nullopt;
+}
+
+/// The state, told by a signal or answered to a question.
 void ConnectionModel::takeState(int newState, qint64 now)
 {
-    const bool wasAttempt = step != ConnectingStep::None;
-    state = newState;
     switch (newState) {
     case ConnectionUp:
+        isEndingOwed
+            = isEndingOwed || (step == ConnectingStep::Ending && pending == Request::Disconnect);
+        if (state != ConnectionUp) {
+            trouble = Trouble::None;
+            lossReason.clear();
+            requestFailure = {};
+        }
+        state = newState;
         step = ConnectingStep::None;
-        trouble = Trouble::None;
-        lossReason.clear();
-        pending.reset();
+        isLinkLeft = false;
+        takeKeepersTime();
+        if (pending == Request::Connect) {
+            pending.reset();
+        }
         break;
     case ConnectionConnecting:
+        if (state == ConnectionUp) {
+            takeLoss(QString(), now); // pppd dials again, and no signal tells it
+        }
+        state = newState;
         step = step == ConnectingStep::None ? ConnectingStep::Started : step;
         break;
     default:
-        forgetLink();
-        step = ConnectingStep::None;
-        if (wasAttempt && pending == Request::Connect && trouble == Trouble::None) {
-            setTrouble(Trouble::NotUp, now);
+        if (state == ConnectionUp) {
+            takeLoss(QString(), now);
         }
-        pending.reset();
+        takeEnd(now);
         break;
+    }
+}
+
+/// An attempt has ended without a connection, or there is none.
+void ConnectionModel::takeEnd(qint64 now)
+{
+    const bool wasAttempt
+        = step == ConnectingStep::Started || step == ConnectingStep::WaitingForLine;
+    forgetLink();
+    state = ConnectionDown;
+    step = ConnectingStep::None;
+    if (wasAttempt && trouble == Trouble::None) {
+        setTrouble(Trouble::NotUp, now);
+    }
+    if (pending == Request::Disconnect) {
+        pending.reset();
+    }
+}
+
+/// Of a link that nobody wanted to lose.
+void ConnectionModel::takeLoss(const QString &reason, qint64 now)
+{
+    lossReason = reason;
+    setTrouble(Trouble::Lost, now);
+    if (state == ConnectionUp) {
+        forgetLink();
+        state = ConnectionDown;
+    }
+}
+
+void ConnectionModel::takeKeepersTime()
+{
+    if (state == ConnectionUp && keeper && keeper->phase == QLatin1String(KeeperPhase::connected)
+        && keeper->since) {
+        upSince = *keeper->since * 1000;
+    }
+}
+
+void ConnectionModel::takeKeeper(const KeeperState &told, qint64 now)
+{
+    const QLatin1String connected(KeeperPhase::connected);
+    const bool wasConnected = keeper && keeper->phase == connected;
+    keeper = told;
+    if (told.phase == connected) {
+        takeKeepersTime();
+        return;
+    }
+    isLinkLeft = false;
+    // The daemon does not tell when pppd ends long after the attempt.
+    if (wasConnected && state == ConnectionUp) {
+        takeEnd(now);
+    }
+}
+
+/// Somebody has ended the connection. An attempt that waits for the line goes on all the same until
+/// the daemon tells its end.
+void ConnectionModel::takeTermination(qint64 now)
+{
+    if (state == ConnectionUp || step != ConnectingStep::None) {
+        trouble = Trouble::None;
+    }
+    if (step != ConnectingStep::None) {
+        step = ConnectingStep::Ending;
+    } else {
+        takeEnd(now);
     }
 }
 
@@ -157,30 +263,37 @@ void ConnectionModel::takeSignal(const QString &signal, const QVariantList &argu
     const auto is = [&signal](const char *name) { return signal == QLatin1String(name); };
     const auto first = [&arguments] { return arguments.value(0); };
     if (is(DaemonSignal::transmissionSpeed)) {
-        speeds.add(arguments.value(0).toUInt(), arguments.value(1).toUInt(), now);
+        // The daemon counts on after a loss that it does not notice.
+        if (state == ConnectionUp) {
+            speeds.add(arguments.value(0).toUInt(), arguments.value(1).toUInt(), now);
+        }
     } else if (is(DaemonSignal::transmissionBytes)) {
         received = arguments.value(0).toDouble();
         sent = arguments.value(1).toDouble();
-    } else if (is(DaemonSignal::connectionTime)) {
-        connectedSeconds = arguments.value(0).toInt() * qint64(3600)
-            + arguments.value(1).toInt() * qint64(60) + arguments.value(2).toInt();
     } else if (is(DaemonSignal::establishingConnection)) {
         state = ConnectionConnecting;
         step = ConnectingStep::Started;
         trouble = Trouble::None;
+        requestFailure = {};
+        forgetLink();
+        if (pending == Request::Connect) {
+            pending.reset();
+        }
     } else if (is(DaemonSignal::synchronizing)) {
-        step = ConnectingStep::WaitingForLine;
+        if (step == ConnectingStep::Started) {
+            step = ConnectingStep::WaitingForLine;
+        }
     } else if (is(DaemonSignal::connectionEstablished)) {
         takeState(ConnectionUp, now);
+        upSince = now; // a keeper that still tells of the last link is behind
     } else if (is(DaemonSignal::connectionTerminated)) {
-        pending.reset();
-        takeState(ConnectionDown, now);
+        takeTermination(now);
     } else if (is(DaemonSignal::connectionState)) {
         takeState(first().toInt(), now);
     } else if (is(DaemonSignal::IP)) {
-        address = first().toString();
+        address = addressOf(first().toString());
     } else if (is(DaemonSignal::defaultRoute)) {
-        route = first().toString();
+        route = addressOf(first().toString());
     } else if (is(DaemonSignal::synchronizationFailed)) {
         setTrouble(Trouble::LineNotSynchronised, now);
     } else if (is(DaemonSignal::connectionTimeout)) {

@@ -21,7 +21,7 @@ enum class ConnectingStep
     None, ///< nothing is under way
     Started,
     WaitingForLine,
-    Calling, ///< the line is there, the provider is called
+    Ending, ///< somebody has ended it, and what waits for the line goes on until it is there
 };
 
 /// What the last attempt or connection came to, when it was no good.
@@ -51,10 +51,15 @@ public:
     Failure requestFailure; ///< of the last request, until the next
     std::optional<Request> pending; ///< asked for and not yet seen to happen
 
-    QString address;
+    /// The link came up although the person had ended the attempt: it is to be ended once more.
+    bool isEndingOwed = false;
+    /// The daemon left while a connection was up, which stays.
+    bool isLinkLeft = false;
+
+    QString address; ///< empty for none
     QString route; ///< the interface of the default route
     QString interface;
-    std::optional<qint64> connectedSeconds;
+    std::optional<qint64> upSince;
     double received = 0; ///< bytes in this connection
     double sent = 0;
     SpeedHistory speeds;
@@ -66,8 +71,11 @@ public:
     bool isRestarting = false;
 
     std::optional<KeeperState> keeper; ///< nothing without a keeper
-    QString lossReason;
+    QString lossReason; ///< a word of KeeperReason; empty where no keeper has told one
     std::optional<event::LineSeen> line;
+
+    /// How long the connection has been up. The daemon's own count begins anew after a day.
+    std::optional<qint64> connectedSeconds(qint64 now) const;
 
 private:
     struct Taker;
@@ -75,6 +83,11 @@ private:
     void forgetDaemon();
     void forgetLink();
     void takeState(int newState, qint64 now);
+    void takeKeepersTime();
+    void takeEnd(qint64 now);
+    void takeTermination(qint64 now);
+    void takeLoss(const QString &reason, qint64 now);
+    void takeKeeper(const KeeperState &told, qint64 now);
     void takeSignal(const QString &signal, const QVariantList &arguments, qint64 now);
     void setTrouble(Trouble newTrouble, qint64 now);
 };

@@ -42,21 +42,17 @@ struct DaemonSilent
 {
 };
 
-/// An answer has come, whichever.
+/// An answer of the daemon to a question of the window's own. Each comes by itself: while others
+/// are waited for, a signal may tell what is newer than it.
 struct DaemonAnswered
-{
-};
-
-/// The answers to the questions that a new daemon is asked; what it did not answer is missing.
-struct DaemonGreeted
 {
     std::optional<int> state; ///< as on the bus
     std::optional<bool> isModemPlugged;
     std::optional<bool> isBuilding;
-    QString address; ///< asked for only while connected
-    QString route;
-    QString interface;
-    QString announcedModem; ///< empty for none
+    std::optional<QString> address; ///< asked for only while connected
+    std::optional<QString> route;
+    std::optional<QString> interface;
+    std::optional<QString> announcedModem; ///< empty for none
 };
 
 /// A signal of the daemon.
@@ -81,6 +77,12 @@ struct LinkLost
     QString reason;
 };
 
+/// How long pppd has been running, as the system tells it.
+struct LinkSeen
+{
+    qint64 seconds;
+};
+
 /// What system and keeper tell of the line.
 struct LineSeen
 {
@@ -90,6 +92,12 @@ struct LineSeen
 };
 
 struct Requested
+{
+    Request request;
+};
+
+/// Who was asked has taken the request; what comes of it is told by signals.
+struct RequestTaken
 {
     Request request;
 };
@@ -115,8 +123,8 @@ struct Ticked
 } // namespace event
 
 using Event = std::variant<event::BusLost, event::DaemonAppeared, event::DaemonLeft,
-    event::DaemonSilent, event::DaemonAnswered, event::DaemonGreeted, event::DaemonTold,
-    event::KeeperTold, event::KeeperLeft, event::LinkLost, event::LineSeen, event::Requested,
-    event::RequestFailed, event::SleepTold, event::Ticked>;
+    event::DaemonSilent, event::DaemonAnswered, event::DaemonTold, event::KeeperTold,
+    event::KeeperLeft, event::LinkLost, event::LinkSeen, event::LineSeen, event::Requested,
+    event::RequestTaken, event::RequestFailed, event::SleepTold, event::Ticked>;
 
 } // namespace desktop

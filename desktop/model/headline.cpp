@@ -40,46 +40,115 @@ QString plan(const ConnectionModel &model, qint64 now)
     return Say::tr("Next try at %1.").arg(timeText(*model.keeper->nextAttempt));
 }
 
-Action remedyOf(Trouble trouble)
+/// Where a remedy of the keeper's reasons leads in this window.
+Action pageFor(RemedyKind remedy)
 {
-    switch (trouble) {
-    case Trouble::AccountRefused:
+    if (remedy == RemedyKind::SetAccount || remedy == RemedyKind::SetAccountAgain) {
         return Action::CheckAccount;
-    case Trouble::ProviderSilent:
-        return Action::CheckLine;
-    case Trouble::LineNotSynchronised:
-    case Trouble::NotUp:
-    case Trouble::ResolverWrong:
-        return Action::CheckUp;
-    case Trouble::None:
-    case Trouble::Lost:
-        break;
     }
-    return Action::None;
+    if (remedy == RemedyKind::SetLine || remedy == RemedyKind::CheckLine) {
+        return Action::CheckLine;
+    }
+    return remedy == RemedyKind::None ? Action::None : Action::CheckUp;
+}
+
+struct Cause
+{
+    QString text; ///< empty for none
+    Action remedy = Action::None;
+};
+
+Cause keepersCause(const QString &reason)
+{
+    const Fact fact = keeperReasonFact(reason);
+    return {fact.text, pageFor(fact.remedy.kind)};
+}
+
+/// Why the last attempt or connection came to nothing, as well as anybody knows.
+Cause causeOf(const ConnectionModel &model)
+{
+    const QString keepers = model.keeper ? model.keeper->reason : QString();
+    switch (model.trouble) {
+    case Trouble::None:
+        // A person who has ended the connection is not told so.
+        return model.keeper && model.keeper->isWanted ? keepersCause(keepers) : Cause();
+    case Trouble::LineNotSynchronised:
+        return {Say::tr("The line did not synchronise. Is the telephone cable plugged in?"),
+            Action::CheckUp};
+    case Trouble::ProviderSilent:
+        return {Say::tr("The provider does not answer."), Action::CheckLine};
+    case Trouble::AccountRefused:
+        return {Say::tr("The provider refused login or password."), Action::CheckAccount};
+    case Trouble::NotUp:
+        return keepers.isEmpty() || keepers == QLatin1String(KeeperReason::unknown)
+            ? Cause{Say::tr("The connection did not come up. The check-up tells why."),
+                Action::CheckUp}
+            : keepersCause(keepers);
+    case Trouble::Lost:
+        return model.lossReason.isEmpty() ? Cause{Say::tr("The connection was lost."), Action::None}
+                                          : keepersCause(model.lossReason);
+    case Trouble::ResolverWrong:
+        return {Say::tr("Connected, but names are not resolved."), Action::CheckUp};
+    }
+    return {};
+}
+
+/// The cause with the time since which it holds, where that is known.
+QString causeText(const ConnectionModel &model, const Cause &cause)
+{
+    return cause.text.isEmpty() || model.trouble == Trouble::None
+        ? cause.text
+        : Say::tr("%1: %2").arg(timeText(model.troubleAt / 1000), cause.text);
 }
 
 Headline connecting(const ConnectionModel &model)
 {
-    QString reason = Say::tr("The provider is called.");
-    if (model.step == ConnectingStep::WaitingForLine) {
-        reason = Say::tr("Waiting for the line to synchronise.");
+    const QString title = Say::tr("Connecting");
+    switch (model.step) {
+    case ConnectingStep::WaitingForLine:
+        return {Standing::Connecting, title, Say::tr("Waiting for the line to synchronise."),
+            Action::Cancel, Action::None};
+    case ConnectingStep::Ending:
+        return {Standing::Connecting, Say::tr("Ending"),
+            Say::tr("The attempt is ended; while it waits for the line this takes up to a minute."),
+            Action::None, Action::None};
+    case ConnectingStep::None:
+    case ConnectingStep::Started:
+        break;
     }
-    return {Standing::Connecting, Say::tr("Connecting"), reason, Action::Cancel, Action::None};
+    return {Standing::Connecting, title, Say::tr("The provider is called."), Action::Cancel,
+        Action::None};
 }
 
-Headline connected(const ConnectionModel &model)
+Headline connected(const ConnectionModel &model, qint64 now)
 {
     Headline headline{
         Standing::Connected, Say::tr("Connected"), QString(), Action::Disconnect, Action::None};
-    if (model.connectedSeconds) {
-        headline.reason = Say::tr("For %1.").arg(durationText(*model.connectedSeconds));
+    if (const std::optional<qint64> seconds = model.connectedSeconds(now)) {
+        headline.reason = Say::tr("For %1.").arg(durationText(*seconds));
     }
+    Cause cause;
     if (model.trouble != Trouble::None) {
+        cause = causeOf(model);
+    } else if (model.keeper && model.keeper->reason == QLatin1String(KeeperReason::foreignLink)) {
+        cause = keepersCause(model.keeper->reason);
+    } else if (model.keeper && model.keeper->isLimitReached) {
+        cause.text = Say::tr("The month's limit is reached.");
+    }
+    if (!cause.text.isEmpty()) {
         headline.standing = Standing::Attention;
-        headline.reason = joined(headline.reason, troubleText(model));
-        headline.secondary = remedyOf(model.trouble);
+        headline.reason = joined(headline.reason, cause.text);
+        headline.secondary = cause.remedy;
     }
     return headline;
+}
+
+/// What the keeper waits for, where that is not only time.
+QString waitText(const KeeperState &keeper)
+{
+    const bool isWaiting = keeper.phase.startsWith(QLatin1String("waiting-"))
+        || keeper.phase == QLatin1String(KeeperPhase::asleep);
+    return isWaiting ? Say::tr("Now: %1.").arg(keeperPhaseText(keeper.phase)) : QString();
 }
 
 Headline notConnected(const ConnectionModel &model, qint64 now)
@@ -98,51 +167,57 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
         }
         return headline;
     }
-    if (model.trouble != Trouble::None) {
-        headline.standing = Standing::Attention;
-        headline.reason = joined(troubleText(model), plan(model, now));
-        const Action remedy = remedyOf(model.trouble);
-        if (remedy != Action::None) {
-            headline.secondary = headline.primary;
-            headline.primary = remedy;
-        }
-        return headline;
-    }
-    if (isKept) {
-        headline.standing = Standing::Attention;
-        headline.reason = joined(keeperPhaseText(model.keeper->phase), plan(model, now));
-        return headline;
-    }
     if (model.isModemPlugged == false) {
         headline.reason = model.announcedModem.isEmpty()
             ? Say::tr("No modem is plugged in.")
             : Say::tr("A new modem was found: %1.").arg(model.announcedModem);
         headline.primary = Action::SetUp;
+        headline.secondary = Action::CheckUp;
+        return headline;
+    }
+    const Cause cause = causeOf(model);
+    if (!cause.text.isEmpty() || isKept) {
+        headline.standing = Standing::Attention;
+        headline.reason = causeText(model, cause);
+        if (isKept) {
+            headline.reason
+                = joined(joined(headline.reason, waitText(*model.keeper)), plan(model, now));
+        }
+        if (cause.remedy != Action::None) {
+            headline.secondary = headline.primary;
+            headline.primary = cause.remedy;
+        }
     }
     return headline;
+}
+
+/// Nobody is there who could tell. What the daemon had started stays.
+Headline withoutDaemon(const ConnectionModel &model)
+{
+    if (model.pending == Request::Connect) {
+        return {Standing::Connecting, Say::tr("Connecting"), Say::tr("The daemon is started."),
+            Action::None, Action::None};
+    }
+    const bool isUp = model.isLinkLeft
+        || (model.keeper && model.keeper->phase == QLatin1String(KeeperPhase::connected));
+    if (isUp) {
+        return {Standing::DaemonAway, Say::tr("Daemon away"),
+            joined(requestFailureText(model.requestFailure),
+                Say::tr(
+                    "The connection stays; until the daemon runs again nothing is known of it.")),
+            Action::CheckUp, Action::None};
+    }
+    const QString failure = requestFailureText(model.requestFailure);
+    return {Standing::DaemonAway, Say::tr("Not connected"),
+        failure.isEmpty() ? Say::tr("The daemon is not running; “Connect” starts it.") : failure,
+        Action::Connect, Action::CheckUp};
 }
 
 } // namespace
 
 QString troubleText(const ConnectionModel &model)
 {
-    switch (model.trouble) {
-    case Trouble::None:
-        return {};
-    case Trouble::LineNotSynchronised:
-        return Say::tr("The line did not synchronise. Is the telephone cable plugged in?");
-    case Trouble::ProviderSilent:
-        return Say::tr("The provider does not answer.");
-    case Trouble::AccountRefused:
-        return Say::tr("The provider refused login or password.");
-    case Trouble::NotUp:
-        return Say::tr("The connection did not come up. The check-up tells why.");
-    case Trouble::Lost:
-        return keeperReasonFact(model.lossReason).text;
-    case Trouble::ResolverWrong:
-        return Say::tr("Connected, but names are not resolved.");
-    }
-    return {};
+    return causeOf(model).text;
 }
 
 QString durationText(qint64 seconds)
@@ -202,14 +277,7 @@ Headline headlineOf(const ConnectionModel &model, qint64 now)
             Say::tr("Nothing on this system can be asked about the modem."), Action::None,
             Action::None};
     case DaemonPresence::Away:
-        if (model.pending == Request::Connect) {
-            return {Standing::Connecting, Say::tr("Connecting"), Say::tr("The daemon is started."),
-                Action::None, Action::None};
-        }
-        return {Standing::DaemonAway, Say::tr("Not connected"),
-            joined(requestFailureText(model.requestFailure),
-                Say::tr("The daemon is not running; “Connect” starts it.")),
-            Action::Connect, Action::CheckUp};
+        return withoutDaemon(model);
     case DaemonPresence::Silent:
         return {Standing::DaemonAway, Say::tr("No answer"),
             Say::tr("The daemon is running but does not answer."), Action::RestartDaemon,
@@ -223,10 +291,14 @@ Headline headlineOf(const ConnectionModel &model, qint64 now)
             Action::None};
     }
     if (model.state == ConnectionUp) {
-        return connected(model);
+        return connected(model, now);
     }
     if (model.state == ConnectionConnecting) {
         return connecting(model);
+    }
+    if (model.pending == Request::Connect) {
+        return {Standing::Connecting, Say::tr("Connecting"),
+            Say::tr("The connection was asked for."), Action::None, Action::None};
     }
     if (model.isBuilding) {
         return {Standing::Connecting, Say::tr("Driver is built"),

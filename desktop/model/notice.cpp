@@ -73,19 +73,12 @@ struct NoticeDecision::Taker
             || isSignal(told, DaemonSignal::invalidAccountData)) {
             return failed(troubleText(model));
         }
-        // The model gives a reason to an attempt that ended without one.
-        if (isSignal(told, DaemonSignal::connectionTerminated)
-            || isSignal(told, DaemonSignal::connectionState)) {
-            const bool isDown = model.state == ConnectionDown;
-            if (isDown && before == ConnectionConnecting && model.trouble == Trouble::NotUp) {
-                return failed(troubleText(model));
-            }
-            // With a keeper that one knows whether somebody wanted it, and why it was.
-            if (isDown && before == ConnectionUp && !model.keeper) {
-                return lost(Say::tr("The check-up tells what is known about it."));
-            }
-        }
-        return {};
+        return ended();
+    }
+
+    Told operator()(const event::DaemonAnswered &) const
+    {
+        return decision.m_isEndWanted ? Told() : ended();
     }
 
     Told operator()(const event::LinkLost &loss) const
@@ -110,13 +103,27 @@ struct NoticeDecision::Taker
     Told operator()(const event::BusLost &) const { return forgotten(); }
     Told operator()(const event::DaemonAppeared &) const { return forgotten(); }
     Told operator()(const event::DaemonLeft &) const { return forgotten(); }
-    Told operator()(const event::DaemonGreeted &) const { return {}; }
     Told operator()(const event::DaemonSilent &) const { return {}; }
-    Told operator()(const event::DaemonAnswered &) const { return {}; }
     Told operator()(const event::KeeperLeft &) const { return {}; }
+    Told operator()(const event::LinkSeen &) const { return {}; }
+    Told operator()(const event::RequestTaken &) const { return {}; }
     Told operator()(const event::LineSeen &) const { return {}; }
     Told operator()(const event::SleepTold &) const { return {}; }
     Told operator()(const event::Ticked &) const { return {}; }
+
+    /// What the model makes of an end that no signal gives a reason for.
+    Told ended() const
+    {
+        const bool isDown = model.state == ConnectionDown;
+        if (isDown && before == ConnectionConnecting && model.trouble == Trouble::NotUp) {
+            return failed(troubleText(model));
+        }
+        // With a keeper that one tells of it, and why it was.
+        if (isDown && before == ConnectionUp && model.trouble == Trouble::Lost && !model.keeper) {
+            return lost(Say::tr("The check-up tells what is known about it."));
+        }
+        return {};
+    }
 
     Told forgotten() const
     {

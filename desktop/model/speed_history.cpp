@@ -20,8 +20,7 @@ std::optional<double> plausible(quint32 speed)
 void SpeedHistory::add(quint32 down, quint32 up, qint64 now)
 {
     forgetOld(now);
-    // A clock set back leaves no samples of the future.
-    while (!m_samples.isEmpty() && m_samples.last().at >= now) {
+    if (!m_samples.isEmpty() && m_samples.last().at == now) {
         m_samples.removeLast();
     }
     m_samples.append({now, plausible(down), plausible(up)});
@@ -29,9 +28,10 @@ void SpeedHistory::add(quint32 down, quint32 up, qint64 now)
 
 void SpeedHistory::forgetOld(qint64 now)
 {
-    const auto firstKept = std::find_if(m_samples.begin(), m_samples.end(),
-        [now](const SpeedSample &sample) { return sample.at > now - spanMs; });
-    m_samples.erase(m_samples.begin(), firstKept);
+    // What lies in the future was there before the clock was set back.
+    const auto firstForgotten = std::remove_if(m_samples.begin(), m_samples.end(),
+        [now](const SpeedSample &sample) { return sample.at <= now - spanMs || sample.at > now; });
+    m_samples.erase(firstForgotten, m_samples.end());
 }
 
 } // namespace desktop

@@ -22,7 +22,7 @@ public:
     /// Takes what the daemon tells each second. A difference that has wrapped is known by its size:
     /// no ADSL line carries it.
     void add(quint32 down, quint32 up, qint64 now);
-    /// Drops what has become too old.
+    /// Drops what has become too old, or lies in the future.
     void forgetOld(qint64 now);
     void clear() { m_samples.clear(); }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/decision/cause.h"
 
+#include "dbus/contract.h"
+
 namespace keeper {
 
 namespace {
@@ -11,53 +13,53 @@ const char *wordOf(Cause cause)
     case Cause::None:
         return "";
     case Cause::Unknown:
-        return "unknown";
+        return KeeperReason::unknown;
     case Cause::User:
-        return "user";
+        return KeeperReason::user;
     case Cause::Sleep:
-        return "sleep";
+        return KeeperReason::sleep;
     case Cause::HungUp:
-        return "hung-up";
+        return KeeperReason::hungUp;
     case Cause::Silent:
-        return "silent";
+        return KeeperReason::silent;
     case Cause::BridgeGone:
-        return "bridge-gone";
+        return KeeperReason::bridgeGone;
     case Cause::LineLost:
-        return "line-lost";
+        return KeeperReason::lineLost;
     case Cause::Unplugged:
-        return "unplugged";
+        return KeeperReason::unplugged;
     case Cause::ModemRestart:
-        return "modem-restart";
+        return KeeperReason::modemRestart;
     case Cause::NoConcentrator:
-        return "no-concentrator";
+        return KeeperReason::noConcentrator;
     case Cause::NoNegotiation:
-        return "no-negotiation";
+        return KeeperReason::noNegotiation;
     case Cause::PeerTerminated:
-        return "peer-terminated";
+        return KeeperReason::peerTerminated;
     case Cause::AccountRefused:
-        return "account-refused";
+        return KeeperReason::accountRefused;
     case Cause::LineNotSynchronised:
-        return "line-not-synchronised";
+        return KeeperReason::lineNotSynchronised;
     case Cause::BridgeMissing:
-        return "bridge-missing";
+        return KeeperReason::bridgeMissing;
     case Cause::DeviceMissing:
-        return "device-missing";
+        return KeeperReason::deviceMissing;
     case Cause::PeerFileMissing:
-        return "peer-file-missing";
+        return KeeperReason::peerFileMissing;
     case Cause::BadOption:
-        return "bad-option";
+        return KeeperReason::badOption;
     case Cause::PasswordMissing:
-        return "password-missing";
+        return KeeperReason::passwordMissing;
     case Cause::PeerMustAuthenticate:
-        return "peer-must-authenticate";
+        return KeeperReason::peerMustAuthenticate;
     case Cause::CircuitMissing:
-        return "circuit-missing";
+        return KeeperReason::circuitMissing;
     case Cause::ForeignLink:
-        return "foreign-link";
+        return KeeperReason::foreignLink;
     case Cause::RequestDropped:
-        return "request-dropped";
+        return KeeperReason::requestDropped;
     case Cause::RequestRefused:
-        return "request-refused";
+        return KeeperReason::requestRefused;
     }
     return "";
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/decision/phase.h"
 
+#include "dbus/contract.h"
 #include "keeper/decision/decision.h"
 
 namespace keeper {
@@ -10,39 +11,39 @@ namespace {
 const char *attemptPhase(const State &state)
 {
     if (state.task != Task::None) {
-        return state.isAwaitingLine ? "waiting-for-line" : "connecting";
+        return state.isAwaitingLine ? KeeperPhase::waitingForLine : KeeperPhase::connecting;
     }
     if (state.modem == Modem::Gone) {
-        return "waiting-for-modem";
+        return KeeperPhase::waitingForModem;
     }
     if (state.pause == Pause::Settings) {
-        return "waiting-for-settings";
+        return KeeperPhase::waitingForSettings;
     }
-    return state.carrier == false ? "waiting-for-line" : "waiting";
+    return state.carrier == false ? KeeperPhase::waitingForLine : KeeperPhase::waiting;
 }
 
 const char *wordOf(const State &state)
 {
     if (state.isInSession) {
-        return "connected";
+        return KeeperPhase::connected;
     }
     if (!state.memory.keep) {
-        return "off";
+        return KeeperPhase::off;
     }
     if (!isWanted(state) && !state.isWantedIfAtBoot) {
-        return "idle";
+        return KeeperPhase::idle;
     }
     if (state.asleepUntil) {
-        return "asleep";
+        return KeeperPhase::asleep;
     }
     if (!state.isDaemonThere) {
-        return "waiting-for-daemon";
+        return KeeperPhase::waitingForDaemon;
     }
     if (state.isBuilding) {
-        return "waiting-for-driver";
+        return KeeperPhase::waitingForDriver;
     }
     if (state.restartUntil) {
-        return "waiting-for-restart";
+        return KeeperPhase::waitingForRestart;
     }
     return attemptPhase(state);
 }
