@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // norvixctl status
 #include "client/daemon_bus.h"
+#include "client/keeper_bus.h"
 #include "client/link_facts.h"
 #include "client/say.h"
 #include "client/settings_file.h"
@@ -8,6 +9,7 @@
 #include "client/text_format.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/keeper_report.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
@@ -121,6 +123,22 @@ void addConnection(Report &report, const DaemonBus &bus, int state)
     addFigures(report, interface);
 }
 
+/// Says that the stored idle time means nothing to the keeper.
+void addIdleTime(Report &report, const DaemonBus &bus, const KeeperAnswer<KeeperState> &keeper)
+{
+    if (!keeper.ok() || !keeper.value.isKeeping) {
+        return;
+    }
+    const int idle
+        = bus.call(DaemonMethod::getIdlenessTime, {}, DaemonBus::Start::Never, shortTimeoutMs)
+              .value.toInt();
+    if (idle > 0) {
+        report.note(Say::tr("The stored idle time (%1) is not honoured: the keeper keeps a "
+                            "connection that is wanted, used or not.")
+                        .arg(idle));
+    }
+}
+
 } // namespace
 
 int runStatus(const Invocation &, const Terminal &terminal)
@@ -140,6 +158,9 @@ int runStatus(const Invocation &, const Terminal &terminal)
         bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs));
     addLine(report);
     addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
+    const KeeperAnswer<KeeperState> keeper = KeeperBus(bus).state();
+    addKeeper(report, keeper, QStringLiteral("keeper."));
+    addIdleTime(report, bus, keeper);
     report.add(QStringLiteral("driver.compiling"),
         compiling.ok() ? QJsonValue(compiling.value.toBool()) : QJsonValue(QJsonValue::Null));
     if (compiling.value.toBool()) {
