@@ -449,35 +449,35 @@ Finding checkResolvconf(const Facts &facts)
         Say::tr("it is not told the provider's servers, and no name may resolve."));
 }
 
-Finding withoutKeeper(const Failure &failure)
+Finding withoutKeeper(FailureKind kind)
 {
-    switch (failure.kind) {
-    case FailureKind::NoBus:
+    if (kind == FailureKind::NoBus) {
         return notChecked(Say::tr("not known without the system bus"));
-    case FailureKind::KeeperMissing:
+    }
+    if (kind == FailureKind::KeeperMissing) {
         return doubtful(
             Say::tr("The keeper is not installed: a connection that is lost stays lost."),
             RemedyKind::InstallKeeper);
-    case FailureKind::KeeperStopped:
+    }
+    if (kind == FailureKind::KeeperStopped) {
         return doubtful(Say::tr("The keeper is not running: a connection that is lost stays lost."),
             RemedyKind::StartKeeper);
-    case FailureKind::NotPermitted:
+    }
+    if (kind == FailureKind::NotPermitted) {
         return doubtful(Say::tr("The bus does not let this user ask the keeper, which everybody "
                                 "may."),
             RemedyKind::InstallKeeperPolicy);
-    case FailureKind::KeeperNoAnswer:
-        return doubtful(
-            Say::tr("The keeper is on the bus but does not answer."), RemedyKind::RestartKeeper);
-    default:
-        return doubtful(
-            Say::tr("What the keeper answers is not understood."), RemedyKind::RestartKeeper);
     }
+    return doubtful(kind == FailureKind::KeeperNoAnswer
+            ? Say::tr("The keeper is on the bus but does not answer.")
+            : Say::tr("What the keeper answers is not understood."),
+        RemedyKind::RestartKeeper);
 }
 
 Finding checkKeeper(const Facts &facts)
 {
     if (!facts.keeper.ok()) {
-        return withoutKeeper(facts.keeper.failure);
+        return withoutKeeper(facts.keeper.failure.kind);
     }
     const KeeperState &state = facts.keeper.value;
     if (state.reason == QLatin1String(KeeperReason::requestRefused)) {

@@ -23,14 +23,9 @@ QString reasonText(const QString &reason)
 
 QString absenceText(const Failure &failure)
 {
-    switch (failure.kind) {
-    case FailureKind::KeeperMissing:
-        return Say::tr("not installed");
-    case FailureKind::KeeperStopped:
-        return Say::tr("not running");
-    default:
-        return Say::tr("unknown");
-    }
+    return failure.kind == FailureKind::KeeperMissing ? Say::tr("not installed")
+        : failure.kind == FailureKind::KeeperStopped  ? Say::tr("not running")
+                                                      : Say::tr("unknown");
 }
 
 /// Keys stay the same whether or not the keeper has answered.

@@ -56,7 +56,7 @@ RouteFacts linkBeside(quint32 metric)
 }
 
 /// A neighbour with its file in place.
-Neighbour inForce(Answer answer)
+Neighbour withItsFile(Answer answer)
 {
     Neighbour neighbour;
     neighbour.isPresent = neighbour.hasFile = true;
@@ -396,41 +396,44 @@ private slots:
         row(
             "a file that hides networkmanager's", "networkmanager",
             [](Facts &f) {
-                f.neighbours.networkManager = inForce(Answer::Unknown);
+                f.neighbours.networkManager = withItsFile(Answer::Unknown);
                 f.neighbours.networkManager.hiddenBy = "/etc/x.conf";
             },
             "warning", "Give /etc/x.conf another name");
         row(
             "networkmanager that manages the modem's interfaces", "networkmanager",
-            [](Facts &f) { f.neighbours.networkManager = inForce(Answer::No); }, "warning",
+            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::No); }, "warning",
             "disconnect and connect again");
         row(
             "networkmanager that does as it is told", "networkmanager",
-            [](Facts &f) { f.neighbours.networkManager = inForce(Answer::Yes); }, "ok", "alone");
+            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::Yes); }, "ok",
+            "alone");
         row(
             "a file that hides networkd's", "networkd",
             [](Facts &f) {
-                f.neighbours.networkd = inForce(Answer::Unknown);
+                f.neighbours.networkd = withItsFile(Answer::Unknown);
                 f.neighbours.networkd.hiddenBy = "/etc/x.conf";
             },
             "warning", "Give /etc/x.conf another name");
         row(
             "networkd that manages the modem's interfaces", "networkd",
-            [](Facts &f) { f.neighbours.networkd = inForce(Answer::No); }, "warning",
+            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::No); }, "warning",
             "disconnect and connect again");
         row(
             "networkd that does as it is told", "networkd",
-            [](Facts &f) { f.neighbours.networkd = inForce(Answer::Yes); }, "ok", "alone");
+            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::Yes); }, "ok", "alone");
         row(
             "resolved without the provider's servers", "resolved",
-            [](Facts &f) { f.neighbours.resolved = inForce(Answer::No); }, "warning",
+            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::No); }, "warning",
             "norvixctl connect");
         row(
             "resolved with its file, and no link", "resolved",
-            [](Facts &f) { f.neighbours.resolved = inForce(Answer::Unknown); }, "ok", "is told");
+            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::Unknown); }, "ok",
+            "is told");
         row(
             "resolvconf with its hook", "resolvconf",
-            [](Facts &f) { f.neighbours.resolvconf = inForce(Answer::Unknown); }, "ok", "is told");
+            [](Facts &f) { f.neighbours.resolvconf = withItsFile(Answer::Unknown); }, "ok",
+            "is told");
         row(
             "no keeper", "keeper",
             [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperMissing; }, "warning",
