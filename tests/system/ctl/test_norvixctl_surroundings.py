@@ -235,7 +235,7 @@ def test_networkd_is_believed_what_it_says_of_the_link(resolved_world):
     assert "10-norvix.network" in told(check)
 
 
-def test_doctor_looks_at_all_that_within_seconds(lone):
+def test_neighbours_that_hang_do_not_hang_doctor(lone):
     for name in (NETWORKD, RESOLVED, MANAGER):
         FakeService.start(lone, name, Get=None, GetDeviceByIpIface=None)
     start_keeper(lone, GetAll=None)
