@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "connection/pppd_command.h"
 
-QStringList pppdArguments(const QString &peer, const QStringList &extraArguments)
+QStringList extraArgumentsFrom(const QStringList &stored)
+{
+    const bool isKeyWithoutValue = stored.size() == 1 && stored.constFirst().isEmpty();
+    return isKeyWithoutValue ? QStringList() : stored;
+}
+
+QStringList pppdArguments(const QString &peer, const QStringList &stored)
 {
     const QStringList arguments = {QStringLiteral("debug"), QStringLiteral("linkname"),
         QStringLiteral("norvix"), QStringLiteral("call"), peer};
-    const bool isKeyWithoutValue
-        = extraArguments.size() == 1 && extraArguments.constFirst().isEmpty();
-    return isKeyWithoutValue ? arguments : arguments + extraArguments;
+    return arguments + extraArgumentsFrom(stored);
 }
 
 QStringList childEnvironment(const QStringList &environment, bool is32bit)

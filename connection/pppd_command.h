@@ -5,10 +5,13 @@
 #include <QString>
 #include <QStringList>
 
+/// The user's arguments for pppd as the settings' list @p stored means them, empty ones too. A
+/// single empty one is what the settings give for a key without a value: no argument.
+QStringList extraArgumentsFrom(const QStringList &stored);
+
 /// The arguments that make pppd read the peer file @p peer and name its pid file after the daemon.
-/// The user's @p extraArguments follow, empty ones too. A single empty one is what the settings
-/// give for a key without a value: no argument.
-QStringList pppdArguments(const QString &peer, const QStringList &extraArguments);
+/// The user's follow, from the settings' list @p stored.
+QStringList pppdArguments(const QString &peer, const QStringList &stored);
 
 /// @p environment with the daemon's own library and program folders at the end of its search paths.
 /// Where it has no such path, the bare folder is added as an entry without a name, which no child

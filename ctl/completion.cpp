@@ -69,16 +69,16 @@ QString optionsWithValue(Values values)
     for (const Command &command : commandTable()) {
         for (const Option &option : optionsOf(command)) {
             const bool isMeant = values == Values::Any || option.choices == nullptr;
-            const QString name = QLatin1String("--") + QLatin1String(option.name);
-            if (option.value == nullptr || !isMeant || names.contains(name)) {
+            if (option.value == nullptr || !isMeant) {
                 continue;
             }
-            names.append(name);
+            names.append(QLatin1String("--") + QLatin1String(option.name));
             if (option.letter != 0) {
                 names.append(QStringLiteral("-%1").arg(QLatin1Char(option.letter)));
             }
         }
     }
+    names.removeDuplicates(); // several commands have the same, or another by the same letter
     return names.join(QLatin1Char('|'));
 }
 
@@ -149,7 +149,8 @@ QString bashCompletion()
         QStringLiteral("    elif [[ $prev == = ]]; then prev=${COMP_WORDS[COMP_CWORD-2]}; fi"),
         QStringLiteral("    case $prev in")};
     lines += valueCases(QStringLiteral("    "),
-        QStringLiteral("OPTION) COMPREPLY=($(compgen -W 'CHOICES' -- \"$cur\")); return ;;"));
+        QStringLiteral(
+            "OPTION) mapfile -t COMPREPLY < <(compgen -W 'CHOICES' -- \"$cur\"); return ;;"));
     lines.append(QStringLiteral("    %1) return ;;").arg(optionsWithValue(Values::Free)));
     lines.append(QStringLiteral("    esac"));
     lines += pathLoop(
@@ -159,8 +160,8 @@ QString bashCompletion()
             .arg(firstWords().join(QLatin1Char(' ')))};
     lines += cases(QStringLiteral("    "));
     lines += {QStringLiteral("    esac"),
-        QStringLiteral("    COMPREPLY=($(compgen -W \"$words\" -- \"$cur\"))"), QStringLiteral("}"),
-        QStringLiteral("complete -F _norvixctl norvixctl")};
+        QStringLiteral("    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$cur\")"),
+        QStringLiteral("}"), QStringLiteral("complete -F _norvixctl norvixctl")};
     return lines.join(QLatin1Char('\n'));
 }
 

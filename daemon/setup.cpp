@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "daemon/setup.h"
 
+#include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "daemon/setup_rules.h"
 #include "dbus/contract.h"
@@ -12,7 +13,7 @@
 
 namespace {
 
-const char pppdArguments[] = "pppd_arguments";
+const char argumentsKey[] = "pppd_arguments";
 
 void answerWithError(const QDBusMessage &message, const char *error, const QString &text)
 {
@@ -88,7 +89,7 @@ void SetupAdaptor::SetSettings(const QVariantMap &settings, const QDBusMessage &
 
 QStringList SetupAdaptor::GetPppdArguments()
 {
-    return readSetting(settings(), pppdArguments).toStringList();
+    return extraArgumentsFrom(readSetting(settings(), argumentsKey).toStringList());
 }
 
 void SetupAdaptor::SetPppdArguments(const QStringList &arguments, const QDBusMessage &message)
@@ -98,7 +99,7 @@ void SetupAdaptor::SetPppdArguments(const QStringList &arguments, const QDBusMes
         answerWithError(message, Bus::setupRefused, refusal);
         return;
     }
-    store({{QLatin1String(pppdArguments), arguments.isEmpty() ? QVariant() : arguments}}, message);
+    store({{QLatin1String(argumentsKey), arguments.isEmpty() ? QVariant() : arguments}}, message);
 }
 
 void SetupAdaptor::SetAccount(

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/bus_face.h"
 
+#include "dbus/contract.h"
 #include "keeper/history/billing.h"
 #include "keeper/keeper.h"
 
@@ -37,9 +38,9 @@ QVariant BusFace::told(const char *property) const
 
 void BusFace::announce(const QVariantMap &properties)
 {
-    QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/com/norvix/Keeper"),
+    QDBusMessage signal = QDBusMessage::createSignal(QLatin1String(Bus::keeperPath),
         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
-    signal << QStringLiteral("com.norvix.Keeper1") << properties << QStringList();
+    signal << QLatin1String(Bus::keeperInterface) << properties << QStringList();
     m_bus.send(signal);
 }
 
@@ -111,7 +112,7 @@ void BusFace::SetBillingDay(uint day, const QDBusMessage &message)
         return;
     }
     message.setDelayedReply(true);
-    m_bus.send(message.createErrorReply(QStringLiteral("com.norvix.Keeper1.Error.InvalidValue"),
+    m_bus.send(message.createErrorReply(QLatin1String(Bus::keeperRefused),
         QStringLiteral("A day of the month is a number from 1 to 31.")));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // norvix-keeper: keeps the connection that somebody asked for, and its history.
+#include "dbus/contract.h"
 #include "keeper/bus_face.h"
 #include "keeper/keeper.h"
 #include "keeper/settings.h"
@@ -83,8 +84,8 @@ int main(int argc, char **argv)
     if (!keeper.start()) {
         return failed("the kernel tells of no interfaces", QString::fromLocal8Bit(strerror(errno)));
     }
-    if (!bus.registerObject(QStringLiteral("/com/norvix/Keeper"), &keeper)
-        || !bus.registerService(QStringLiteral("com.norvix.Keeper"))) {
+    if (!bus.registerObject(QLatin1String(Bus::keeperPath), &keeper)
+        || !bus.registerService(QLatin1String(Bus::keeperService))) {
         return failed("the bus refuses the name com.norvix.Keeper", bus.lastError().message());
     }
     // Without the bus there is nothing to do; the service manager starts us again with it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/history/history.h"
 
+#include "dbus/contract.h"
 #include "keeper/history/schema.h"
 #include "keeper/history/thinning.h"
 
@@ -44,7 +45,8 @@ void History::open()
     m_database.reset();
     QFile file(m_path);
     if (file.open(QIODevice::ReadOnly) && versionInHeader(file.read(100)) > schemaVersion) {
-        say(QStringLiteral("newer"), QStringLiteral("it is of a newer version and left as it is"));
+        say(QLatin1String(KeeperHistory::newer),
+            QStringLiteral("it is of a newer version and left as it is"));
         return;
     }
     file.close();
@@ -58,17 +60,18 @@ void History::open()
     }
     switch (opening) {
     case Opening::Ready:
-        if (m_condition != QLatin1String("set-aside")) {
-            m_condition = QStringLiteral("ok");
+        if (m_condition != QLatin1String(KeeperHistory::setAside)) {
+            m_condition = QLatin1String(KeeperHistory::ok);
         }
         return;
     case Opening::Newer: // in the write-ahead log still
         m_database->leaveUntouched();
-        say(QStringLiteral("newer"), QStringLiteral("it is of a newer version and left as it is"));
+        say(QLatin1String(KeeperHistory::newer),
+            QStringLiteral("it is of a newer version and left as it is"));
         break;
     case Opening::Damaged:
     case Opening::Failed:
-        say(QStringLiteral("unwritable"), m_database->faultText());
+        say(QLatin1String(KeeperHistory::unwritable), m_database->faultText());
         break;
     }
     m_database.reset();
@@ -115,7 +118,7 @@ bool History::migrate(int from)
 /// Keeps the damaged file, one of them, out of the way.
 void History::setAside(const QString &why)
 {
-    say(QStringLiteral("set-aside"),
+    say(QLatin1String(KeeperHistory::setAside),
         QStringLiteral("it is damaged (%1); it is kept as %2.damaged").arg(why, m_path));
     m_database->leaveUntouched();
     m_database.reset();
@@ -149,7 +152,7 @@ bool History::tryChange(const std::function<bool(Database &)> &work)
 
 bool History::change(const std::function<bool(Database &)> &work)
 {
-    if (!m_database && m_condition == QLatin1String("unwritable")) {
+    if (!m_database && m_condition == QLatin1String(KeeperHistory::unwritable)) {
         open(); // it may be writable by now
     }
     if (!m_database) {
@@ -175,7 +178,7 @@ bool History::change(const std::function<bool(Database &)> &work)
     }
     const QString why = m_database->faultText();
     m_database.reset();
-    say(QStringLiteral("unwritable"), why);
+    say(QLatin1String(KeeperHistory::unwritable), why);
     return false;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/notices/daemon_client.h"
 
+#include "dbus/contract.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -12,17 +14,9 @@ namespace keeper {
 
 namespace {
 
-const QString &service()
-{
-    static const QString name = QStringLiteral("com.norvix.Daemon");
-    return name;
-}
-
-const QString &path()
-{
-    static const QString name = QStringLiteral("/com/norvix/Daemon");
-    return name;
-}
+const QLatin1String service(Bus::service);
+const QLatin1String path(Bus::daemonPath);
+const QLatin1String interface(Bus::daemonInterface);
 
 // Longer than the daemon waits for a neighbour that hangs.
 constexpr int callMs = 50'000;
@@ -44,11 +38,11 @@ DaemonClient::DaemonClient(const QDBusConnection &bus, QObject *parent)
 void DaemonClient::start()
 {
     auto *watcher
-        = new QDBusServiceWatcher(service(), m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+        = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
         [this](const QString &, const QString &, const QString &owner) { takeOwner(owner); });
     listen();
-    const QDBusReply<QString> owner = m_bus.interface()->serviceOwner(service());
+    const QDBusReply<QString> owner = m_bus.interface()->serviceOwner(service);
     if (owner.isValid()) {
         takeOwner(owner.value());
     }
@@ -59,27 +53,27 @@ void DaemonClient::listen()
     // One by one: a rule for the whole interface would wake us at each of its ticks, four times a
     // second.
     static const Subscription subscriptions[] = {
-        {"establishingConnection", SLOT(onEstablishingConnection())},
-        {"connectionState", SLOT(onConnectionState(int))},
-        {"connectionTerminated", SLOT(onConnectionTerminated())},
-        {"synchronizing", SLOT(onSynchronizing())},
-        {"synchronizationFailed", SLOT(onSynchronizationFailed())},
-        {"connectionTimeout", SLOT(onConnectionTimeout())},
-        {"invalidAccountData", SLOT(onInvalidAccountData())},
-        {"accountDataChanged", SLOT(onAccountDataChanged(bool))},
-        {"modemPlugged", SLOT(onModemPlugged())},
-        {"modemUnplugged", SLOT(onModemUnplugged())},
-        {"restartModemStarted", SLOT(onRestartModemStarted())},
-        {"restartModemFinished", SLOT(onRestartModemFinished())},
-        {"compilingDriver", SLOT(onCompilingDriver())},
-        {"compilationFinished", SLOT(onCompilationFinished())},
+        {DaemonSignal::establishingConnection, SLOT(onEstablishingConnection())},
+        {DaemonSignal::connectionState, SLOT(onConnectionState(int))},
+        {DaemonSignal::connectionTerminated, SLOT(onConnectionTerminated())},
+        {DaemonSignal::synchronizing, SLOT(onSynchronizing())},
+        {DaemonSignal::synchronizationFailed, SLOT(onSynchronizationFailed())},
+        {DaemonSignal::connectionTimeout, SLOT(onConnectionTimeout())},
+        {DaemonSignal::invalidAccountData, SLOT(onInvalidAccountData())},
+        {DaemonSignal::accountDataChanged, SLOT(onAccountDataChanged(bool))},
+        {DaemonSignal::modemPlugged, SLOT(onModemPlugged())},
+        {DaemonSignal::modemUnplugged, SLOT(onModemUnplugged())},
+        {DaemonSignal::restartModemStarted, SLOT(onRestartModemStarted())},
+        {DaemonSignal::restartModemFinished, SLOT(onRestartModemFinished())},
+        {DaemonSignal::compilingDriver, SLOT(onCompilingDriver())},
+        {DaemonSignal::compilationFinished, SLOT(onCompilationFinished())},
     };
     for (const Subscription &subscription : subscriptions) {
-        m_bus.connect(service(), path(), service(), QLatin1String(subscription.signal), this,
-            subscription.slot);
+        m_bus.connect(
+            service, path, interface, QLatin1String(subscription.signal), this, subscription.slot);
     }
-    m_bus.connect(service(), path(), QStringLiteral("com.norvix.Setup1"),
-        QStringLiteral("SettingsChanged"), this, SLOT(onSettingsChanged()));
+    m_bus.connect(service, path, QLatin1String(Bus::setupInterface),
+        QLatin1String(SetupSignal::SettingsChanged), this, SLOT(onSettingsChanged()));
 }
 
 void DaemonClient::takeOwner(const QString &owner)
@@ -95,15 +89,15 @@ void DaemonClient::takeOwner(const QString &owner)
 void DaemonClient::greet()
 {
     const auto daemon = std::make_shared<event::DaemonAppeared>();
-    call("getConnectAtBoot",
+    call(DaemonMethod::getConnectAtBoot,
         [daemon](const QVariant &value) { daemon->connectsAtBoot = value.toBool(); });
-    call(
-        "getIsCompiling", [daemon](const QVariant &value) { daemon->isBuilding = value.toBool(); });
-    call("getConnectionState", [daemon](const QVariant &value) {
+    call(DaemonMethod::getIsCompiling,
+        [daemon](const QVariant &value) { daemon->isBuilding = value.toBool(); });
+    call(DaemonMethod::getConnectionState, [daemon](const QVariant &value) {
         daemon->isConnecting = value.isValid() && value.toInt() == 1;
     });
     // Answers come in the order of the calls: this is the last.
-    call("getIsModemPlugged", [this, daemon](const QVariant &value) {
+    call(DaemonMethod::getIsModemPlugged, [this, daemon](const QVariant &value) {
         daemon->isModemPlugged = value.toBool();
         emit happened(*daemon);
     });
@@ -112,9 +106,9 @@ void DaemonClient::greet()
 void DaemonClient::askState()
 {
     const auto answer = std::make_shared<event::DaemonAnswered>();
-    call(
-        "getIsCompiling", [answer](const QVariant &value) { answer->isBuilding = value.toBool(); });
-    call("getConnectionState", [this, answer](const QVariant &value) {
+    call(DaemonMethod::getIsCompiling,
+        [answer](const QVariant &value) { answer->isBuilding = value.toBool(); });
+    call(DaemonMethod::getConnectionState, [this, answer](const QVariant &value) {
         if (value.isValid()) {
             answer->connectionState = value.toInt();
         }
@@ -124,24 +118,25 @@ void DaemonClient::askState()
 
 void DaemonClient::connectLink()
 {
-    call("establishConnection",
+    call(DaemonMethod::establishConnection,
         [this](const QVariant &value) { emit happened(event::RequestAnswered{value.isValid()}); });
 }
 
 void DaemonClient::endLink()
 {
-    call("terminateConnection", [this](const QVariant &) { emit happened(event::EndAnswered()); });
+    call(DaemonMethod::terminateConnection,
+        [this](const QVariant &) { emit happened(event::EndAnswered()); });
 }
 
 void DaemonClient::restartModem()
 {
-    call("restartModem", [](const QVariant &) {});
+    call(DaemonMethod::restartModem, [](const QVariant &) {});
 }
 
 void DaemonClient::call(const char *method, const Answer &answer)
 {
     QDBusMessage message
-        = QDBusMessage::createMethodCall(service(), path(), service(), QLatin1String(method));
+        = QDBusMessage::createMethodCall(service, path, interface, QLatin1String(method));
     message.setAutoStartService(false); // a stopped daemon stays stopped
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message, callMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,

@@ -8,10 +8,12 @@ from .standin_control import install, install_standins
 
 HERE = Path(__file__).resolve().parent
 NORVIX_GROUP = 64999
-INSTALLED = {"bin": ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl"),
-             "lib": ("libnorvix-support.so",)}
-EMPTY_FOLDERS = ("/opt/norvix/bin", "/opt/norvix/lib", "/run/dbus", "/run/lab/standins",
-                 "/run/lab/triggers", "/run/lock")
+INSTALLED = {"bin": ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl",
+                     "norvix-desktop"),
+             "lib": ("libnorvix-support.so",),
+             "libexec": ("norvix-desktop-join", "norvix-desktop-mend")}
+EMPTY_FOLDERS = ("/opt/norvix/bin", "/opt/norvix/lib", "/opt/norvix/libexec", "/run/dbus",
+                 "/run/lab/standins", "/run/lab/triggers", "/run/lock")
 FOR_EVERYONE = ("/tmp", "/var/tmp", "/run/lock", "/run/lab")
 # What the host's programs are found and started by, and nothing that says whose machine it is.
 ETC_OF_THE_HOST = ("alternatives", "ld.so.cache", "ld.so.conf", "ld.so.conf.d")

@@ -2,7 +2,6 @@
 #include "support/driver/compiler_work.h"
 #include "support/files/safe_file.h"
 
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
@@ -18,11 +17,13 @@ bool Compiler::Work::makeStaging()
     if (!removeTree(staging) || !makeFolders(staging + tree.root())) {
         return false;
     }
+    const std::optional<TreeContents> contents = contentsBelow(tree.root());
+    if (!contents) {
+        return false;
+    }
     // Old makefiles copy into folders that every kernel has, without making them.
-    QDirIterator folders(tree.root(), QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks,
-        QDirIterator::Subdirectories);
-    while (folders.hasNext()) {
-        if (!makeFolders(staging + folders.next())) {
+    for (const QString &folder : contents->folders) {
+        if (!makeFolders(staging + tree.absolute(folder))) {
             return false;
         }
     }
@@ -31,8 +32,13 @@ bool Compiler::Work::makeStaging()
 
 int Compiler::Work::publish(const char *step)
 {
+    const std::optional<TreeContents> staged = contentsBelow(staging);
+    if (!staged) {
+        complain(step, QStringLiteral("what was built cannot be read"));
+        return Compiler::InstallIncomplete;
+    }
     QMap<QString, QString> stagedFiles; // by their place in the module folder
-    for (const QString &file : filesBelow(staging)) {
+    for (const QString &file : staged->files) {
         const std::optional<QString> place = tree.placeOf(QLatin1Char('/') + file);
         if (!place) {
             note(step, QStringLiteral("not for the running kernel, left out: /") + file);
@@ -46,9 +52,9 @@ int Compiler::Work::publish(const char *step)
         return Compiler::BackupFailed;
     }
     for (const QString &file : files) {
-        const QString staged = stagedFiles.value(file);
-        const std::optional<FileAttributes> facts = attributesOf(staged);
-        if (!facts || !copyIntoPlace(staged, tree.absolute(file), *facts)) {
+        const QString source = stagedFiles.value(file);
+        const std::optional<FileAttributes> facts = attributesOf(source);
+        if (!facts || !copyIntoPlace(source, tree.absolute(file), *facts)) {
             complain(step, QStringLiteral("%1 cannot be installed").arg(tree.absolute(file)));
             return Compiler::InstallIncomplete;
         }
@@ -78,8 +84,12 @@ int Compiler::Work::checkModule(const char *step)
             copies.append(QFileInfo(tree.absolute(file)).canonicalFilePath());
         }
     }
-    const int rounds = tree.copiesOf(driver.moduleFile).size();
-    for (int round = 0; round <= rounds; ++round) {
+    const std::optional<QStringList> installed = tree.copiesOf(driver.moduleFile);
+    if (!installed) {
+        complain(step, QStringLiteral("%1 cannot be read").arg(tree.root()));
+        return Compiler::ModuleNotFound;
+    }
+    for (int round = 0; round <= installed->size(); ++round) {
         const int code = depmod(step);
         if (code != 0) {
             return code;

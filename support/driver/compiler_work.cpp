@@ -202,7 +202,12 @@ int Compiler::Work::depmod(const char *step)
 
 bool Compiler::Work::adaptSources(const char *step)
 {
-    for (const QString &name : filesBelow(driver.sourceDir)) {
+    const std::optional<TreeContents> contents = contentsBelow(driver.sourceDir);
+    if (!contents) {
+        complain(step, QStringLiteral("%1 cannot be read").arg(driver.sourceDir));
+        return false;
+    }
+    for (const QString &name : contents->files) {
         const QString path = driver.sourceDir + QLatin1Char('/') + name;
         const QString fileName = QFileInfo(path).fileName();
         const std::optional<FileAttributes> facts = attributesOf(path);

@@ -4,9 +4,10 @@
 #include "support/files/safe_file.h"
 #include "support/files/trusted_file.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
+#include <QSet>
+#include <cerrno>
+#include <unistd.h>
 
 QStringList addedFilesIn(const QByteArray &marker)
 {
@@ -40,8 +41,13 @@ bool ModuleBackup::take()
     if (!removeTree(m_folder) || !makeFolders(kept(), 0700)) {
         return false;
     }
-    const QStringList copies = m_tree.copiesOf(m_moduleFile);
-    for (const QString &file : copies) {
+    const std::optional<TreeContents> contents = contentsBelow(m_tree.root());
+    const std::optional<QStringList> copies = m_tree.copiesOf(m_moduleFile);
+    if (!contents || !copies
+        || !replaceFile(foldersBefore(), contents->folders.join(QLatin1Char('\n')).toUtf8())) {
+        return false;
+    }
+    for (const QString &file : *copies) {
         if (!keep(file)) {
             return false;
         }
@@ -68,10 +74,13 @@ bool ModuleBackup::beginInstall(const QStringList &files)
 bool ModuleBackup::putBack()
 {
     clearUnfinishedBelow(m_tree.root());
-    const QStringList keptFiles = filesBelow(kept());
+    const std::optional<TreeContents> backup = contentsBelow(kept());
+    if (!backup) {
+        return false; // what is not seen there would be taken for new
+    }
     bool complete = true;
     // Old files first, then away with the new: in between either of them can be loaded.
-    for (const QString &file : keptFiles) {
+    for (const QString &file : backup->files) {
         const QString target = m_tree.absolute(file);
         const std::optional<FileAttributes> facts = attributesOf(kept(file));
         if (!sameFile(kept(file), target)
@@ -79,19 +88,15 @@ bool ModuleBackup::putBack()
             complete = false;
         }
     }
-    const QStringList candidates = m_tree.copiesOf(m_moduleFile) + addedFiles();
-    for (const QString &file : candidates) {
-        const QString path = m_tree.absolute(file);
-        if (keptFiles.contains(file)) {
-            continue;
+    const std::optional<QStringList> copies = m_tree.copiesOf(m_moduleFile);
+    const std::optional<QStringList> added = addedFiles();
+    complete = complete && copies && added;
+    for (const QString &file : copies.value_or(QStringList()) + added.value_or(QStringList())) {
+        if (!backup->files.contains(file) && attributesOf(m_tree.absolute(file))) {
+            complete = removeFile(m_tree.absolute(file)) && complete;
         }
-        if (attributesOf(path)) {
-            complete = removeFile(path) && complete;
-        }
-        // A folder that held nothing else came with it, even where only the folder came.
-        QDir().rmdir(QFileInfo(path).path());
     }
-    return complete;
+    return removeNewFolders() && complete;
 }
 
 void ModuleBackup::conclude()
@@ -110,13 +115,42 @@ QString ModuleBackup::marker() const
     return m_folder + QStringLiteral("/installing");
 }
 
-QStringList ModuleBackup::addedFiles() const
+QString ModuleBackup::foldersBefore() const
 {
-    QFile file(marker());
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
+    return m_folder + QStringLiteral("/folders");
+}
+
+std::optional<QStringList> ModuleBackup::addedFiles() const
+{
+    if (!wasInterrupted()) {
+        return QStringList();
     }
-    return addedFilesIn(file.readAll());
+    const std::optional<QByteArray> text = readFileBytes(marker());
+    return text ? std::make_optional(addedFilesIn(*text)) : std::nullopt;
+}
+
+/// Folders that an install made, by itself or for its files, and that hold nothing any more.
+bool ModuleBackup::removeNewFolders() const
+{
+    if (!QFile::exists(foldersBefore())) {
+        return true; // nobody knows which are new
+    }
+    const std::optional<QByteArray> text = readFileBytes(foldersBefore());
+    const std::optional<TreeContents> contents = contentsBelow(m_tree.root());
+    if (!text || !contents) {
+        return false;
+    }
+    const QStringList before = QString::fromUtf8(*text).split(QLatin1Char('\n'));
+    const QSet<QString> known(before.begin(), before.end());
+    bool complete = true;
+    // In order, so that backwards what stands in a folder comes before it.
+    for (auto folder = contents->folders.rbegin(); folder != contents->folders.rend(); ++folder) {
+        if (!known.contains(*folder)
+            && rmdir(QFile::encodeName(m_tree.absolute(*folder)).constData()) != 0) {
+            complete = complete && errno == ENOTEMPTY;
+        }
+    }
+    return complete;
 }
 
 bool ModuleBackup::keep(const QString &file)

@@ -13,8 +13,9 @@
 QStringList addedFilesIn(const QByteArray &marker);
 
 /// The backup of one module of one kernel. On the disk: @p folder holds "kept", a copy of each
-/// module file under its own relative path, and, from the moment when the module folder may change
-/// until the build has been concluded, a file "installing" with the paths that the build adds.
+/// module file under its own relative path, a file "folders" with the folders that there were, and,
+/// from the moment when the module folder may change until the build has been concluded, a file
+/// "installing" with the paths that the build adds.
 class ModuleBackup
 {
 public:
@@ -31,7 +32,8 @@ public:
     /// (relative paths) that exist there, and notes that an install has begun.
     bool beginInstall(const QStringList &files);
 
-    /// Makes the module folder what it was when the backup was taken.
+    /// Makes the module folder what it was when the backup was taken. False when something could
+    /// not be done or seen; then it can be tried again.
     bool putBack();
 
     /// Ends the install: what is in the module folder now is what shall be there.
@@ -40,7 +42,9 @@ public:
 private:
     QString kept(const QString &file = QString()) const;
     QString marker() const;
-    QStringList addedFiles() const;
+    QString foldersBefore() const;
+    std::optional<QStringList> addedFiles() const;
+    bool removeNewFolders() const;
     bool keep(const QString &file);
 
     QString m_folder;

@@ -53,10 +53,14 @@ QString ModuleTree::buildFolder() const
     return absolute(QStringLiteral("build"));
 }
 
-QStringList ModuleTree::copiesOf(const QString &moduleFile) const
+std::optional<QStringList> ModuleTree::copiesOf(const QString &moduleFile) const
 {
+    const std::optional<TreeContents> contents = contentsBelow(m_root);
+    if (!contents) {
+        return std::nullopt;
+    }
     QStringList copies;
-    for (const QString &file : filesBelow(m_root)) {
+    for (const QString &file : contents->files) {
         if (isCopyOf(QFileInfo(file).fileName(), moduleFile)) {
             copies.append(file);
         }

@@ -26,8 +26,8 @@ public:
     QString buildFolder() const;
 
     /// The copies of module @p moduleFile (such as "cxacru.ko"), plain or compressed, as paths
-    /// relative to the root, in order.
-    QStringList copiesOf(const QString &moduleFile) const;
+    /// relative to the root, in order; nothing at all when not all of the tree could be read.
+    std::optional<QStringList> copiesOf(const QString &moduleFile) const;
 
     /// Whether the file @p fileName is a copy of @p moduleFile: the kernel takes "-" and "_" in a
     /// module's name for the same, and modprobe reads .gz, .xz and .zst.

@@ -12,9 +12,10 @@ struct Replacement
 };
 
 // Where an absolute path begins, and a kernel release in one as makefiles write it: letters and
-// digits, $(…), ${…} or `…`.
+// digits, $(…), ${…} or `…`. All of it has a limit: a line of megabytes in which each path runs to
+// the line's end would take hours.
 #define PATH_BEGINS "(?:(?<=-I)|(?<![\\w)}/]))"
-#define RELEASE "(?:\\$\\([^)]*\\)|\\$\\{[^}]*\\}|`[^`]*`|[\\w.+~-])+"
+#define RELEASE "(?:\\$\\([^)]{0,99}\\)|\\$\\{[^}]{0,99}\\}|`[^`]{0,99}`|[\\w.+~-]){1,255}"
 
 // %BUILD% stands for the running kernel's build folder.
 constexpr Replacement makefileReplacements[] = {

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -251,19 +252,34 @@ bool makeFolders(const QString &folder, mode_t mode)
         && syncFolder(encoded(parent));
 }
 
-QStringList filesBelow(const QString &folder)
+std::optional<TreeContents> contentsBelow(const QString &folder)
 {
-    QStringList files;
-    QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-        QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        entries.next();
-        if (!entries.fileName().startsWith(QLatin1String(unfinishedPrefix))) {
-            files.append(entries.filePath().mid(folder.size() + 1));
+    namespace fs = std::filesystem;
+    TreeContents contents;
+    const fs::path top(encoded(folder));
+    std::error_code error;
+    auto entry = fs::recursive_directory_iterator(top, error);
+    if (error == std::errc::no_such_file_or_directory) {
+        return contents;
+    }
+    for (; !error && entry != fs::end(entry); entry.increment(error)) {
+        const fs::path path = entry->path().lexically_relative(top);
+        const QString name = QFile::decodeName(path.c_str());
+        std::error_code leadsNowhere; // a link to nothing counts
+        if (!entry->is_directory(leadsNowhere)) {
+            if (path.filename().string().rfind(unfinishedPrefix, 0) != 0) {
+                contents.files.append(name);
+            }
+        } else if (!entry->is_symlink(error)) {
+            contents.folders.append(name);
         }
     }
-    files.sort();
-    return files;
+    if (error) {
+        return std::nullopt;
+    }
+    contents.files.sort();
+    contents.folders.sort();
+    return contents;
 }
 
 void clearUnfinishedBelow(const QString &folder)

@@ -70,9 +70,16 @@ bool sameFile(const QString &one, const QString &other);
 /// Makes @p folder and what is missing above it, with mode @p mode whatever the umask.
 bool makeFolders(const QString &folder, mode_t mode = 0755);
 
-/// Regular files and links below @p folder as paths relative to it, in order. Links to folders are
-/// not entered. What killed processes left unfinished is not among them.
-QStringList filesBelow(const QString &folder);
+/// What there is below a folder, as paths relative to it, in order.
+struct TreeContents
+{
+    QStringList files; ///< regular files and links; not what killed processes left unfinished
+    QStringList folders;
+};
+
+/// What there is below @p folder; nothing where that does not exist. Links to folders are left out
+/// and not entered. Empty when any of it could not be read: half a list passes for a whole one.
+std::optional<TreeContents> contentsBelow(const QString &folder);
 
 /// Removes what killed processes left unfinished below @p folder.
 void clearUnfinishedBelow(const QString &folder);

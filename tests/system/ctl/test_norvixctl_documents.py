@@ -161,6 +161,13 @@ def test_a_value_behind_its_options_sign_is_completed():
     assert complete_in_zsh(["--color=n"]) == ["--color=never"]
 
 
+def test_the_script_for_bash_is_one_that_a_judge_of_shell_scripts_accepts():
+    script = subprocess.run([CTL, "completion", "bash"], capture_output=True, check=True).stdout
+    judged = subprocess.run(["shellcheck", "--shell=bash", "-"], input=script, capture_output=True,
+                            check=False)
+    assert (judged.returncode, judged.stdout.decode()) == (0, "")
+
+
 @pytest.mark.parametrize("complete", [complete_in_bash, complete_in_zsh])
 def test_an_options_value_is_no_command(complete):
     assert complete(["--color", "never", "sta"]) == ["status"]

@@ -114,6 +114,13 @@ def test_arguments_for_pppd_are_set_and_taken_away(running):
     assert "pppd_arguments" not in running.path(INI).read_text(encoding="ascii")
 
 
+@pytest.mark.parametrize("written, told", [("", []), ("mtu, , 1400", ["mtu", "", "1400"])])
+def test_arguments_are_told_as_pppd_gets_them(bus_machine, written, told):
+    bus_machine.settings(pppd_arguments=written)
+    bus_machine.start_daemon()
+    assert Setup(bus_machine.client()).arguments() == told
+
+
 def test_a_file_that_can_not_be_written_is_an_error_and_stays(running):
     setup = Setup(running.client())
     setup.set(vpi=8)

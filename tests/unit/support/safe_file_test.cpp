@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading and rewriting small files: nothing waits, nothing is lost.
+#include "few_descriptors.h"
 #include "support/files/safe_file.h"
 
 #include <QDir>
@@ -80,6 +81,9 @@ private slots:
     void copyingToAFolderThatCannotBeMadeFails();
     void replacingAFolderFailsAndLeavesNothingBehind();
     void plainFileIsNoMountPoint();
+    void aTreeIsToldWithoutLinksToFoldersAndUnfinishedFiles();
+    void aFolderThatIsMissingHasNothingBelow();
+    void aTreeThatCannotBeReadWholeIsNotTold();
 
 private:
     QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
@@ -426,6 +430,39 @@ void TestSafeFile::plainFileIsNoMountPoint()
     QVERIFY(!isMountPoint(path("file")));
     QVERIFY(!isMountPoint(path("missing")));
     QVERIFY(isMountPoint(QStringLiteral("/proc")));
+}
+
+void TestSafeFile::aTreeIsToldWithoutLinksToFoldersAndUnfinishedFiles()
+{
+    QVERIFY(makeFolders(path("tree/b/.deep")));
+    QVERIFY(makeFolders(path("tree/a")));
+    write("tree/b/.deep/file", "");
+    write("tree/b/.norvix-new-file-abcdef", "");
+    write("tree/.hidden", "");
+    QCOMPARE(mkfifo(name("tree/a/pipe").constData(), 0600), 0);
+    QVERIFY(QFile::link(path("tree/b"), path("tree/to a folder")));
+    QVERIFY(QFile::link(path("tree/.hidden"), path("tree/to a file")));
+    QVERIFY(QFile::link(path("none"), path("tree/to nothing")));
+    const std::optional<TreeContents> contents = contentsBelow(path("tree"));
+    QVERIFY(contents);
+    QCOMPARE(contents->files,
+        QStringList({".hidden", "a/pipe", "b/.deep/file", "to a file", "to nothing"}));
+    QCOMPARE(contents->folders, QStringList({"a", "b", "b/.deep"}));
+}
+
+void TestSafeFile::aFolderThatIsMissingHasNothingBelow()
+{
+    const std::optional<TreeContents> contents = contentsBelow(path("none"));
+    QVERIFY(contents);
+    QVERIFY(contents->files.isEmpty() && contents->folders.isEmpty());
+}
+
+void TestSafeFile::aTreeThatCannotBeReadWholeIsNotTold()
+{
+    QVERIFY(makeFolders(path("tree/a/b/c")));
+    const FewDescriptors limit(2);
+    QVERIFY(!contentsBelow(path("tree")));
+    QVERIFY(contentsBelow(path("tree/a/b")));
 }
 
 QTEST_APPLESS_MAIN(TestSafeFile)

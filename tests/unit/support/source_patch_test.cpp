@@ -3,6 +3,7 @@
 #include "support/driver/source_patch.h"
 
 #include <QTest>
+#include <ctime>
 
 namespace {
 
@@ -110,6 +111,25 @@ private slots:
         QCOMPARE(adapted.changes,
             QStringList{QStringLiteral(
                 "line 2: \"make -C $K SUBDIRS=. modules\" -> \"make -C $K M=. modules\"")});
+    }
+
+    void aLineOfAMegabyteIsAdaptedInTime_data()
+    {
+        QTest::addColumn<QByteArray>("repeated");
+        for (const char *text : {"/lib/modules/$(", "/lib/modules/${", "$(/lib/modules/$(a)",
+                 "/usr/src/linux-$(", "/usr/src/kernels/a`", "/usr/src/linux-a+", " SUBDIRS="}) {
+            QTest::newRow(text) << QByteArray(text);
+        }
+    }
+
+    void aLineOfAMegabyteIsAdaptedInTime()
+    {
+        QFETCH(QByteArray, repeated);
+        const QByteArray line = repeated.repeated((1 << 20) / repeated.size());
+        const std::clock_t start = std::clock(); // of the processor, which other programs share
+        adaptMakefile(line, buildFolder);
+        // A tenth of it is usual; with each path looked at up to the line's end it takes minutes.
+        QVERIFY(double(std::clock() - start) / CLOCKS_PER_SEC < 20);
     }
 
     void makefilesAndSourcesAreKnownByName()

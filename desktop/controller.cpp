@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/controller.h"
+
+#include "dbus/contract.h"
+
+#include <QDateTime>
+
+namespace desktop {
+
+Controller::Controller(const QDBusConnection &systemBus, QObject *parent)
+    : QObject(parent)
+    , m_bus(systemBus)
+    , m_daemon(m_bus)
+    , m_keeper(m_bus)
+{
+    m_announcement.setSingleShot(true);
+    m_announcement.setInterval(0);
+    m_clock.setInterval(1000);
+    connect(&m_announcement, &QTimer::timeout, this, &Controller::changed);
+    connect(&m_clock, &QTimer::timeout, this, [this] { take(event::Ticked()); });
+    connect(&m_daemon, &DaemonWatch::happened, this, &Controller::take);
+    connect(&m_keeper, &KeeperWatch::happened, this, &Controller::take);
+}
+
+void Controller::start()
+{
+    m_daemon.start();
+    m_keeper.start();
+}
+
+void Controller::setWatched(bool isWatched)
+{
+    m_daemon.setWatched(isWatched);
+    if (isWatched) {
+        m_clock.start();
+    } else {
+        m_clock.stop();
+    }
+}
+
+void Controller::take(const Event &event)
+{
+    m_model.apply(event, QDateTime::currentMSecsSinceEpoch());
+    emit happened(event);
+    if (std::holds_alternative<event::LinkLost>(event)) {
+        m_daemon.look(); // it may tell of the loss only when asked
+    }
+    if (m_model.isEndingOwed) {
+        request(Request::Disconnect);
+    }
+    if (!m_announcement.isActive()) {
+        m_announcement.start();
+    }
+}
+
+BusCall Controller::callFor(Request request) const
+{
+    switch (request) {
+    case Request::Connect:
+        // The keeper remembers the wish, and hears it even while an attempt runs.
+        return m_model.keeper && m_model.keeper->isKeeping
+            ? keeperCall(KeeperMethod::Connect)
+            : daemonCall(DaemonMethod::establishConnection);
+    case Request::Disconnect:
+        return daemonCall(DaemonMethod::terminateConnection);
+    case Request::RestartModem:
+        return daemonCall(DaemonMethod::restartModem);
+    case Request::AdoptModem:
+        return daemonCall(DaemonMethod::useNewModem);
+    }
+    return {};
+}
+
+void Controller::request(Request request)
+{
+    if (request == Request::AdoptModem && m_model.announcedModem.isEmpty()) {
+        return; // the daemon would forget the modem that it knows
+    }
+    const bool isDaemonThere = m_model.daemon == DaemonPresence::There;
+    take(event::Requested{request});
+    if (request == Request::Connect && !isDaemonThere) {
+        startAndConnect();
+        return;
+    }
+    ask(request);
+}
+
+void Controller::ask(Request request)
+{
+    m_bus.ask(callFor(request), this, [this, request](const BusAnswer &answer) {
+        if (answer.ok()) {
+            take(event::RequestTaken{request});
+        } else {
+            take(event::RequestFailed{request, answer.failure});
+        }
+    });
+}
+
+/// A connection outlives the daemon: a second one must not be begun beside it.
+void Controller::startAndConnect()
+{
+    BusCall question = daemonCall(DaemonMethod::getConnectionState);
+    question.startsService = true;
+    m_bus.ask(question, this, [this](const BusAnswer &answer) {
+        if (!answer.ok()) {
+            take(event::RequestFailed{Request::Connect, answer.failure});
+        } else if (answer.value().toInt() == ConnectionDown) {
+            ask(Request::Connect);
+        } else {
+            take(event::RequestTaken{Request::Connect});
+        }
+    });
+}
+
+void Controller::perform(Action action)
+{
+    switch (action) {
+    case Action::Connect:
+    case Action::TryNow:
+        request(Request::Connect);
+        break;
+    case Action::Disconnect:
+    case Action::Cancel:
+        request(Request::Disconnect);
+        break;
+    case Action::None:
+        break;
+    case Action::SetUp:
+    case Action::CheckAccount:
+    case Action::CheckLine:
+    case Action::CheckUp:
+    case Action::ShowBuild:
+    case Action::RestartDaemon:
+        emit pageWanted(action);
+        break;
+    }
+}
+
+} // namespace desktop

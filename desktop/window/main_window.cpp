@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/window/main_window.h"
+
+#include "client/say.h"
+#include "desktop/assistant/assistant.h"
+#include "desktop/controller.h"
+#include "desktop/window/account_line_page.h"
+#include "desktop/window/checkup_page.h"
+#include "desktop/window/connection_page.h"
+#include "desktop/window/driver_page.h"
+#include "desktop/window/history_page.h"
+#include "desktop/window/log_page.h"
+
+#include <QHBoxLayout>
+
+namespace desktop {
+
+MainWindow::MainWindow(Controller &controller, QWidget *parent)
+    : QMainWindow(parent)
+    , m_controller(controller)
+    , m_list(new QListWidget)
+    , m_pages(new QStackedWidget)
+{
+    setWindowTitle(Say::tr("ADSL modem"));
+    m_list->setAccessibleName(Say::tr("Pages"));
+    m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
+    auto *middle = new QWidget;
+    auto *row = new QHBoxLayout(middle);
+    row->addWidget(m_list);
+    row->addWidget(m_pages, 1);
+    setCentralWidget(middle);
+    for (Page *page :
+        std::initializer_list<Page *>{new ConnectionPage(controller), new HistoryPage(controller),
+            new CheckupPage(controller), new AccountLinePage(controller),
+            new DriverPage(controller), new LogPage(controller)}) {
+        add(page);
+    }
+    connect(m_list, &QListWidget::currentRowChanged, this, &MainWindow::turnTo);
+    connect(&controller, &Controller::changed, this, [this] {
+        if (m_shown != nullptr) {
+            m_shown->refresh();
+        }
+    });
+    connect(&controller, &Controller::pageWanted, this, &MainWindow::open);
+    connect(&controller, &Controller::assistantWanted, this,
+        [this](AssistantStep step) { assistant()->showStep(step); });
+    m_list->setCurrentRow(0);
+    resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 34);
+}
+
+void MainWindow::add(Page *page)
+{
+    m_pages->addWidget(page);
+    m_list->addItem(page->title());
+    m_list->setMinimumWidth(m_list->sizeHintForColumn(0) + 3 * m_list->fontMetrics().height());
+}
+
+Page *MainWindow::currentPage() const
+{
+    return qobject_cast<Page *>(m_pages->currentWidget());
+}
+
+void MainWindow::turnTo(int row)
+{
+    m_pages->setCurrentIndex(row);
+    if (!isVisible()) {
+        return;
+    }
+    if (m_shown != nullptr) {
+        m_shown->setOnScreen(false);
+    }
+    m_shown = currentPage();
+    m_shown->setOnScreen(true);
+    m_shown->refresh();
+}
+
+template <typename Wanted> void MainWindow::openPage()
+{
+    for (int row = 0; row < m_pages->count(); ++row) {
+        if (qobject_cast<Wanted *>(m_pages->widget(row)) != nullptr) {
+            m_list->setCurrentRow(row);
+        }
+    }
+    raise();
+    activateWindow();
+}
+
+Assistant *MainWindow::assistant()
+{
+    if (m_assistant == nullptr) {
+        m_assistant = new Assistant(m_controller, this);
+    }
+    return m_assistant;
+}
+
+void MainWindow::goOn(const HandOver &handOver)
+{
+    if (handOver.step) {
+        assistant()->takeDraft(handOver.draft);
+        assistant()->showStep(*handOver.step);
+    } else {
+        open(Action::CheckUp);
+    }
+}
+
+void MainWindow::open(Action action)
+{
+    switch (action) {
+    case Action::CheckAccount:
+    case Action::CheckLine:
+        openPage<AccountLinePage>();
+        break;
+    case Action::CheckUp:
+    case Action::RestartDaemon:
+        openPage<CheckupPage>();
+        break;
+    case Action::ShowBuild:
+        openPage<DriverPage>();
+        break;
+    case Action::SetUp:
+        assistant()->showStep(AssistantStep::Permission);
+        break;
+    case Action::None:
+    case Action::Connect:
+    case Action::Disconnect:
+    case Action::Cancel:
+    case Action::TryNow:
+        break;
+    }
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    m_controller.setWatched(true);
+    turnTo(m_list->currentRow());
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    QMainWindow::hideEvent(event);
+    m_controller.setWatched(false);
+    if (m_shown != nullptr) {
+        m_shown->setOnScreen(false);
+        m_shown = nullptr;
+    }
+}
+
+} // namespace desktop

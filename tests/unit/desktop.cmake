@@ -1,0 +1,17 @@
+# Tests of the window's parts; no screen is needed for them.
+
+# norvix_desktop_test(name library): desktop/<name>_test.cpp. What only knows values takes
+# norvix-desktop-model, what has widgets norvix-desktop-core.
+function(norvix_desktop_test name library)
+  norvix_unit_test(desktop_${name} desktop/${name}_test.cpp)
+  target_link_libraries(unit-desktop_${name} PRIVATE ${library})
+  set_property(TEST ${kind}.desktop_${name}
+    APPEND PROPERTY ENVIRONMENT_MODIFICATION QT_QPA_PLATFORM=set:offscreen)
+endfunction()
+
+norvix_desktop_test(connection_model norvix-desktop-model)
+norvix_desktop_test(facts norvix-desktop-model)
+norvix_desktop_test(headline norvix-desktop-model)
+norvix_desktop_test(plot norvix-desktop-core)
+norvix_desktop_test(plot_content norvix-desktop-model)
+norvix_desktop_test(speed_history norvix-desktop-model)
