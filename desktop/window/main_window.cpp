@@ -114,7 +114,7 @@ void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
     m_controller.setWatched(true);
-    turnTo(m_list->currentRow());
+    turnTo(m_pages->currentIndex());
 }
 
 void MainWindow::hideEvent(QHideEvent *event)
