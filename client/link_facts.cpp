@@ -203,8 +203,13 @@ QStringList nameservers(const QByteArray &text)
     QStringList servers;
     for (const QByteArray &line : text.split('\n')) {
         const QList<QByteArray> words = line.simplified().split(' ');
-        if (words.size() >= 2 && words.at(0) == "nameserver") {
-            servers.append(QString::fromUtf8(words.at(1)));
+        if (words.size() < 2 || words.at(0) != "nameserver") {
+            continue;
+        }
+        // A crash can leave zeros, at which the address ends.
+        const QString address = QString::fromUtf8(words.at(1));
+        if (!address.isEmpty()) {
+            servers.append(address);
         }
     }
     return servers;

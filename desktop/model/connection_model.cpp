@@ -110,6 +110,8 @@ struct ConnectionModel::Taker
         model.requestFailure = failed.failure;
     }
 
+    void operator()(const event::SleepTold &) const { }
+
     void operator()(const event::Ticked &) const { model.speeds.forgetOld(now); }
 };
 

@@ -224,6 +224,11 @@ Headline withoutDaemon(const ConnectionModel &model, qint64 now)
 
 } // namespace
 
+QString troubleText(const ConnectionModel &model)
+{
+    return causeOf(model).text;
+}
+
 QString durationText(qint64 seconds)
 {
     const auto minutes = int(seconds / 60 % 60);

@@ -6,7 +6,8 @@ import subprocess
 import pytest
 from conftest import REPOSITORY, USER
 
-OURS = ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvixctl", "libnorvix-support")
+OURS = ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvix-desktop", "norvixctl",
+        "libnorvix-support")
 PLACES = ("/opt", "/etc/ppp", "/etc/dbus-1", "/etc/logrotate.d", "/var/log/norvix",
           "/usr/share/dbus-1", "/usr/share/norvix", "/usr/lib/sysusers.d", "/usr/lib/tmpfiles.d",
           "/usr/lib/modules-load.d", "/etc/systemd/system", "/usr/bin/norvixctl")
@@ -85,7 +86,7 @@ def test_units_start_at_boot_and_are_sound(from_clone):
 def test_manual_pages_and_completion_are_found(from_clone):
     for page in ("norvixctl", "norvix-daemon", "norvix-hald", "norvix-daemon.ini",
                  "com.norvix.Daemon", "com.norvix.Setup1", "norvix-keeper", "norvix-keeper.conf",
-                 "com.norvix.Keeper1"):
+                 "com.norvix.Keeper1", "norvix-desktop"):
         assert "NAME" in from_clone.run("man", page).output
     assert from_clone.path("/usr/share/bash-completion/completions/norvixctl").exists()
 
