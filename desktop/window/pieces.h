@@ -11,10 +11,11 @@ namespace desktop {
 /// small: nothing is cut at any size of text.
 QWidget *scrolledContent(QWidget *page);
 
-/// Large enough to be hit.
+/// Large enough to be hit: 32 pixels with the usual letters.
 template <typename Control> Control *comfortable(Control *control)
 {
-    control->setMinimumHeight(control->fontMetrics().height() * 2);
+    constexpr double letters = 2.3;
+    control->setMinimumHeight(qRound(control->fontMetrics().height() * letters));
     return control;
 }
 
