@@ -86,7 +86,7 @@ QString atmDeviceFolder(const QString &folder)
 {
     const QDir devices(folder);
     for (const QString &name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-        const QString device = devices.filePath(name);
+        QString device = devices.filePath(name);
         // Those of modems hang on USB; the kernel's software devices hang on nothing. The daemon's
         // connection goes through the device with number 0: another one is none that it waits for.
         if (QFile::exists(device + QStringLiteral("/device")) && atmNumber(device) == "0") {
