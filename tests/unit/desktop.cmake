@@ -10,3 +10,6 @@ function(norvix_desktop_test name library)
 endfunction()
 
 norvix_desktop_test(speed_history norvix-desktop-model)
+norvix_desktop_test(assistant norvix-desktop-model)
+norvix_desktop_test(caller norvix-desktop-rights)
+norvix_desktop_test(deed norvix-desktop-core)
