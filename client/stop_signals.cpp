@@ -6,15 +6,31 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-StopSignals::StopSignals(QObject *parent)
-    : QObject(parent)
+namespace {
+
+sigset_t stopSet()
 {
     sigset_t stops;
     sigemptyset(&stops);
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         sigaddset(&stops, number);
     }
+    return stops;
+}
+
+} // namespace
+
+void StopSignals::hold()
+{
+    const sigset_t stops = stopSet();
     sigprocmask(SIG_BLOCK, &stops, nullptr);
+}
+
+StopSignals::StopSignals(QObject *parent)
+    : QObject(parent)
+{
+    hold();
+    const sigset_t stops = stopSet();
     m_fd = signalfd(-1, &stops, SFD_CLOEXEC | SFD_NONBLOCK);
     auto *notifier = new QSocketNotifier(m_fd, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] {

@@ -9,8 +9,12 @@ class StopSignals : public QObject
     Q_OBJECT
 
 public:
-    /// From now on SIGINT, SIGTERM and SIGHUP only emit stopped(). Make it before the connection to
-    /// the bus: that one's thread inherits which signals are blocked.
+    /// Holds SIGINT, SIGTERM and SIGHUP back until there is an object. For programs that have
+    /// threads before they can make one: threads inherit which signals are blocked.
+    static void hold();
+
+    /// From now on these signals only emit stopped(). Make it after the application and before the
+    /// connection to the bus, which has a thread.
     explicit StopSignals(QObject *parent = nullptr);
     ~StopSignals() override;
 

@@ -7,7 +7,7 @@ build=$1
 jobs=$2
 
 rooms=()
-for room in support daemon connection driver network dbus hal client ctl keeper lab tests bench; do
+for room in support daemon connection driver network dbus hal client ctl keeper desktop lab tests bench; do
     [[ ! -d $room ]] || rooms+=("$room")
 done
 
@@ -31,6 +31,10 @@ codespell
 echo "mandoc..."
 # Below warnings it only minds that lines are as long as everywhere here.
 mandoc -T lint -W warning docs/*.[1-8]
+
+echo "desktop-file-validate, appstreamcli..."
+desktop-file-validate packaging/desktop/*.desktop
+appstreamcli validate --no-net packaging/desktop/*.metainfo.xml
 
 echo "gdbus-codegen..."
 generated=$(mktemp -d)

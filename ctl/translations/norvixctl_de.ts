@@ -1671,5 +1671,412 @@
         <source>waiting for the line</source>
         <translation>wartet auf die Leitung</translation>
     </message>
+    <message>
+        <source>the table of routes can not be read</source>
+        <translation>die Routentabelle ist nicht lesbar</translation>
+    </message>
+    <message>
+        <source>no connection is up</source>
+        <translation>keine Verbindung steht</translation>
+    </message>
+    <message>
+        <source>through %1</source>
+        <translation>über %1</translation>
+    </message>
+    <message>
+        <source>(IPv6: through %1)</source>
+        <translation>(IPv6: über %1)</translation>
+    </message>
+    <message>
+        <source>not in use here</source>
+        <translation>hier nicht in Gebrauch</translation>
+    </message>
+    <message>
+        <source>%1 is missing: %2</source>
+        <translation>%1 fehlt: %2</translation>
+    </message>
+    <message>
+        <source>%1 takes the place of %2: %3</source>
+        <translation>%1 steht an der Stelle von %2: %3</translation>
+    </message>
+    <message>
+        <source>leaves the modem&apos;s interfaces alone</source>
+        <translation>lässt die Schnittstellen des Modems in Ruhe</translation>
+    </message>
+    <message>
+        <source>It manages the modem&apos;s interfaces.</source>
+        <translation>Es verwaltet die Schnittstellen des Modems.</translation>
+    </message>
+    <message>
+        <source>it may take the modem&apos;s interfaces into its hands.</source>
+        <translation>Es kann die Schnittstellen des Modems an sich nehmen.</translation>
+    </message>
+    <message>
+        <source>is told the provider&apos;s servers</source>
+        <translation>erfährt die Server des Anbieters</translation>
+    </message>
+    <message>
+        <source>It has not been told the provider&apos;s servers.</source>
+        <translation>Es hat die Server des Anbieters nicht erfahren.</translation>
+    </message>
+    <message>
+        <source>it is not told the provider&apos;s servers, and no name may resolve.</source>
+        <translation>Es erfährt die Server des Anbieters nicht, und womöglich wird kein Name aufgelöst.</translation>
+    </message>
+    <message>
+        <source>The keeper is not installed: a connection that is lost stays lost.</source>
+        <translation>Der Wächter ist nicht installiert: Eine verlorene Verbindung bleibt verloren.</translation>
+    </message>
+    <message>
+        <source>The keeper is not running: a connection that is lost stays lost.</source>
+        <translation>Der Wächter läuft nicht: Eine verlorene Verbindung bleibt verloren.</translation>
+    </message>
+    <message>
+        <source>The bus does not let this user ask the keeper, which everybody may.</source>
+        <translation>Der Bus lässt diesen Benutzer den Wächter nicht fragen, was jeder darf.</translation>
+    </message>
+    <message>
+        <source>The keeper is on the bus but does not answer.</source>
+        <translation>Der Wächter ist am Bus, antwortet aber nicht.</translation>
+    </message>
+    <message>
+        <source>What the keeper answers is not understood.</source>
+        <translation>Was der Wächter antwortet, ist nicht zu verstehen.</translation>
+    </message>
+    <message>
+        <source>The daemon does not listen to the keeper.</source>
+        <translation>Der Dienst hört nicht auf den Wächter.</translation>
+    </message>
+    <message>
+        <source>%1 Now: %2.</source>
+        <translation>%1 Jetzt: %2.</translation>
+    </message>
+    <message>
+        <source>NetworkManager</source>
+        <translation>NetworkManager</translation>
+    </message>
+    <message>
+        <source>systemd-networkd</source>
+        <translation>systemd-networkd</translation>
+    </message>
+    <message>
+        <source>systemd-resolved</source>
+        <translation>systemd-resolved</translation>
+    </message>
+    <message>
+        <source>resolvconf</source>
+        <translation>resolvconf</translation>
+    </message>
+    <message>
+        <source>Keeper</source>
+        <translation>Wächter</translation>
+    </message>
+    <message>
+        <source>Keeps</source>
+        <translation>Wacht</translation>
+    </message>
+    <message>
+        <source>%1 is up, but there is no default route: nothing goes through it.</source>
+        <translation>%1 steht, aber es gibt keine Standardroute: Nichts geht hindurch.</translation>
+    </message>
+    <message>
+        <source>%1 is up, but nothing goes through it: the default route leads through %2.</source>
+        <translation>%1 steht, aber nichts geht hindurch: Die Standardroute führt über %2.</translation>
+    </message>
+    <message>
+        <source>The name server %1 is the provider&apos;s, but is asked through %2.</source>
+        <translation>Der Namensserver %1 ist der des Anbieters, wird aber über %2 gefragt.</translation>
+    </message>
+    <message>
+        <source>The name server %1 is asked through %2, where the default route does not lead.</source>
+        <translation>Der Namensserver %1 wird über %2 gefragt, wohin die Standardroute nicht führt.</translation>
+    </message>
+    <message>
+        <source>In the billing month until %1: %2.</source>
+        <translation>Im Abrechnungsmonat bis %1: %2.</translation>
+    </message>
+    <message>
+        <source>In the billing month until %1: %2, and the limit is %3.</source>
+        <translation>Im Abrechnungsmonat bis %1: %2, und die Grenze ist %3.</translation>
+    </message>
+    <message>
+        <source>In the billing month until %1: %2 of %3; what is left is %4 a day.</source>
+        <translation>Im Abrechnungsmonat bis %1: %2 von %3; es bleiben %4 je Tag.</translation>
+    </message>
+    <message>
+        <source>Show how good the line has been</source>
+        <translation>Zeigen, wie gut die Leitung war</translation>
+    </message>
+    <message>
+        <source>of so many of the last days (1 by default)</source>
+        <translation>so viele der letzten Tage (sonst 1)</translation>
+    </message>
+    <message>
+        <source>Show or set whether a lost connection is brought back</source>
+        <translation>Zeigen oder setzen, ob eine verlorene Verbindung wiederkommt</translation>
+    </message>
+    <message>
+        <source>Show past connections, why they ended, and failed attempts</source>
+        <translation>Frühere Verbindungen, die Gründe ihres Endes und gescheiterte Versuche zeigen</translation>
+    </message>
+    <message>
+        <source>only so many of the newest (20 by default)</source>
+        <translation>nur so viele der neuesten (sonst 20)</translation>
+    </message>
+    <message>
+        <source>Show the traffic by day, and set its limit</source>
+        <translation>Den Verkehr je Tag zeigen und seine Grenze setzen</translation>
+    </message>
+    <message>
+        <source>by billing month instead</source>
+        <translation>stattdessen je Abrechnungsmonat</translation>
+    </message>
+    <message>
+        <source>only so many of the newest (14 by default)</source>
+        <translation>nur so viele der neuesten (sonst 14)</translation>
+    </message>
+    <message>
+        <source>set the limit of a billing month, such as 50GB, or “off”; it only warns</source>
+        <translation>die Grenze eines Abrechnungsmonats setzen, etwa 50GB, oder „off“; sie warnt nur</translation>
+    </message>
+    <message>
+        <source>set the day on which a billing month begins</source>
+        <translation>den Tag setzen, an dem ein Abrechnungsmonat beginnt</translation>
+    </message>
+    <message>
+        <source>It is still up.</source>
+        <translation>Sie steht noch.</translation>
+    </message>
+    <message>
+        <source>The provider hung up, as it does every day: nothing is wrong.</source>
+        <translation>Der Anbieter hat aufgelegt, wie jeden Tag: Das ist kein Fehler.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n failed attempt(s).</source>
+        <translation>
+            <numerusform>%n gescheiterter Versuch.</numerusform>
+            <numerusform>%n gescheiterte Versuche.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Began</source>
+        <translation>Beginn</translation>
+    </message>
+    <message>
+        <source>Lasted</source>
+        <translation>Dauer</translation>
+    </message>
+    <message>
+        <source>What became of it</source>
+        <translation>Was daraus wurde</translation>
+    </message>
+    <message>
+        <source>Nothing has been connected yet.</source>
+        <translation>Noch nie war etwas verbunden.</translation>
+    </message>
+    <message>
+        <source>A connection that is wanted is kept from now on.</source>
+        <translation>Eine gewünschte Verbindung wird ab jetzt gehalten.</translation>
+    </message>
+    <message>
+        <source>Nothing is kept from now on: a connection that is lost stays lost.</source>
+        <translation>Ab jetzt wird nichts gehalten: Eine verlorene Verbindung bleibt verloren.</translation>
+    </message>
+    <message>
+        <source>--days takes a whole number of days from 1 to %1.</source>
+        <translation>--days verlangt eine ganze Zahl von Tagen von 1 bis %1.</translation>
+    </message>
+    <message>
+        <source>Nothing is known of the line in this time. It is looked at once a minute while a connection is up.</source>
+        <translation>Über die Leitung ist aus dieser Zeit nichts bekannt. Nach ihr wird jede Minute gesehen, solange eine Verbindung steht.</translation>
+    </message>
+    <message>
+        <source>The stored idle time (%1) is not honoured: the keeper keeps a connection that is wanted, used or not.</source>
+        <translation>Die gespeicherte Ruhezeit (%1) wird nicht beachtet: Der Wächter hält eine gewünschte Verbindung, ob benutzt oder nicht.</translation>
+    </message>
+    <message>
+        <source>There is no limit any more.</source>
+        <translation>Es gibt keine Grenze mehr.</translation>
+    </message>
+    <message>
+        <source>The limit is %1 in a billing month. It warns and ends no connection.</source>
+        <translation>Die Grenze ist %1 im Abrechnungsmonat. Sie warnt und beendet keine Verbindung.</translation>
+    </message>
+    <message>
+        <source>A billing month begins on day %1 from now on.</source>
+        <translation>Ein Abrechnungsmonat beginnt von nun an am Tag %1.</translation>
+    </message>
+    <message>
+        <source>Billing month</source>
+        <translation>Abrechnungsmonat</translation>
+    </message>
+    <message>
+        <source>Day</source>
+        <translation>Tag</translation>
+    </message>
+    <message>
+        <source>Together</source>
+        <translation>Zusammen</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <translation>%1 bis %2</translation>
+    </message>
+    <message>
+        <source>No traffic has been counted yet.</source>
+        <translation>Noch ist kein Verkehr gezählt.</translation>
+    </message>
+    <message>
+        <source>--limit takes a number with its unit, such as 50GB, or “off”.</source>
+        <translation>--limit verlangt eine Zahl mit Einheit, etwa 50GB, oder „off“.</translation>
+    </message>
+    <message>
+        <source>--billing-day takes a whole number from 1 to 31.</source>
+        <translation>--billing-day verlangt eine ganze Zahl von 1 bis 31.</translation>
+    </message>
+    <message>
+        <source>The keeper is not installed: “sudo apt install norvix-keeper”.</source>
+        <translation>Der Wächter ist nicht installiert: „sudo apt install norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper is not running. Start it with “sudo systemctl start norvix-keeper”.</source>
+        <translation>Der Wächter läuft nicht. Starten Sie ihn mit „sudo systemctl start norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper does not answer. Restart it with “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Der Wächter antwortet nicht. Starten Sie ihn neu: „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper refuses this: %1.</source>
+        <translation>Der Wächter lehnt das ab: %1.</translation>
+    </message>
+    <message>
+        <source>The keeper&apos;s answer is not understood: it may be of another version.</source>
+        <translation>Die Antwort des Wächters ist nicht zu verstehen: Er kann von einer anderen Fassung sein.</translation>
+    </message>
+    <message>
+        <source>The keeper answered with an error: %1</source>
+        <translation>Der Wächter antwortete mit einem Fehler: %1</translation>
+    </message>
+    <message>
+        <source>not installed</source>
+        <translation>nicht installiert</translation>
+    </message>
+    <message>
+        <source>Wanted</source>
+        <translation>Gewünscht</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Grund</translation>
+    </message>
+    <message>
+        <source>Next attempt</source>
+        <translation>Nächster Versuch</translation>
+    </message>
+    <message>
+        <source>Failed attempts</source>
+        <translation>Gescheiterte Versuche</translation>
+    </message>
+    <message>
+        <source>Other links</source>
+        <translation>Andere Verbindungen</translation>
+    </message>
+    <message>
+        <source>The traffic of the billing month has reached the limit.</source>
+        <translation>Der Verkehr des Abrechnungsmonats hat die Grenze erreicht.</translation>
+    </message>
+    <message>
+        <source>Synchronised</source>
+        <translation>Synchronisiert</translation>
+    </message>
+    <message>
+        <source>Margin down</source>
+        <translation>Reserve im Empfang</translation>
+    </message>
+    <message>
+        <source>Margin up</source>
+        <translation>Reserve beim Senden</translation>
+    </message>
+    <message>
+        <source>Rate down</source>
+        <translation>Rate im Empfang</translation>
+    </message>
+    <message>
+        <source>Rate up</source>
+        <translation>Rate beim Senden</translation>
+    </message>
+    <message>
+        <source>Errors down</source>
+        <translation>Fehler im Empfang</translation>
+    </message>
+    <message>
+        <source>Errors up</source>
+        <translation>Fehler beim Senden</translation>
+    </message>
+    <message>
+        <source>%1: %2 in all</source>
+        <translation>%1: %2 insgesamt</translation>
+    </message>
+    <message>
+        <source>%1: last %2, lowest %3, highest %4</source>
+        <translation>%1: zuletzt %2, mindestens %3, höchstens %4</translation>
+    </message>
+    <message>
+        <source>Choose: end the connection of %1, then disconnect and connect again; or keep both and prefer this one: “sudo ip route add default dev %2”.</source>
+        <translation>Wählen Sie: Beenden Sie die Verbindung von %1, trennen und verbinden Sie dann neu; oder behalten Sie beide und ziehen Sie diese vor: „sudo ip route add default dev %2“.</translation>
+    </message>
+    <message>
+        <source>End the connection of %1, then disconnect and connect again.</source>
+        <translation>Beenden Sie die Verbindung von %1, trennen und verbinden Sie dann neu.</translation>
+    </message>
+    <message>
+        <source>Disconnect and connect again, or set it: “sudo ip route add default dev %1”. The peer file should have the line “defaultroute”.</source>
+        <translation>Trennen und verbinden Sie neu, oder setzen Sie sie: „sudo ip route add default dev %1“. Die Peer-Datei sollte die Zeile „defaultroute“ haben.</translation>
+    </message>
+    <message>
+        <source>Whichever connection comes up last writes them: connect the one again that you want to use.</source>
+        <translation>Die Verbindung, die zuletzt kommt, schreibt sie: Verbinden Sie die neu, die Sie benutzen wollen.</translation>
+    </message>
+    <message>
+        <source>Install it again: “sudo apt install --reinstall norvix-daemon”.</source>
+        <translation>Installieren Sie sie neu: „sudo apt install --reinstall norvix-daemon“.</translation>
+    </message>
+    <message>
+        <source>Give %1 another name, so that it no longer hides what is shipped.</source>
+        <translation>Geben Sie %1 einen anderen Namen, damit sie die mitgelieferte nicht mehr verdeckt.</translation>
+    </message>
+    <message>
+        <source>“sudo systemctl reload NetworkManager”, then disconnect and connect again.</source>
+        <translation>„sudo systemctl reload NetworkManager“, dann trennen und neu verbinden.</translation>
+    </message>
+    <message>
+        <source>Leave them out of your own files in /etc/systemd/network that sort before 10-norvix.network; then “sudo networkctl reload”, disconnect and connect again.</source>
+        <translation>Nehmen Sie sie aus Ihren eigenen Dateien in /etc/systemd/network heraus, die vor 10-norvix.network kommen; dann „sudo networkctl reload“, trennen und neu verbinden.</translation>
+    </message>
+    <message>
+        <source>Install it again: “sudo apt install --reinstall resolvconf”, or openresolv if that is it.</source>
+        <translation>Installieren Sie es neu: „sudo apt install --reinstall resolvconf“, oder openresolv, wenn es das ist.</translation>
+    </message>
+    <message>
+        <source>Install it: “sudo apt install norvix-keeper”.</source>
+        <translation>Installieren Sie ihn: „sudo apt install norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Start it: “sudo systemctl enable --now norvix-keeper”.</source>
+        <translation>Starten Sie ihn: „sudo systemctl enable --now norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Restart it: “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Starten Sie ihn neu: „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Install its bus policy again and reload the bus: “sudo apt install --reinstall norvix-keeper”, “sudo systemctl reload dbus”.</source>
+        <translation>Installieren Sie seine Busregeln neu und laden Sie den Bus neu: „sudo apt install --reinstall norvix-keeper“, „sudo systemctl reload dbus“.</translation>
+    </message>
+    <message>
+        <source>It must be in the group norvix: “sudo usermod -a -G norvix norvix-keeper”, “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Er muss in der Gruppe norvix sein: „sudo usermod -a -G norvix norvix-keeper“, „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
 </context>
 </TS>

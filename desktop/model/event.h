@@ -109,6 +109,12 @@ struct RequestFailed
     Failure failure;
 };
 
+/// The computer is about to sleep, or has woken up.
+struct SleepTold
+{
+    bool isAsleep;
+};
+
 /// Only the time has passed.
 struct Ticked
 {
@@ -119,6 +125,6 @@ struct Ticked
 using Event = std::variant<event::BusLost, event::DaemonAppeared, event::DaemonLeft,
     event::DaemonSilent, event::DaemonAnswered, event::DaemonTold, event::KeeperTold,
     event::KeeperLeft, event::LinkLost, event::LinkSeen, event::LineSeen, event::Requested,
-    event::RequestTaken, event::RequestFailed, event::Ticked>;
+    event::RequestTaken, event::RequestFailed, event::SleepTold, event::Ticked>;
 
 } // namespace desktop

@@ -49,6 +49,9 @@ Headline headlineOf(const ConnectionModel &model, qint64 now);
 /// A duration as people say it: "2 h 14 min".
 QString durationText(qint64 seconds);
 
+/// What is the matter, in the user's language; empty for nothing.
+QString troubleText(const ConnectionModel &model);
+
 /// Why a request has come to nothing, in the user's language; empty for none.
 QString requestFailureText(const Failure &failure);
 

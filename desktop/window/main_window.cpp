@@ -35,7 +35,13 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
             new DriverPage(controller), new LogPage(controller)}) {
         add(page);
     }
-    connect(m_list, &QListWidget::currentRowChanged, this, &MainWindow::turnTo);
+    // By what is selected: a screen reader selects without moving the keyboard's place.
+    connect(m_list, &QListWidget::itemSelectionChanged, this, [this] {
+        const QList<QListWidgetItem *> selected = m_list->selectedItems();
+        if (!selected.isEmpty()) {
+            turnTo(m_list->row(selected.constFirst()));
+        }
+    });
     connect(&controller, &Controller::changed, this, [this] {
         if (m_shown != nullptr) {
             m_shown->refresh();
@@ -133,7 +139,7 @@ void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
     m_controller.setWatched(true);
-    turnTo(m_list->currentRow());
+    turnTo(m_pages->currentIndex());
 }
 
 void MainWindow::hideEvent(QHideEvent *event)

@@ -216,7 +216,7 @@ def test_the_program_in_the_machine_is_the_one_that_was_checked(machine):
 # ---- pages for the user
 
 GUIDES = ["README.md", "docs/first-connection.md", "docs/pppoe-and-pppoa.md", "docs/driver-build.md",
-          "docs/troubleshooting.md"]
+          "docs/keeping-the-connection.md", "docs/troubleshooting.md"]
 
 
 def calls_in(text):
