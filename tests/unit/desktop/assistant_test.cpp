@@ -62,6 +62,7 @@ QString picture(const ConnectProgress &progress)
 } // namespace
 
 Q_DECLARE_METATYPE(Change)
+Q_DECLARE_METATYPE(ModemFacts)
 Q_DECLARE_METATYPE(ModemStanding)
 Q_DECLARE_METATYPE(PermissionFacts)
 Q_DECLARE_METATYPE(Permission)
@@ -291,6 +292,10 @@ private slots:
             [](auto &m) { m.trouble = Trouble::LineNotSynchronised; });
         row("no provider", "++x.", DeedKind::OpenAssistant,
             [](auto &m) { m.trouble = Trouble::ProviderSilent; });
+        row("no modem", "+x..", DeedKind::OpenAssistant, [](auto &m) {
+            m.trouble = Trouble::NotUp;
+            m.isModemPlugged = false;
+        });
         row("a wrong password", "++x.", DeedKind::OpenAssistant,
             [](auto &m) { m.trouble = Trouble::AccountRefused; });
         row("something else", "++x.", DeedKind::OpenPage,
