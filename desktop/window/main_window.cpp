@@ -12,6 +12,7 @@
 #include "desktop/window/log_page.h"
 
 #include <QHBoxLayout>
+#include <QPushButton>
 
 namespace desktop {
 
@@ -26,7 +27,12 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
     m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     auto *middle = new QWidget;
     auto *row = new QHBoxLayout(middle);
-    row->addWidget(m_list);
+    auto *assistant = new QPushButton(Say::tr("Assistant…"));
+    assistant->setMinimumHeight(fontMetrics().height() * 2);
+    auto *column = new QVBoxLayout;
+    column->addWidget(m_list, 1);
+    column->addWidget(assistant);
+    row->addLayout(column);
     row->addWidget(m_pages, 1);
     setCentralWidget(middle);
     for (Page *page :
@@ -48,6 +54,7 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
         }
     });
     connect(&controller, &Controller::pageWanted, this, &MainWindow::open);
+    connect(assistant, &QPushButton::clicked, this, [this] { open(Action::SetUp); });
     connect(&controller, &Controller::assistantWanted, this,
         [this](AssistantStep step) { assistant()->showStep(step); });
     m_list->setCurrentRow(0);

@@ -256,25 +256,29 @@ def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
 
 def at_connect(computer, desktop):
     computer.machine.settings(modem="Thomson Speedtouch 330", vendor_id=0x06B9, product_id=0x4061,
+                              udi="/org/freedesktop/Hal/devices/usb_device_6b9_4061_0090D0123456",
                               protocol="PPPoE", vpi=8, vci=35)
     computer.start_daemon()
     return at_the_modem(desktop).skip_to("Connect")
 
 
 TROUBLES = {
-    "account": ("CHAP authentication failed\n", "refused login or password", "Back to the account",
+    "account": ("c1-chap-wrong-password", "refused login or password", "Back to the account",
                 "Account"),
-    "silence": ("Timeout waiting for PADO packets\n", "provider does not answer",
+    "silence": (None, "provider does not answer",
                 "Back to the provider", "Provider"),
 }
 
 
 @pytest.mark.parametrize("trouble", TROUBLES)
 def test_a_failure_says_its_cause_and_leads_to_where_it_is_mended(computer, desktop, trouble):
-    line, cause, button, page = TROUBLES[trouble]
+    recording, cause, button, page = TROUBLES[trouble]
     computer.plug()
     guide = at_connect(computer, desktop)
-    computer.machine.pppd.script([out(line), stay()])
+    if recording:
+        computer.machine.pppd.play(recording)
+    else:
+        computer.machine.pppd.script([out("Timeout waiting for PADO packets\n"), stay()])
     guide.press("Connect").says(cause)
     guide.press(button).at(page)
     guide.skip_to("Connect")
