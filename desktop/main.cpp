@@ -2,7 +2,9 @@
 // norvix-desktop: a window for the person who has the modem.
 #include "client/say.h"
 #include "client/stop_signals.h"
+#include "desktop/assistant/new_beginning.h"
 #include "desktop/controller.h"
+#include "desktop/plot/plot.h"
 #include "desktop/session/instance.h"
 #include "desktop/session/options.h"
 #include "desktop/session/presence.h"
@@ -58,6 +60,7 @@ int showWindow(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("norvix-desktop"));
     QApplication::setApplicationDisplayName(QStringLiteral("Norvix"));
     QApplication::setApplicationVersion(QStringLiteral(NORVIX_VERSION));
+    desktop::makePlotsAccessible();
     QApplication::setDesktopFileName(QStringLiteral("com.norvix.Desktop"));
     QApplication::setQuitOnLastWindowClosed(false); // its presence decides
     // The session's end closes no window: one that goes into the tray would seem to refuse it.
@@ -86,6 +89,9 @@ int showWindow(int argc, char *argv[])
         &instance, &desktop::Instance::activated, &presence, &desktop::Presence::showWindow);
     controller.start();
     presence.start(options.isBackground);
+    if (const std::optional<desktop::HandOver> handOver = desktop::handedOver()) {
+        presence.window().goOn(*handOver);
+    }
     return QApplication::exec();
 }
 

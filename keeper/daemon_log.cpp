@@ -3,6 +3,7 @@
 
 #include "client/pppd_explain.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -56,6 +57,14 @@ bool isCircuitMissing(const QByteArray &log)
     return circuit.match(QString::fromLatin1(log)).hasMatch();
 }
 
+/// When a line was written, seconds since 1970; the log has local time.
+qint64 timeOf(const QByteArray &line)
+{
+    return QDateTime::fromString(
+        QString::fromLatin1(line.left(19)), QStringLiteral("dd-MM-yyyy hh:mm:ss"))
+        .toSecsSinceEpoch();
+}
+
 } // namespace
 
 Cause causeInLog(const QByteArray &log)
@@ -64,26 +73,40 @@ Cause causeInLog(const QByteArray &log)
     return cause == Cause::BridgeMissing && isCircuitMissing(log) ? Cause::CircuitMissing : cause;
 }
 
-QDateTime lastDisconnectInLog(const QByteArray &log)
+Unheard unheardInLog(
+    const QByteArray &log, qint64 heardUntil, const QByteArray &modem, bool wasPlugged)
 {
     // The daemon counts the steps of a disconnect; at the third it tells everybody.
     constexpr int toldAt = 3;
-    QDateTime told;
+    const QByteArray begin = "debugHandler: ";
+    const QByteArray plugging = "device added: \"" + modem + '"';
+    bool isPlugged = wasPlugged;
+    bool isOpen = false; // a disconnect that may turn out to be an unplugging
     int step = 0;
     for (const QByteArray &line : log.split('\n')) {
-        const int place = line.indexOf("debugHandler: ");
+        const int place = line.indexOf(begin);
+        if (place < 0 || timeOf(line) <= heardUntil) {
+            continue;
+        }
+        const QByteArray text = line.mid(place + begin.size()).trimmed();
+        if (text == plugging) {
+            isPlugged = true;
+            isOpen = false;
+        }
         bool isNumber = false;
-        const int number = place < 0 ? 0 : line.mid(place + 14).trimmed().toInt(&isNumber);
+        const int number = text.toInt(&isNumber);
         if (!isNumber) {
             continue;
         }
         step = number == 1 || number == step + 1 ? number : 0;
         if (step == toldAt) {
-            told = QDateTime::fromString(
-                QString::fromLatin1(line.left(19)), QStringLiteral("dd-MM-yyyy hh:mm:ss"));
+            if (isOpen || !isPlugged) {
+                return Unheard::Disconnect;
+            }
+            isOpen = true;
         }
     }
-    return told;
+    return isOpen ? Unheard::DisconnectOrUnplugged : Unheard::Nothing;
 }
 
 bool wasRequestDropped(const QByteArray &log)

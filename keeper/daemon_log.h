@@ -4,9 +4,9 @@
 #pragma once
 
 #include "keeper/decision/cause.h"
+#include "keeper/decision/state.h"
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QString>
 
 namespace keeper {
@@ -15,9 +15,11 @@ namespace keeper {
 /// tells nothing.
 Cause causeInLog(const QByteArray &log);
 
-/// When the connection was last ended over the bus (local time, to the second); invalid when the
-/// log tells of none.
-QDateTime lastDisconnectInLog(const QByteArray &log);
+/// What happened after @p heardUntil (seconds since 1970) that ended the connection. An unplugging
+/// ends it as a user does, and looks like one; a modem that is announced anew must have been
+/// unplugged before. @p modem: the identifier that HAL gives it. @p wasPlugged: it was there then.
+Unheard unheardInLog(
+    const QByteArray &log, qint64 heardUntil, const QByteArray &modem, bool wasPlugged);
 
 /// Whether the log tells of a request that the daemon dropped because it was connecting.
 bool wasRequestDropped(const QByteArray &log);

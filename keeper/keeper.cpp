@@ -15,14 +15,16 @@ namespace {
 constexpr int pulseMs = 10'000;
 constexpr int pulsesInAMinute = 6;
 
-/// Whether a disconnect stands in the log that nobody here has heard.
-bool wasDisconnected(const Stored &stored, const DaemonLog &log)
+/// What has happened since the memory was written.
+Unheard unheardSince(const Stored &stored, const DaemonLog &log)
 {
     if (!stored.memory.isWanted.value_or(false)) {
-        return false;
+        return Unheard::Nothing;
     }
-    const QDateTime last = lastDisconnectInLog(log.since(0));
-    return last.isValid() && last.toSecsSinceEpoch() > stored.heardUntil;
+    const Unheard told
+        = unheardInLog(log.since(0), stored.heardUntil, modemIdentifier(), stored.wasModemPlugged);
+    // Without HAL the daemon knows of no modem.
+    return told == Unheard::DisconnectOrUnplugged && isModemSeen() ? Unheard::Disconnect : told;
 }
 
 } // namespace
@@ -34,8 +36,8 @@ Keeper::Keeper(const QDBusConnection &bus, const QString &stateFolder, const Pau
     , m_written(m_stored)
     , m_log(QStringLiteral("/opt/norvix/daemon.log"))
     , m_history(stateFolder + QStringLiteral("/history.sqlite"))
-    , m_state(initialState(m_stored.memory, m_stored.boot == m_boot,
-          wasDisconnected(m_stored, m_log), pauses, momentNow()))
+    , m_state(initialState(m_stored.memory, m_stored.boot == m_boot, unheardSince(m_stored, m_log),
+          pauses, momentNow()))
     , m_daemon(bus)
     , m_sleep(bus)
     , m_settingsStamp(settingsStamp())
@@ -50,6 +52,11 @@ Keeper::Keeper(const QDBusConnection &bus, const QString &stateFolder, const Pau
     connect(&m_timer, &BootTimer::timeout, this, [this] { handle(event::Tick()); });
     connect(&m_clock, &ClockWatch::clockSet, this, [this] {
         m_toldNextAttempt = 0; // the same moment has another name now
+        checkLimit(); // and the day perhaps another month
+        announce();
+    });
+    connect(&m_monthEnd, &BootTimer::timeout, this, [this] {
+        checkLimit();
         announce();
     });
     m_pulse.setInterval(pulseMs);
@@ -374,12 +381,20 @@ void Keeper::setBillingDay(int day)
     announce();
 }
 
-/// A limit only warns.
+/// A limit only warns. Traffic reaches it; that a month begins anew is for a clock to tell, as
+/// nothing else need happen then.
 void Keeper::checkLimit()
 {
     const BillingMonth month = billingMonth(QDate::currentDate(), m_stored.billingDay);
     const Traffic used = m_history.trafficBetween(month.begin, month.end);
     m_isLimitReached = m_stored.limit > 0 && used.received + used.sent >= m_stored.limit;
+    std::optional<qint64> monthEnd;
+    if (m_isLimitReached) {
+        const Moment now = momentNow();
+        const qint64 begin = month.end.addDays(1).startOfDay().toSecsSinceEpoch();
+        monthEnd = now.ms + qMax(begin - now.wall, qint64(1)) * 1000;
+    }
+    m_monthEnd.setDeadline(monthEnd);
 }
 
 // ---- telling
@@ -387,8 +402,14 @@ void Keeper::checkLimit()
 /// Writes down what has to outlive this process, when it has changed.
 void Keeper::remember()
 {
+    if (m_state.isWantedIfUnplugged) {
+        return; // the next keeper has to find it out, too
+    }
     Stored fresh = m_stored;
     fresh.memory = m_state.memory;
+    if (m_state.modem != Modem::Unknown) {
+        fresh.wasModemPlugged = m_state.modem == Modem::There;
+    }
     fresh.boot = m_state.isWantedIfAtBoot ? QString() : m_boot;
     if (fresh == m_written) {
         return;

@@ -89,6 +89,7 @@ private:
     SleepWatch m_sleep;
     LinkWatch m_links;
     BootTimer m_timer;
+    BootTimer m_monthEnd; ///< while the limit is reached
     ClockWatch m_clock;
     QTimer m_pulse;
     int m_pulses = 0;

@@ -13,6 +13,8 @@ QByteArray Stored::textOf(const Stored &stored)
     QJsonObject object{
         {QStringLiteral("keep"), stored.memory.keep},
         {QStringLiteral("last_up"), stored.memory.lastUpWall},
+        {QStringLiteral("modem_restarted"), stored.memory.modemRestartedWall},
+        {QStringLiteral("modem_plugged"), stored.wasModemPlugged},
         {QStringLiteral("boot"), stored.boot},
         {QStringLiteral("heard_until"), stored.heardUntil},
         {QStringLiteral("limit"), double(stored.limit)},
@@ -34,6 +36,9 @@ Stored Stored::from(const QByteArray &text)
         stored.memory.isWanted = wanted.toBool();
     }
     stored.memory.lastUpWall = qint64(object.value(QStringLiteral("last_up")).toDouble());
+    stored.memory.modemRestartedWall
+        = qint64(object.value(QStringLiteral("modem_restarted")).toDouble());
+    stored.wasModemPlugged = object.value(QStringLiteral("modem_plugged")).toBool(true);
     stored.boot = object.value(QStringLiteral("boot")).toString();
     stored.heardUntil = qint64(object.value(QStringLiteral("heard_until")).toDouble());
     stored.limit = quint64(qMax(0.0, object.value(QStringLiteral("limit")).toDouble()));

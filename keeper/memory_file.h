@@ -16,6 +16,7 @@ struct Stored
     qint64 heardUntil = 0; ///< seconds since 1970: no disconnect until then is news
     quint64 limit = 0; ///< bytes in a billing month; 0 for none
     int billingDay = 1;
+    bool wasModemPlugged = true; ///< as the daemon last told
 
     bool operator==(const Stored &other) const { return textOf(*this) == textOf(other); }
 

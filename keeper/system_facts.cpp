@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/system_facts.h"
 
+#include "keeper/line/line_quality.h"
 #include "keeper/line/loss_judge.h"
 
 #include <QFile>
+#include <QSettings>
 #include <cerrno>
 #include <csignal>
 #include <sys/stat.h>
@@ -11,6 +13,8 @@
 namespace keeper {
 
 namespace {
+
+constexpr char settingsPath[] = "/opt/norvix/.daemon_ng.ini";
 
 QByteArray contentOf(const QString &path, qint64 most = 4096)
 {
@@ -80,13 +84,23 @@ std::optional<quint64> atmCellsReceived()
     return cellsReceived(contentOf(QStringLiteral("/proc/self/net/atm/devices")));
 }
 
+QByteArray modemIdentifier()
+{
+    const QSettings settings(QString::fromLatin1(settingsPath), QSettings::IniFormat);
+    return settings.value(QStringLiteral("udi")).toString().toUtf8();
+}
+
+bool isModemSeen()
+{
+    return !atmDeviceFolder().isEmpty() || QFile::exists(QStringLiteral("/sys/class/net/dsl0"));
+}
+
 QByteArray settingsStamp()
 {
     // Peer files may lie in a folder that only root and dip may enter: its own time tells enough.
     QByteArray stamp;
-    for (const char *path :
-        {"/opt/norvix/.daemon_ng.ini", "/etc/ppp/peers", "/etc/ppp/peers/norvix",
-            "/etc/ppp/peers/norvix_unicorn", "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"}) {
+    for (const char *path : {settingsPath, "/etc/ppp/peers", "/etc/ppp/peers/norvix",
+             "/etc/ppp/peers/norvix_unicorn", "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"}) {
         struct stat info = {};
         if (stat(path, &info) == 0) {
             stamp += QByteArray::number(qlonglong(info.st_ino)) + ' '

@@ -31,6 +31,13 @@ std::optional<Traffic> interfaceCounters(const QString &name);
 /// What has come in over the first ATM device, in cells; nothing without one.
 std::optional<quint64> atmCellsReceived();
 
+/// HAL's identifier of the configured modem, as the daemon's settings have it; empty without one.
+QByteArray modemIdentifier();
+
+/// Whether a modem that is ready for the line is seen: an ATM device on USB, or the interface of a
+/// driver that makes one itself.
+bool isModemSeen();
+
 /// Changes when somebody changes what a connection is made with: settings, peer files, accounts.
 QByteArray settingsStamp();
 

@@ -12,8 +12,9 @@ import subprocess
 import sys
 from pathlib import Path
 
-ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client", "ctl")
-PROGRAMS = ("bin/norvix-daemon", "bin/norvixctl", "bin/norvix-hald", "lib/libnorvix-support.so")
+ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client", "ctl", "keeper")
+PROGRAMS = ("bin/norvix-daemon", "bin/norvixctl", "bin/norvix-hald", "bin/norvix-keeper",
+            "lib/libnorvix-support.so")
 LEAST_COVERED = 12
 
 
@@ -24,7 +25,7 @@ def prepare(build):
     folder.mkdir(exist_ok=True)
     for file in folder.iterdir():
         file.unlink()
-    for program in ("norvixctl", "norvix-hald"):
+    for program in ("norvixctl", "norvix-hald", "norvix-keeper"):
         subprocess.run([build / "bin" / program, "--help"], stdout=subprocess.DEVNULL, check=True)
     for file in folder.iterdir():
         file.chmod(0o666)

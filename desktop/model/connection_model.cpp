@@ -3,6 +3,8 @@
 
 #include "dbus/contract.h"
 
+#include <tuple>
+
 namespace desktop {
 
 namespace {
@@ -115,7 +117,12 @@ struct ConnectionModel::Taker
 
 void ConnectionModel::apply(const Event &event, qint64 now)
 {
+    const auto wait = [this] { return std::tie(daemon, step, pending, isBuilding, isRestarting); };
+    const auto before = std::make_tuple(daemon, step, pending, isBuilding, isRestarting);
     std::visit(Taker{*this, now}, event);
+    if (before != wait()) {
+        waitSince = now;
+    }
 }
 
 void ConnectionModel::forgetDaemon()

@@ -50,6 +50,7 @@ public:
     qint64 troubleAt = 0;
     Failure requestFailure; ///< of the last request, until the next
     std::optional<Request> pending; ///< asked for and not yet seen to happen
+    qint64 waitSince = 0; ///< since when it is waited for the same
 
     /// The link came up although the person had ended the attempt: it is to be ended once more.
     bool isEndingOwed = false;

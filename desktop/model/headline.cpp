@@ -101,23 +101,32 @@ QString causeText(const ConnectionModel &model, const Cause &cause)
         : Say::tr("%1: %2").arg(timeText(model.troubleAt / 1000), cause.text);
 }
 
-Headline connecting(const ConnectionModel &model)
+/// What is waited for, and how long already. At first nobody wonders.
+QString waiting(const QString &what, const ConnectionModel &model, qint64 now)
+{
+    const qint64 seconds = (now - model.waitSince) / 1000;
+    return seconds < 3 ? what : joined(what, Say::tr("%1 so far.").arg(durationText(seconds)));
+}
+
+Headline connecting(const ConnectionModel &model, qint64 now)
 {
     const QString title = Say::tr("Connecting");
     switch (model.step) {
     case ConnectingStep::WaitingForLine:
-        return {Standing::Connecting, title, Say::tr("Waiting for the line to synchronise."),
-            Action::Cancel, Action::None};
+        return {Standing::Connecting, title,
+            waiting(Say::tr("Waiting for the line to synchronise."), model, now), Action::Cancel,
+            Action::None};
     case ConnectingStep::Ending:
         return {Standing::Connecting, Say::tr("Ending"),
-            Say::tr("The attempt is ended; while it waits for the line this takes up to a minute."),
+            waiting(Say::tr("The attempt ends as soon as it can; it may still wait for the line."),
+                model, now),
             Action::None, Action::None};
     case ConnectingStep::None:
     case ConnectingStep::Started:
         break;
     }
-    return {Standing::Connecting, title, Say::tr("The provider is called."), Action::Cancel,
-        Action::None};
+    return {Standing::Connecting, title, waiting(Say::tr("The provider is called."), model, now),
+        Action::Cancel, Action::None};
 }
 
 Headline connected(const ConnectionModel &model, qint64 now)
@@ -192,11 +201,11 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
 }
 
 /// Nobody is there who could tell. What the daemon had started stays.
-Headline withoutDaemon(const ConnectionModel &model)
+Headline withoutDaemon(const ConnectionModel &model, qint64 now)
 {
     if (model.pending == Request::Connect) {
-        return {Standing::Connecting, Say::tr("Connecting"), Say::tr("The daemon is started."),
-            Action::None, Action::None};
+        return {Standing::Connecting, Say::tr("Connecting"),
+            waiting(Say::tr("The daemon is started."), model, now), Action::None, Action::None};
     }
     const bool isUp = model.isLinkLeft
         || (model.keeper && model.keeper->phase == QLatin1String(KeeperPhase::connected));
@@ -277,33 +286,35 @@ Headline headlineOf(const ConnectionModel &model, qint64 now)
             Say::tr("Nothing on this system can be asked about the modem."), Action::None,
             Action::None};
     case DaemonPresence::Away:
-        return withoutDaemon(model);
+        return withoutDaemon(model, now);
     case DaemonPresence::Silent:
         return {Standing::DaemonAway, Say::tr("No answer"),
-            Say::tr("The daemon is running but does not answer."), Action::RestartDaemon,
-            Action::CheckUp};
+            waiting(Say::tr("The daemon is running but does not answer."), model, now),
+            Action::RestartDaemon, Action::CheckUp};
     case DaemonPresence::There:
         break;
     }
     if (model.isRestarting) {
         return {Standing::Connecting, Say::tr("Modem restarts"),
-            Say::tr("The driver is loaded anew; this takes up to a minute."), Action::None,
-            Action::None};
+            waiting(Say::tr("The driver is loaded anew; this takes up to a minute."), model, now),
+            Action::None, Action::None};
     }
     if (model.state == ConnectionUp) {
         return connected(model, now);
     }
     if (model.state == ConnectionConnecting) {
-        return connecting(model);
+        return connecting(model, now);
     }
     if (model.pending == Request::Connect) {
         return {Standing::Connecting, Say::tr("Connecting"),
-            Say::tr("The connection was asked for."), Action::None, Action::None};
+            waiting(Say::tr("The connection was asked for."), model, now), Action::None,
+            Action::None};
     }
     if (model.isBuilding) {
         return {Standing::Connecting, Say::tr("Driver is built"),
-            Say::tr("It is built for this kernel; this may take some minutes."), Action::ShowBuild,
-            Action::None};
+            waiting(
+                Say::tr("It is built for this kernel; this may take some minutes."), model, now),
+            Action::ShowBuild, Action::None};
     }
     return notConnected(model, now);
 }

@@ -4,7 +4,13 @@
 
 #include "desktop/window/page.h"
 
+#include <QVBoxLayout>
+
 namespace desktop {
+
+class AccountForm;
+class AutomaticForm;
+class LineForm;
 
 class AccountLinePage : public Page
 {
@@ -15,6 +21,19 @@ public:
 
     QString title() const override;
     void refresh() override;
+    void setOnScreen(bool isOnScreen) override;
+
+private slots:
+    void takeSettingsChange();
+
+private:
+    void askForSettings();
+
+    AccountForm *m_account;
+    LineForm *m_line;
+    AutomaticForm *m_automatic;
+    bool m_isOnScreen = false;
+    bool m_wasDaemonThere = false;
 };
 
 } // namespace desktop

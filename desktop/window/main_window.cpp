@@ -2,6 +2,7 @@
 #include "desktop/window/main_window.h"
 
 #include "client/say.h"
+#include "desktop/assistant/assistant.h"
 #include "desktop/controller.h"
 #include "desktop/window/account_line_page.h"
 #include "desktop/window/checkup_page.h"
@@ -41,6 +42,8 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
         }
     });
     connect(&controller, &Controller::pageWanted, this, &MainWindow::open);
+    connect(&controller, &Controller::assistantWanted, this,
+        [this](AssistantStep step) { assistant()->showStep(step); });
     m_list->setCurrentRow(0);
     resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 34);
 }
@@ -78,6 +81,26 @@ template <typename Wanted> void MainWindow::openPage()
             m_list->setCurrentRow(row);
         }
     }
+    raise();
+    activateWindow();
+}
+
+Assistant *MainWindow::assistant()
+{
+    if (m_assistant == nullptr) {
+        m_assistant = new Assistant(m_controller, this);
+    }
+    return m_assistant;
+}
+
+void MainWindow::goOn(const HandOver &handOver)
+{
+    if (handOver.step) {
+        assistant()->takeDraft(handOver.draft);
+        assistant()->showStep(*handOver.step);
+    } else {
+        open(Action::CheckUp);
+    }
 }
 
 void MainWindow::open(Action action)
@@ -95,6 +118,8 @@ void MainWindow::open(Action action)
         openPage<DriverPage>();
         break;
     case Action::SetUp:
+        assistant()->showStep(AssistantStep::Permission);
+        break;
     case Action::None:
     case Action::Connect:
     case Action::Disconnect:

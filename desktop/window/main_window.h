@@ -10,8 +10,10 @@
 
 namespace desktop {
 
+class Assistant;
 class Controller;
 class Page;
+struct HandOver;
 
 class MainWindow : public QMainWindow
 {
@@ -25,6 +27,8 @@ public:
 
     /// Shows the page that an action leads to.
     void open(Action action);
+    /// Goes on where the program before this one was.
+    void goOn(const HandOver &handOver);
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -34,11 +38,13 @@ private:
     Page *currentPage() const;
     void turnTo(int row);
     template <typename Wanted> void openPage();
+    Assistant *assistant();
 
     Controller &m_controller;
     QListWidget *m_list;
     QStackedWidget *m_pages;
     Page *m_shown = nullptr;
+    Assistant *m_assistant = nullptr; ///< made when it is wanted
 };
 
 } // namespace desktop

@@ -8,16 +8,22 @@
 
 namespace keeper {
 
-State initialState(const Memory &memory, bool isSameBoot, bool wasDisconnected,
-    const Pauses &pauses, const Moment &now)
+State initialState(
+    const Memory &memory, bool isSameBoot, Unheard unheard, const Pauses &pauses, const Moment &now)
 {
     State state;
     state.pauses = pauses;
     state.memory = memory;
-    if (wasDisconnected) {
+    if (unheard == Unheard::Disconnect) {
         state.memory.isWanted = false;
     }
-    state.isWantedIfAtBoot = !isSameBoot && state.memory.isWanted.value_or(false);
+    const bool wasWanted = state.memory.isWanted.value_or(false);
+    state.isWantedIfAtBoot = !isSameBoot && wasWanted;
+    state.isWantedIfUnplugged = unheard == Unheard::DisconnectOrUnplugged && wasWanted;
+    const qint64 restartedBefore = (now.wall - memory.modemRestartedWall) * 1000;
+    if (restartedBefore >= 0 && restartedBefore < restartEveryMs) {
+        state.modemRestartedAt = now.ms - restartedBefore;
+    }
     state.outageSince = now.ms;
     state.nextAttempt = now.ms;
     return state;
@@ -25,7 +31,8 @@ State initialState(const Memory &memory, bool isSameBoot, bool wasDisconnected,
 
 bool isWanted(const State &state)
 {
-    return state.memory.isWanted.value_or(false) && !state.isWantedIfAtBoot;
+    return state.memory.isWanted.value_or(false) && !state.isWantedIfAtBoot
+        && !state.isWantedIfUnplugged;
 }
 
 Decision decide(const State &state, const Event &event, const Moment &now)

@@ -161,9 +161,9 @@ struct Decision
 };
 
 /// The state at the start. @p isSameBoot: the memory was written since the machine was started.
-/// @p wasDisconnected: somebody ended the connection after it was written.
-State initialState(const Memory &memory, bool isSameBoot, bool wasDisconnected,
-    const Pauses &pauses, const Moment &now);
+/// @p unheard: what happened after it was written.
+State initialState(const Memory &memory, bool isSameBoot, Unheard unheard, const Pauses &pauses,
+    const Moment &now);
 
 /// What follows from an event.
 Decision decide(const State &state, const Event &event, const Moment &now);

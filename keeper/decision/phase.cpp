@@ -30,7 +30,7 @@ const char *wordOf(const State &state)
     if (!state.memory.keep) {
         return KeeperPhase::off;
     }
-    if (!isWanted(state) && !state.isWantedIfAtBoot) {
+    if (!state.memory.isWanted.value_or(false)) {
         return KeeperPhase::idle;
     }
     if (state.asleepUntil) {

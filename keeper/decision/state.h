@@ -72,6 +72,15 @@ struct Memory
     bool keep = true; ///< the keeper does anything at all
     std::optional<bool> isWanted; ///< empty: nobody has ever been heard
     qint64 lastUpWall = 0; ///< when a link was last up, seconds since 1970; 0: never
+    qint64 modemRestartedWall = 0; ///< when the keeper last restarted the modem, likewise
+};
+
+/// What the daemon's log tells of the time in which the keeper was not there.
+enum class Unheard
+{
+    Nothing,
+    Disconnect, ///< somebody ended the connection
+    DisconnectOrUnplugged, ///< so did somebody, or else the modem was unplugged and still is
 };
 
 struct State // NOLINT(clang-analyzer-optin.performance.Padding): in the order of the explanation
@@ -81,6 +90,7 @@ struct State // NOLINT(clang-analyzer-optin.performance.Padding): in the order o
     // the wish
     Memory memory;
     bool isWantedIfAtBoot = false; ///< of an earlier boot: the setting connect-at-boot decides
+    bool isWantedIfUnplugged = false; ///< whether somebody disconnected is not clear yet
     std::optional<Termination> termination;
 
     // the world

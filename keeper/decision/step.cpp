@@ -102,8 +102,7 @@ void Step::beginSession(qint64 upSince, bool wasAskedAgain)
     note(Action::Kind::BeginSession);
     if (!s.isUnwanted) {
         // Nobody who has heard of it has disconnected since: whoever brought it up wanted it.
-        s.memory.isWanted = true;
-        s.isWantedIfAtBoot = false;
+        setWish(true);
         s.termination.reset();
         s.disownedUntil = 0;
     }
@@ -174,13 +173,20 @@ void Step::excuse(Cause cause)
 
 // ---- attempts
 
+/// The wish is known now, whatever an earlier keeper has left open.
+void Step::setWish(bool isWanted)
+{
+    s.memory.isWanted = isWanted;
+    s.isWantedIfAtBoot = false;
+    s.isWantedIfUnplugged = false;
+}
+
 void Step::somebodyAsked()
 {
     if (s.termination) {
         resolveTermination(Cause::User);
     }
-    s.memory.isWanted = true;
-    s.isWantedIfAtBoot = false;
+    setWish(true);
     s.disownedUntil = 0;
     s.isUnwanted = false;
     s.refusals = 0;
@@ -246,6 +252,7 @@ void Step::restartStuckModem()
     }
     s.syncFailures = 0;
     s.modemRestartedAt = m_now.ms;
+    s.memory.modemRestartedWall = m_now.wall;
     s.restartUntil = m_now.ms + restartBeginMs;
     s.reason = Cause::ModemRestart;
     note(Action::Kind::RestartModem);

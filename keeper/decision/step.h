@@ -55,6 +55,7 @@ private:
     void endSession(Cause cause);
     void resolveTermination(Cause cause);
     void excuse(Cause cause);
+    void setWish(bool isWanted);
     void somebodyAsked();
     void beginOutage();
     void attemptFailed(Cause cause);

@@ -13,10 +13,14 @@ void Step::take(const event::DaemonAppeared &daemon)
     s.isDaemonThere = true;
     s.isBuilding = daemon.isBuilding;
     s.modem = daemon.isModemPlugged ? Modem::There : Modem::Gone;
-    if (s.isWantedIfAtBoot) {
-        s.isWantedIfAtBoot = false;
-        s.memory.isWanted = daemon.connectsAtBoot;
+    if (s.isWantedIfAtBoot && !daemon.connectsAtBoot) {
+        setWish(false);
     }
+    if (s.isWantedIfUnplugged) {
+        setWish(!daemon.isModemPlugged);
+        s.reason = daemon.isModemPlugged ? Cause::User : Cause::Unplugged;
+    }
+    s.isWantedIfAtBoot = false;
     trySoon();
     if (daemon.isConnecting) {
         take(event::AttemptBegan());
@@ -195,8 +199,7 @@ void Step::take(const event::Terminated &)
     const bool isUnderWay = s.isThreadRunning || s.task != Task::None;
     s.disownedUntil = m_now.ms + (isUnderWay ? attemptMs : excuseMs);
     s.termination = Termination{m_now.ms, isWanted(s)};
-    s.memory.isWanted = false;
-    s.isWantedIfAtBoot = false;
+    setWish(false);
     s.reason = Cause::User;
     s.pause = Pause::None;
 }

@@ -36,6 +36,7 @@ FONTS = """<?xml version="1.0"?>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
 """
+LOCALE = "/usr/lib/locale/C.utf8"  # what programs speak unless told otherwise
 SCREEN = (1920, 1200)
 PROGRAMS = "/opt/norvix/bin/"
 STILL = 0.1  # seconds; a picture that stays the same as long is complete
@@ -88,6 +89,8 @@ class Session:
             shutil.copy(HERE / "session-bus.conf", path(BUS_CONFIGURATION))
             path("/etc/fonts").mkdir()
             (path("/etc/fonts") / "fonts.conf").write_text(FONTS, encoding="ascii")
+            # Without it letters beyond ASCII get lost between programs, as on no desktop of today.
+            shutil.copytree(LOCALE, path(LOCALE), dirs_exist_ok=True)
             path("/tmp/.X11-unix").mkdir()
             path("/tmp/.X11-unix").chmod(0o1777)
         for folder, mode in ((self.runtime_folder, 0o700), (self.home, 0o700), (self.programs, 0o755)):
@@ -206,7 +209,7 @@ class Session:
         self._use("key", *names)
 
     def type(self, text):
-        """Types a text."""
+        """Types a text, of letters that an American keyboard has: see Element.set_text for others."""
         self._use("type", "--delay", "1", text)
 
     def click(self, element):

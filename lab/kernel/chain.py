@@ -79,11 +79,13 @@ class Chain:
         self.modem = None
         self.provider = None
         self.daemon = None
+        self.keeper = None
         self.client = None
         self._starts = 0
         system.clear_kernel_log()
         shutil.rmtree("/var/log/norvix", ignore_errors=True)
-        for path in (system.SETTINGS, system.LOG, system.LINK_PID_FILE):
+        shutil.rmtree(system.KEEPER_STATE, ignore_errors=True)
+        for path in (system.SETTINGS, system.LOG, system.LINK_PID_FILE, system.KEEPER_SETTINGS):
             path.unlink(missing_ok=True)
         system.RESOLVER.write_text(system.GOOD_RESOLVER)
         system.write_account()
@@ -144,6 +146,13 @@ class Chain:
                                     *(arguments or ("--debug",)))
         return self.client
 
+    def start_keeper(self, settings=""):
+        """settings: lines of its file, which stay for the next start."""
+        if settings:
+            system.KEEPER_SETTINGS.write_text(settings)
+        self.keeper = system.Keeper(self.guest, self.folder / "keeper.output")
+        return self.keeper
+
     def connect(self, protocol=None):
         """Asks for a connection and waits until the client hears that it is there."""
         mark = len(self.client.signals)
@@ -175,6 +184,8 @@ class Chain:
         return {
             "kernel log": system.kernel_log(),
             "daemon's log": self.daemon_log(),
+            "keeper's changes": "\n".join("%7.2f %s" % change for change in self.keeper.told())
+            if self.keeper else "",
             "provider's log": self.provider.said() if self.provider else "",
             "signals": "\n".join(f"{signal.name}{signal.args}" for signal in self.client.signals)
             if self.client else "",
@@ -187,6 +198,9 @@ class Chain:
             (self.folder / name.replace(" ", "-")).write_text(text)
 
     def take_down(self):
+        if self.keeper:
+            self.keeper.end()
+            self.keeper.client.close()
         if self.daemon:
             self.daemon.end()
         if self.client:
@@ -221,3 +235,11 @@ def exchange_traffic(count=20_000, seconds=30):
             received += len(there.recv(65536))
         sender.join(seconds)
     return received
+
+
+def carries_traffic():
+    """Whether it does so now; a link that has just come up may have no route yet."""
+    try:
+        return exchange_traffic() == 20_000
+    except OSError:
+        return False

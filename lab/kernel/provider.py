@@ -69,16 +69,19 @@ class Provider:
         if not PPPD.exists():
             PPPD.parent.mkdir(parents=True, exist_ok=True)
             shutil.copy("/usr/sbin/pppd", PPPD)
-        login, password = self._secret
-        for name in ("chap-secrets", "pap-secrets"):
-            secrets = etc / name
-            secrets.write_text(f'"{login}" * "{password}" *\n')
-            secrets.chmod(0o600)
+        self._write_secrets()
         (etc / "options").write_text("")
         (etc / "server").write_text("\n".join(self._options()) + "\n")
         if script:
             (etc / "ip-pre-up").write_text(script)
             (etc / "ip-pre-up").chmod(0o755)
+
+    def _write_secrets(self):
+        login, password = self._secret
+        for name in ("chap-secrets", "pap-secrets"):
+            secrets = self.folder / "etc" / name
+            secrets.write_text(f'"{login}" * "{password}" *\n')
+            secrets.chmod(0o600)
 
     def _options(self):
         options = ["name provider", "noipv6", "nodefaultroute", "noaccomp", "nopcomp",
@@ -105,6 +108,16 @@ class Provider:
         """Ends every session at once, without a word over the line; new ones are possible."""
         command("killall", "-9", PPPD.name, check=False)
 
+    def say_goodbye(self):
+        """Ends every session as PPP wants it; new ones are possible."""
+        command("killall", "-TERM", PPPD.name, check=False)
+
+    def change_password(self, password):
+        """From the next session on it wants this one."""
+        login, _ = self._secret
+        self._secret = (login, password)
+        self._write_secrets()
+
     def stop(self):
         for process in self._processes:
             process.terminate()
@@ -118,6 +131,8 @@ class PppoeProvider(Provider):
     """Answers discovery on the exchange's end of a circuit."""
 
     interface = "nas1"
+    namespace = NAMESPACE
+    address, client_address = ADDRESS, CLIENT_ADDRESS
 
     def __init__(self, folder, circuit="8.35", **account):
         super().__init__(folder, **account)
@@ -125,13 +140,13 @@ class PppoeProvider(Provider):
 
     def start(self):
         self._write_files()
-        command("ip", "netns", "add", NAMESPACE)
+        command("ip", "netns", "add", self.namespace)
         self._make_interface()
-        command("ip", "link", "set", self.interface, "netns", NAMESPACE)
+        command("ip", "link", "set", self.interface, "netns", self.namespace)
         for name in ("lo", self.interface):
-            command("ip", "-n", NAMESPACE, "link", "set", name, "up")
+            command("ip", "-n", self.namespace, "link", "set", name, "up")
         self.serve()
-        self._start("ip", "netns", "exec", NAMESPACE, "/usr/bin/python3",
+        self._start("ip", "netns", "exec", self.namespace, "/usr/bin/python3",
                     str(HERE / "echo_server.py"), str(ECHO_PORT))
 
     def _make_interface(self):
@@ -141,10 +156,15 @@ class PppoeProvider(Provider):
     def serve(self):
         """Begins to answer discovery."""
         self._server = self._start(
-            "ip", "netns", "exec", NAMESPACE, *self._in_room(
-                "pppoe-server", "-F", "-I", self.interface, "-C", CONCENTRATOR, "-L", ADDRESS,
-                "-R", CLIENT_ADDRESS, "-N", "8", "-O", "/etc/ppp/server", "-q", str(PPPD),
+            "ip", "netns", "exec", self.namespace, *self._in_room(
+                "pppoe-server", "-F", "-I", self.interface, "-C", CONCENTRATOR, "-L", self.address,
+                "-R", self.client_address, "-N", "8", "-O", "/etc/ppp/server", "-q", str(PPPD),
                 "-Q", "/usr/sbin/pppoe"))
+
+    def is_answering(self):
+        """Whether the server, started a moment ago, has got as far."""
+        name = pathlib.Path(f"/proc/{self._server.pid}/comm").read_text(encoding="ascii")
+        return name == "pppoe-server\n"
 
     def fall_silent(self):
         """Answers nobody any more; sessions that are up stay."""
@@ -158,7 +178,7 @@ class PppoeProvider(Provider):
         if pid_file.exists():
             command("kill", "-9", pid_file.read_text().strip(), check=False)
             pid_file.unlink()
-        command("ip", "netns", "del", NAMESPACE, check=False)
+        command("ip", "netns", "del", self.namespace, check=False)
 
 
 class CableProvider(PppoeProvider):

@@ -13,6 +13,7 @@ import signal
 import socket
 import subprocess
 
+from ..machine import keeper_service
 from ..machine.bus_client import SERVICE, Client
 from ..waiting import read_text, wait_until
 from .modems import eagle, exchange, speedtch, vhci
@@ -29,6 +30,8 @@ PEER = pathlib.Path("/etc/ppp/peers/norvix")
 UNICORN_PEER = pathlib.Path("/etc/ppp/peers/norvix_unicorn")
 LINK_PID_FILE = pathlib.Path("/run/ppp-norvix.pid")
 RESOLVER = pathlib.Path("/etc/resolv.conf")
+KEEPER_SETTINGS = pathlib.Path("/etc/norvix-keeper.conf")
+KEEPER_STATE = pathlib.Path("/var/lib/norvix-keeper")
 FIRMWARE = pathlib.Path("/lib/firmware")
 ATM = pathlib.Path("/sys/class/atm")
 
@@ -135,6 +138,11 @@ def install_files():
         shutil.copy(policy, "/etc/dbus-1/system.d")
     run("groupadd", "--system", "norvix", check=False)
     run("useradd", "--system", "--no-create-home", "norvix-hal", check=False)
+    run("useradd", "--system", "--no-create-home", "--groups", "norvix", keeper_service.USER,
+        check=False)
+    # What the daemon logs is the group's to read.
+    shutil.chown("/opt/norvix", group="norvix")
+    os.chmod("/opt/norvix", 0o2755)
     shutil.chown("/run/norvix-hal", "norvix-hal")
     for template in ("norvix", "norvix_unicorn"):
         shutil.copy(REPOSITORY / "packaging/peers" / template, "/etc/ppp/peers")
@@ -219,3 +227,34 @@ class Daemon:
         if self.pid in processes("norvix-daemon"):
             os.kill(self.pid, number)
         wait_until(lambda: self.pid not in processes("norvix-daemon"), what="the daemon has ended")
+
+
+class Keeper(keeper_service.KeeperOnTheBus):
+    """A start of norvix-keeper, as its own user."""
+
+    def __init__(self, guest, output):
+        user = keeper_service.USER
+        KEEPER_STATE.mkdir(mode=0o700, exist_ok=True)
+        shutil.chown(KEEPER_STATE, user)
+        with open(output, "ab") as out:
+            self._process = subprocess.Popen(
+                [BUILD / "bin/norvix-keeper"], stdin=subprocess.DEVNULL, stdout=out,
+                stderr=subprocess.STDOUT, start_new_session=True, user=user,
+                group=pwd.getpwnam(user).pw_gid, extra_groups=["norvix"],
+                env={"STATE_DIRECTORY": str(KEEPER_STATE), "LANG": "C.UTF-8"})
+        super().__init__(guest.client(), lambda: read_text(pathlib.Path(output)))
+        wait_until(lambda: self.client.owner_of(keeper_service.NAME),
+                   what="the keeper owns its name", detail=self.errors)
+
+    def told(self):
+        """Every change that it has announced, with seconds since the first."""
+        changes = [signal for signal in self.client.signals if signal.name == "PropertiesChanged"
+                   and signal.path == keeper_service.PATH]
+        return [(signal.time - changes[0].time,
+                 {name: value for name, (_, value) in signal.args[1].items()})
+                for signal in changes]
+
+    def end(self, number=signal.SIGTERM):
+        if self._process.poll() is None:
+            self._process.send_signal(number)
+        self._process.wait(timeout=30)

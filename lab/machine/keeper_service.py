@@ -50,26 +50,13 @@ def write_settings(machine, text):
     machine.path("/etc/norvix-keeper.conf").write_text(text, encoding="ascii")
 
 
-class Keeper:
-    """A start of norvix-keeper, as its own user."""
+class KeeperOnTheBus:
+    """What one asks a keeper, and hears of it. client is a connection of its own; errors, a function,
+    gives what the program has said."""
 
-    def __init__(self, machine, wait=True, env=None, wrapper=()):
-        self.machine = machine
-        uid = USER_ID if machine.rooted else 0
-        self.process = machine.spawn([*wrapper, PROGRAM], label="keeper", uid=uid,
-                                     groups=[NORVIX_GROUP] if machine.rooted else [],
-                                     env={"STATE_DIRECTORY": STATE_FOLDER, **(env or {})})
-        self.client = machine.client()
-        if wait:
-            self.wait_ready()
-
-    def wait_ready(self):
-        def ready():
-            if self.process.ended():
-                raise RuntimeError("norvix-keeper has ended:\n" + self.process.errors())
-            return self.client.owner_of(NAME)
-
-        wait_until(ready, what="norvix-keeper owns its name", detail=self.process.errors)
+    def __init__(self, client, errors):
+        self.client = client
+        self.errors = errors
 
     def call(self, method, signature="", *arguments, client=None):
         return (client or self.client).call_raw(method, signature, *arguments, service=NAME,
@@ -91,12 +78,38 @@ class Keeper:
         return wait_until(
             lambda: all(self.properties()[name] == value for name, value in wanted.items()),
             timeout, "the keeper says %s" % wanted,
-            lambda: (self.properties(), self.process.errors()))
+            lambda: (self.properties(), self.errors()))
 
     def losses(self):
         """The reasons of all losses told so far."""
         return [signal.args[0] for signal in self.client.signals
                 if signal.interface == INTERFACE and signal.name == "LinkLost"]
+
+    def ended(self):
+        """The reasons of the sessions that are over, oldest first."""
+        return [row["reason"] for row in reversed(self.rows("GetSessions")) if "reason" in row]
+
+
+class Keeper(KeeperOnTheBus):
+    """A start of norvix-keeper, as its own user."""
+
+    def __init__(self, machine, wait=True, env=None, wrapper=()):
+        self.machine = machine
+        uid = USER_ID if machine.rooted else 0
+        self.process = machine.spawn([*wrapper, PROGRAM], label="keeper", uid=uid,
+                                     groups=[NORVIX_GROUP] if machine.rooted else [],
+                                     env={"STATE_DIRECTORY": STATE_FOLDER, **(env or {})})
+        super().__init__(machine.client(), self.process.errors)
+        if wait:
+            self.wait_ready()
+
+    def wait_ready(self):
+        def ready():
+            if self.process.ended():
+                raise RuntimeError("norvix-keeper has ended:\n" + self.process.errors())
+            return self.client.owner_of(NAME)
+
+        wait_until(ready, what="norvix-keeper owns its name", detail=self.process.errors)
 
     def kill(self):
         """As a crash would."""

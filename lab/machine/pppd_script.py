@@ -27,6 +27,12 @@ def wait_for(trigger):
     return {"await": trigger}
 
 
+def discover(trigger, asks=(0, 5, 15), patience=35):
+    """A step: looks for a concentrator as the real one does, which asks at these seconds and gives up
+    in the end. It is there from when the test pulls the trigger."""
+    return {"discover": trigger, "asks": asks, "patience": patience}
+
+
 def stay():
     """A step: does nothing more until a signal ends it; the far end goes on answering."""
     return {"stay": True}

@@ -26,6 +26,8 @@ def install(source, target):
 def install_standins(source, standin, library, path):
     """Puts all stand-ins in their places in a machine's private folders. source is the folder of what
     they play, standin the built program that stands for each of them."""
+    if not standin.exists():  # the host's own programs would be called in their place
+        raise FileNotFoundError("%s is not built" % standin)
     for name in LIBRARY:
         install(source / name, library / name)
     programs = library / "programs"
@@ -33,9 +35,8 @@ def install_standins(source, standin, library, path):
     install(source / "pppd", programs / "pppd")
     for name in FOLDER_OF:
         install(source / "br2684ctl", programs / name)
-    if standin.exists():
-        for name in ("pppd", *RECORDED, *FOLDER_OF):
-            install(standin, path(FOLDER_OF.get(name, SBIN)) / name)
+    for name in ("pppd", *RECORDED, *FOLDER_OF):
+        install(standin, path(FOLDER_OF.get(name, SBIN)) / name)
 
 
 def read_calls(file, program=None):

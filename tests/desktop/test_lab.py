@@ -15,15 +15,15 @@ ASK = ["/usr/bin/dbus-send", "--system", "--print-reply=literal", "--dest=" + SE
 
 def test_a_window_is_read_filled_in_and_pressed_by_the_names_of_its_parts(desktop, probe):
     desktop.start(probe)
-    desktop.window.fill("Name", "Ann")
+    desktop.window.fill("Name", "Änne")
     desktop.window.fill("Password", "secret")
     desktop.window.select("Fruits", "pear")
     desktop.window.choose("Colour", "grey")
     desktop.window.find("spin box", "Count").set_value(3)
     desktop.window.check("Sure")
     desktop.window.press_button("Greet")
-    assert desktop.window.wait_text(re.compile("letters")) == "Ann, 6 letters, pear, 3 grey, sure"
-    assert desktop.window.find("text", "Name").text == "Ann"
+    assert desktop.window.wait_text(re.compile("letters")) == "Änne, 6 letters, pear, 3 grey, sure"
+    assert desktop.window.find("text", "Name").text == "Änne"
     assert desktop.window.nameless() == [("push button", "")]
 
 

@@ -65,12 +65,17 @@ Facts factsFrom(FuzzInput input)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const FuzzInput input(data, size);
-    QStringList ids;
+    QStringList checks;
     for (const Finding &finding : examine(factsFrom(input))) {
-        require(!ids.contains(finding.id) && !finding.title.isEmpty());
-        ids.append(finding.id);
-        require(!finding.text.isEmpty() && !verdictWord(finding.verdict).isEmpty());
-        require(finding.verdict != Verdict::Fault || !finding.remedy.isEmpty());
+        require(!checks.contains(finding.check) && !checkTitle(finding.check).isEmpty());
+        checks.append(finding.check);
+        require(!finding.facts.isEmpty() && !verdictWord(finding.verdict).isEmpty());
+        bool hasRemedy = finding.remedy.kind != RemedyKind::None;
+        for (const Fact &fact : finding.facts) {
+            require(!fact.text.isEmpty());
+            hasRemedy = hasRemedy || fact.remedy.kind != RemedyKind::None;
+        }
+        require(finding.verdict != Verdict::Fault || hasRemedy);
     }
     const QByteArrayList lines = input.lines();
     moduleState(lines.constFirst(), false, input.rest());

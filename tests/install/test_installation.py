@@ -192,6 +192,66 @@ def earlier(packages, tmp_path):
     return folder
 
 
+HISTORY, PLAN = "/var/lib/norvix-keeper/history.sqlite", "/var/lib/norvix-keeper/memory.json"
+KEEPER_SETTINGS = "/etc/norvix-keeper.conf"
+
+
+def keep_something(system):
+    """A history as the keeper has left it, and settings of the administrator's; what they hold."""
+    system.run("install", "-d", "-o", "norvix-keeper", "-g", "norvix-keeper", "-m", "0700",
+               "/var/lib/norvix-keeper")
+    for name in (HISTORY, PLAN):
+        system.path(name).write_text("mine\n", encoding="ascii")
+        system.run("chown", "norvix-keeper:", name)
+    system.path(KEEPER_SETTINGS).write_text("pause_unanswered = 7\n", encoding="ascii")
+    return kept(system)
+
+
+def kept(system):
+    """Content and owner's name of what is the user's own."""
+    return {name: (system.path(name).read_bytes(), system.run("stat", "-c", "%U", name).output)
+            for name in (HISTORY, PLAN, KEEPER_SETTINGS)}
+
+
+def norvix_names(system):
+    return {line.split(":")[0] for name in ("/etc/group", "/etc/passwd")
+            for line in system.path(name).read_text(encoding="ascii").splitlines()
+            if line.startswith("norvix")}
+
+
+def test_an_upgrade_keeps_the_history_and_the_keepers_settings(system, give, earlier):
+    install(system, give, earlier)
+    mine = keep_something(system)
+    install(system, give)
+    assert VERSION in system.run("dpkg-query", "-W", "norvix-keeper").output
+    assert kept(system) == mine
+
+
+def test_the_history_stays_when_the_keeper_is_removed_and_goes_when_it_is_purged(system, give):
+    install(system, give)
+    mine = keep_something(system)
+    apt(system, "remove", "norvix-keeper")
+    assert not system.path("/opt/norvix/bin/norvix-keeper").exists()
+    assert kept(system) == mine
+    install(system, give)
+    assert kept(system) == mine
+    apt(system, "purge", "norvix-keeper")
+    assert not system.path("/var/lib/norvix-keeper").exists()
+    assert not system.path(KEEPER_SETTINGS).exists()
+    assert norvix_names(system) == {"norvix", "norvix-hal"}  # the daemon is still there
+    apt(system, "purge", *(name for name in OURS if name != "norvix-keeper"))
+    assert norvix_names(system) == set()
+
+
+def test_a_keeper_that_stays_keeps_its_group_and_takes_it_along(system, give):
+    install(system, give)
+    apt(system, "purge", *(name for name in OURS if name != "norvix-keeper"))
+    assert norvix_names(system) == {"norvix", "norvix-keeper"}
+    assert "norvix" in system.run("id", "-nG", "norvix-keeper").output.split()
+    apt(system, "purge", "norvix-keeper")
+    assert norvix_names(system) == set()
+
+
 @pytest.mark.parametrize("is_edited", (False, True))
 def test_an_upgrade_keeps_account_settings_and_edited_policy(system, give, earlier, is_edited):
     install(system, give, earlier)

@@ -27,15 +27,17 @@ sys.path.insert(0, str(REPOSITORY))
 
 from lab.kernel import guest, suites  # noqa: E402
 
-GUEST_SECONDS = 1800
+GUEST_SECONDS = 2700
 PYTEST = ["/usr/bin/python3", "-B", "-m", "pytest", "-v", "-rs", "--tb=short", "--strict-markers",
           "-p", "no:cacheprovider", "--junitxml=/results/report.xml"]
+
+PASSED_ON = ("NORVIX_BUILD_DIR", "NORVIX_AWAY_SECONDS")
 
 QUICK, QUICK_MARK = "quick", "pytest.mark.quick"
 
 # So that no guest is left alone at the end of the run. Others follow in any order.
-LONGEST_FIRST = ("test_line", "test_plugging", "test_account", "test_first_use", "test_restart",
-                 "test_peer_files", "test_driver_build")
+LONGEST_FIRST = ("test_keeping", "test_keeping_wish", "test_line", "test_plugging", "test_account",
+                 "test_first_use", "test_restart", "test_peer_files", "test_driver_build")
 
 Selection = collections.namedtuple("Selection", "path name options system", defaults=[None])
 Row = collections.namedtuple("Row", "name seconds outcome")
@@ -78,7 +80,7 @@ def position(path):
 def run_file(selection, folder, jobs):
     """Runs one file in a guest of its own. Returns the rows of its report, and what to show."""
     results = folder / selection.name
-    environment = {name: os.environ[name] for name in ("NORVIX_BUILD_DIR",) if name in os.environ}
+    environment = {name: os.environ[name] for name in PASSED_ON if name in os.environ}
     environment["PYTHONDONTWRITEBYTECODE"] = "1"
     began = time.monotonic()
     try:

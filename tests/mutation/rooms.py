@@ -15,6 +15,7 @@ UNIT = {
     "support/files/safe_write": ["safe_file", "module_backup"],
     "support/files/file_descriptor": ["tool_runner", "trusted_file"],
     "support/driver/module_tree": ["module_backup"],
+    "support/files/pppd_escapes": ["account_safety"],
 }
 
 # System tests (tests/system/test_NAME.py), those that say no soonest first. What is not listed is asked
@@ -32,7 +33,7 @@ SYSTEM = {
     "daemon/hal_proxy": ["modem_detection", "modem_chain"],
     "daemon/logging": ["logging", "start_and_end"],
     "daemon/main": ["start_and_end", "logging", "connection"],
-    "daemon/modem_catalogue": ["modem_detection", "modem_chain", "driver_build"],
+    "daemon/modem_catalogue": ["modem_detection", "setup", "modem_chain", "driver_build"],
     "daemon/modem_detection_slots": ["modem_detection", "modem_chain", "settings"],
     "daemon/norvix_daemon": ["bus_interface", "start_and_end", "logging", "settings", "modem_detection", "connection",
                              "network_status", "driver_build", "modem_restart", "resolver"],
@@ -60,10 +61,12 @@ SYSTEM = {
     "support/resolver/resolv_conf": ["resolver_manager", "resolver"],
     "support/files/safe_file": ["resolver_manager", "account", "account_obstacles", "settings", "driver_build"],
     "support/files/safe_write": ["resolver_manager", "account", "settings", "driver_build"],
+    "support/files/pppd_escapes": ["setup"],
     "support/files/settings_text": ["settings"],
     "support/resolver/interface_address": ["network_status", "connection"],
     "support/process/line_cutter": ["hostile_pppd", "connection"],
     "support/files/lock_file": ["start_and_end"],
+    "dbus/contract": ["bus_contract", "bus_interface", "setup", "connection"],
     "dbus/modem_families": ["modem_restart", "driver_build", "modem_detection", "connection"],
     "support/process/my_process": ["connection", "hostile_pppd", "connection_waits"],
     "support/process/programs": ["connection", "network_status", "connection_waits"],

@@ -60,7 +60,9 @@ def card_info(state):
 
 
 class Cxacru(UsbDevice):
-    """`has_firmware` says whether the modem starts with its firmware already running."""
+    """`has_firmware` says whether the modem starts with its firmware already running. Where
+    `is_mute` is set it answers no question about the line: the driver then asks no more until it is
+    loaded anew."""
 
     stream_endpoints = (DATA,)
 
@@ -73,6 +75,7 @@ class Cxacru(UsbDevice):
         self.line = line
         self._starts_with_firmware = has_firmware
         self.runs = has_firmware
+        self.is_mute = False
         line.to_modem = lambda cell: self.send(DATA, cells.padded(cell, SLOT_PADDING_IN))
 
     def plugged(self):
@@ -98,6 +101,8 @@ class Cxacru(UsbDevice):
             self.line.start()
         elif command == STOP_LINE:
             self.line.drop()
+        if command == CARD_INFO and self.is_mute:
+            return
         if command == CARD_INFO:
             self.send(COMMANDS, array_reply(command, card_info(self.line.state)))
         elif command == CARD_ADDRESS:

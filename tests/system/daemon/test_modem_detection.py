@@ -520,6 +520,10 @@ def test_a_call_waits_for_few_of_very_many_announcements(hal_machine, hal):
     assert client.call("reply") is True
     assert len(hal.calls) - asked < many
     modem = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
+    asked = len(hal.calls)
+    while modem not in [path for _, path, _ in hal.calls]:  # all of them may take long; each does not
+        wait_until(lambda before=asked: len(hal.calls) > before, what="the next one is looked at")
+        asked = len(hal.calls)
     daemon.wait_for_log('device added: "%s"' % modem)
 
 

@@ -15,11 +15,6 @@ from lab.waiting import wait_until
 LOSSES = int(os.environ.get("NORVIX_LOSSES") or 12)
 
 
-def ended(keeper):
-    """The reasons of the sessions that are over, oldest first."""
-    return [row["reason"] for row in reversed(keeper.rows("GetSessions")) if "reason" in row]
-
-
 # ---- the link is lost
 
 def test_nothing_happens_that_nobody_asked_for(world):
@@ -34,7 +29,7 @@ def test_a_link_that_the_provider_hung_up_comes_back(world):
     assert world.wait_lost() == ["hung-up"]
     wait_until(lambda: world.attempts() == 2, what="a second attempt")
     world.keeper.wait_for(State="connected", Reason="", Attempts=0)
-    assert ended(world.keeper) == ["hung-up"]
+    assert world.keeper.ended() == ["hung-up"]
     assert world.links() == ["ppp0"]
 
 
@@ -114,7 +109,7 @@ def test_a_keeper_that_was_killed_goes_on(world):
     world.keeper.wait_for(State="connected", Wanted=True)
     world.hang_up()
     world.keeper.wait_for(State="connected", Reason="")
-    wait_until(lambda: ended(world.keeper) == ["hung-up"], what="one session",
+    wait_until(lambda: world.keeper.ended() == ["hung-up"], what="one session",
                detail=lambda: world.keeper.rows("GetSessions"))
 
 
@@ -125,7 +120,7 @@ def test_a_link_lost_while_nobody_looked_comes_back(world):
     wait_until(lambda: world.links() == [], what="the link is gone")
     world.start_keeper()
     world.keeper.wait_for(State="connected")
-    assert ended(world.keeper) == ["unknown"]
+    assert world.keeper.ended() == ["unknown"]
 
 
 def test_a_stopped_daemon_is_never_started(machine, tmp_path):
@@ -168,7 +163,7 @@ def test_many_losses_in_a_row_leave_nothing_behind(machine, tmp_path):
             early = size()
     late = size()
     print("memory (KiB) and descriptors: %s, then %s" % (early, late))
-    assert ended(world.keeper) == ["hung-up"] * LOSSES
+    assert world.keeper.ended() == ["hung-up"] * LOSSES
     assert late[0] - early[0] <= 400 and late[1] == early[1]
 
 
@@ -257,7 +252,7 @@ def test_what_the_user_has_ended_does_not_come_back(world):
     world.connect()
     world.client.call("terminateConnection")
     stays_idle(world)
-    assert ended(world.keeper) == ["user"]
+    assert world.keeper.ended() == ["user"]
 
 
 def test_a_disconnect_during_the_bridge_step_ends_the_link_that_comes_all_the_same(machine, tmp_path):
@@ -319,6 +314,32 @@ def test_a_disconnect_while_nobody_listened_is_found_in_the_log(world):
     stays_idle(world)
 
 
+@ROOT_ONLY
+def test_an_unplugging_while_nobody_listened_is_no_disconnect(world):
+    world.connect()
+    time.sleep(2.1)  # the log tells seconds
+    world.keeper.kill()
+    world.hal.unplug(world.modem)
+    wait_until(lambda: world.links() == [], what="the link is gone")
+    world.start_keeper()
+    world.keeper.wait_for(State="waiting-for-modem", Wanted=True, Reason="unplugged")
+    world.hal.plug("usb_device_6b9_4061_1", 0x06B9, 0x4061)
+    world.keeper.wait_for(State="connected")
+
+
+@ROOT_ONLY
+def test_a_modem_replugged_while_nobody_listened_is_no_disconnect(world):
+    world.connect()
+    time.sleep(2.1)  # the log tells seconds
+    world.keeper.kill()
+    world.hal.unplug(world.modem)
+    world.client.wait_signal("modemUnplugged")
+    world.hal.plug("usb_device_6b9_4061_1", 0x06B9, 0x4061)
+    world.client.wait_signal("modemPlugged")
+    world.start_keeper()
+    world.keeper.wait_for(State="connected", Wanted=True)
+
+
 def test_switched_off_it_keeps_nothing(world):
     world.connect()
     world.keeper.call("SetKeep", "b", False)
@@ -350,7 +371,7 @@ def test_the_link_ends_before_sleep_and_comes_back_after_it(machine, tmp_path):
     logind.announce_sleep(False)
     world.keeper.wait_for(State="connected")
     wait_until(lambda: logind.is_held and logind.asked == 2, what="the next sleep is held up")
-    assert ended(world.keeper) == ["sleep"] and world.keeper.losses() == []
+    assert world.keeper.ended() == ["sleep"] and world.keeper.losses() == []
 
 
 def test_a_link_of_somebody_else_is_not_killed_for_sleep(machine, tmp_path):

@@ -9,17 +9,17 @@ from pathlib import Path
 
 import pytest
 
-from lab.machine.private_machine import REPOSITORY, place_of_state_folders, processes_inside
+from lab.machine.private_machine import BUILD, REPOSITORY, place_of_state_folders, processes_inside
 from lab.waiting import wait_until
 
 PATIENCE = 120
 
 
-def start(*options):
+def start(*options, build=BUILD):
     """The demo without its front, which would install and build."""
     command = ["/usr/bin/python3", "-B", "-m", "lab.machine.demo", *options]
-    return subprocess.Popen(command, cwd=REPOSITORY, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                            text=True)
+    return subprocess.Popen(command, cwd=REPOSITORY, env=dict(os.environ, NORVIX_BUILD_DIR=str(build)),
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
 def ending(demo):
@@ -232,12 +232,22 @@ def test_a_daemon_that_dies_is_an_error():
     assert leftovers(demo.pid) == []
 
 
-def test_a_daemon_that_is_not_built_is_an_error():
+def test_what_the_front_builds_is_all_that_a_demo_needs(tmp_path):
+    front = (REPOSITORY / "demo").read_text(encoding="utf-8")
+    needed = re.search(r'(?m)^needed="(.*)"$', front)[1].split()
+    for name in [word.removeprefix("$build/") for word in needed] + ["lib"]:
+        (tmp_path / name).parent.mkdir(exist_ok=True)
+        (tmp_path / name).symlink_to(BUILD / name)
+    demo = start("--seconds", "1", build=tmp_path)
+    order_of(outcome(demo), "connectionEstablished", "connected and unplugged")
+
+
+def test_a_build_tree_in_which_nothing_is_built_is_an_error():
     environment = dict(os.environ, NORVIX_BUILD_DIR="/nonexistent")
     failed = subprocess.run(["/usr/bin/python3", "-B", "-m", "lab.machine.demo"], cwd=REPOSITORY,
                             env=environment, capture_output=True, text=True, timeout=PATIENCE)
     assert failed.returncode == 1
-    assert "/opt/norvix/bin/norvix-" in failed.stderr
+    assert "/nonexistent/lab/standin is not built" in failed.stderr
 
 
 def test_a_companion_that_dies_is_an_error():

@@ -157,8 +157,8 @@ class Installation:
             stub.write_text("#!/bin/sh\n")
             stub.chmod(0o755)
 
-    def run(self, script, *arguments):
-        shutil.copy(REPOSITORY / "debian" / ("norvix-daemon." + script),
+    def run(self, script, *arguments, package="norvix-daemon"):
+        shutil.copy(REPOSITORY / "debian" / (package + "." + script),
                     self.machine.path("/tmp/" + script))
         result = self.machine.run(["/bin/sh", "/tmp/" + script, *arguments],
                                   env={"PATH": USUAL_PATH})
@@ -168,8 +168,8 @@ class Installation:
     def configure(self):
         return self.run("postinst", "configure")
 
-    def purge(self):
-        return self.run("postrm", "purge")
+    def purge(self, package="norvix-daemon"):
+        return self.run("postrm", "purge", package=package)
 
     def files(self):
         """What is below /etc/ppp, with modes."""
@@ -313,3 +313,39 @@ def test_removal_leaves_source_archives_of_drivers(installation):
     archive.parent.mkdir()
     archive.write_bytes(b"")
     assert "/opt/norvix/drivers" in installation.purge() and archive.exists()
+
+
+@pytest.fixture
+def both(installation):
+    """The daemon's and the keeper's package, with what belongs to them both."""
+    machine = installation.machine
+    write(machine, "/usr/local/sbin/groupdel", "#!/bin/sh\necho \"$1\" >>/tmp/groups-gone\n", 0o755)
+    write(machine, "/usr/local/sbin/userdel", "#!/bin/sh\nsed -i \"/^$1:/d\" /etc/passwd\n", 0o755)
+    write(machine, "/usr/local/sbin/dpkg-query", "#!/bin/sh\ncat /tmp/daemon-status\n", 0o755)
+    with open(machine.path("/etc/passwd"), "a", encoding="ascii") as file:
+        file.write("norvix-keeper:x:64997:64997::/:/usr/sbin/nologin\n")
+    return installation
+
+
+def groups_gone(machine):
+    path = machine.path("/tmp/groups-gone")
+    return path.read_text(encoding="ascii").split() if path.exists() else []
+
+
+@ROOT_ONLY
+def test_the_group_outlives_the_daemon_while_the_keeper_needs_it(both):
+    both.purge()
+    assert groups_gone(both.machine) == []
+    write(both.machine, "/tmp/daemon-status", "")
+    both.purge("norvix-keeper")
+    assert groups_gone(both.machine) == ["norvix"]
+
+
+@ROOT_ONLY
+@pytest.mark.parametrize("status", ("installed", "config-files"))
+def test_the_group_outlives_the_keeper_while_the_daemon_needs_it(both, status):
+    write(both.machine, "/tmp/daemon-status", status)
+    both.purge("norvix-keeper")
+    assert groups_gone(both.machine) == []
+    both.purge()
+    assert groups_gone(both.machine) == ["norvix"]

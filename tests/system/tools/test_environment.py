@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What the two commands of the README keep of the shell that they are called from, and where they stop."""
 import os
+import re
 import shutil
 import stat
 import subprocess
@@ -84,6 +85,14 @@ def test_a_second_build_waits_for_the_first_and_says_so(clone):
     assert (first.communicate()[0], second.communicate()[0]) == ("", "")
     assert (clone / "order").read_text(encoding="ascii").split() == [
         "first", "begins", "first", "ends", "second", "begins", "second", "ends"]
+
+
+@pytest.mark.parametrize("name", ["check", "demo", "install", "tools/lint.sh", "tools/judge-packages.sh"])
+def test_what_a_command_calls_is_there(name):
+    text = (REPOSITORY / name).read_text(encoding="utf-8")
+    called = re.findall(r"\b(?:tools|packaging|tests)/[\w./-]+[\w]", text)
+    called += [module.replace(".", "/") + ".py" for module in re.findall(r"-m ((?:lab|tools)[\w.]+)", text)]
+    assert called and [path for path in called if not (REPOSITORY / path).exists()] == []
 
 
 @pytest.mark.skipif(os.geteuid() != 0, reason="a build tree of another user's needs root to be made")

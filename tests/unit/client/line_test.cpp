@@ -181,6 +181,13 @@ private slots:
             (QStringList{"192.0.2.1", "2001:db8::1"}));
     }
 
+    void zerosInTheResolverFileAreNoServer()
+    {
+        const QByteArray zeros(8, '\0');
+        QCOMPARE(nameservers("nameserver " + zeros + "\n" + zeros), QStringList());
+        QCOMPARE(nameservers("nameserver 192.0.2.1" + zeros), QStringList{"192.0.2.1"});
+    }
+
     void modulesAreFoundUnderBothSpellings()
     {
         const QByteArray list

@@ -68,6 +68,7 @@ private slots:
     void theFolderIsMadeOnTheFirstWrite();
     void aFileThatCannotBeWrittenKeepsTheValueInMemory();
     void thatTheFileCannotBeWrittenIsToldOnceEachTime();
+    void ownerAndModeOfTheFileSurviveAWrite_data();
     void ownerAndModeOfTheFileSurviveAWrite();
     void aFullDiskCostsNoSetting();
     void staleLocksAreRemoved();
@@ -312,14 +313,25 @@ void SettingsTest::thatTheFileCannotBeWrittenIsToldOnceEachTime()
     qInstallMessageHandler(handler);
 }
 
+void SettingsTest::ownerAndModeOfTheFileSurviveAWrite_data()
+{
+    QTest::addColumn<uint>("owner");
+    QTest::addColumn<uint>("group");
+    QTest::newRow("another user and group") << 1000U << 1001U;
+    QTest::newRow("our user, another group") << geteuid() << 1001U;
+    QTest::newRow("another user, our group") << 1000U << getegid();
+}
+
 void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
 {
+    QFETCH(uint, owner);
+    QFETCH(uint, group);
     if (!canChangeOwners()) {
         QSKIP("needs root to give a file to another user");
     }
     writeAndRead("vpi=8\n");
     const QByteArray name = QFile::encodeName(path);
-    QCOMPARE(chown(name.constData(), 1000, 1001), 0);
+    QCOMPARE(chown(name.constData(), owner, group), 0);
     QCOMPARE(chmod(name.constData(), 0640), 0);
     struct stat info = {};
     for (const bool bySync : {true, false}) {
@@ -330,8 +342,8 @@ void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
         QTRY_VERIFY_WITH_TIMEOUT(
             fileText().contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
         QCOMPARE(stat(name.constData(), &info), 0);
-        QCOMPARE(info.st_uid, uid_t(1000));
-        QCOMPARE(info.st_gid, gid_t(1001));
+        QCOMPARE(info.st_uid, owner);
+        QCOMPARE(info.st_gid, group);
         QCOMPARE(info.st_mode & 07777, mode_t(0640));
     }
 }

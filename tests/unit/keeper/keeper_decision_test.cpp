@@ -135,10 +135,47 @@ private slots:
     {
         Memory memory;
         memory.isWanted = true;
-        Story story(memory, true, true);
+        Story story(memory, true, Unheard::Disconnect);
         story.tell(event::DaemonAppeared{false, true, false, false});
         story.tell(event::LinkSeen{});
         QCOMPARE(story.actions.size(), 0);
+    }
+
+    void whatMayHaveBeenAnUnpluggingIsNoneWithAModem()
+    {
+        Memory memory;
+        memory.isWanted = true;
+        Story story(memory, true, Unheard::DisconnectOrUnplugged);
+        story.tell(event::LinkSeen{});
+        QCOMPARE(story.phase(), QStringLiteral("waiting-for-daemon"));
+        story.tell(event::DaemonAppeared{false, true, false, false});
+        QCOMPARE(story.phase(), QStringLiteral("idle"));
+        QCOMPARE(story.actions.size(), 0);
+    }
+
+    void anUnpluggingWhileNobodyListenedIsNoUsersDisconnect()
+    {
+        Memory memory;
+        memory.isWanted = true;
+        Story story(memory, true, Unheard::DisconnectOrUnplugged);
+        QVERIFY(!isWanted(story.state));
+        story.tell(event::LinkSeen{});
+        story.tell(event::DaemonAppeared{false, false, false, false});
+        QCOMPARE(story.phase(), QStringLiteral("waiting-for-modem"));
+        QCOMPARE(story.state.reason, Cause::Unplugged);
+        story.tell(event::ModemPlugged());
+        QVERIFY(story.did(Kind::AskDaemon));
+    }
+
+    void whoeverAsksMeanwhileSettlesIt()
+    {
+        Memory memory;
+        memory.isWanted = true;
+        Story story(memory, true, Unheard::DisconnectOrUnplugged);
+        story.tell(event::LinkSeen{});
+        story.tell(event::ConnectAsked());
+        story.tell(event::DaemonAppeared{false, true, false, false});
+        QVERIFY(story.did(Kind::AskDaemon));
     }
 
     void theWishOutlivesTheKeeper() { QVERIFY(Story::wanted().did(Kind::AskDaemon)); }
@@ -475,6 +512,33 @@ private slots:
         }
         QCOMPARE(restarts, 2);
         QVERIFY(isWanted(story.state));
+    }
+
+    void aModemRestartIsRememberedByTheNextKeeper_data()
+    {
+        QTest::addColumn<int>("secondsAgo");
+        QTest::addColumn<bool>("isRestarted");
+        QTest::newRow("half an hour ago") << 1'800 << false;
+        QTest::newRow("over an hour ago") << 3'700 << true;
+        QTest::newRow("after the clock was set back") << -86'400 << true;
+    }
+
+    void aModemRestartIsRememberedByTheNextKeeper()
+    {
+        QFETCH(int, secondsAgo);
+        Memory memory;
+        memory.isWanted = true;
+        memory.modemRestartedWall = Story().now.wall - secondsAgo;
+        Story story(memory);
+        story.tell(event::DaemonAppeared{false, true, false, false});
+        story.tell(event::LinkSeen{});
+        for (int i = 0; i < 3; ++i) {
+            story.fail(Cause::LineNotSynchronised);
+            story.wait(story.untilQuestion());
+        }
+        QTEST(story.did(Kind::RestartModem), "isRestarted");
+        QCOMPARE(story.state.memory.modemRestartedWall == memory.modemRestartedWall,
+            !story.did(Kind::RestartModem));
     }
 
     void anUnpluggedModemIsNotRestarted()

@@ -17,6 +17,7 @@
 using namespace keeper;
 
 Q_DECLARE_METATYPE(keeper::Cause)
+Q_DECLARE_METATYPE(keeper::Unheard)
 
 namespace {
 
@@ -72,6 +73,21 @@ QByteArray asLogged(const QByteArray &pppdText)
     QByteArray log;
     for (const QByteArray &line : pppdText.split('\n')) {
         log += "21-11-2026 20:00:00 Norvix_Daemon::debugConnecting(): " + line + '\n';
+    }
+    return log;
+}
+
+/// What the daemon logs while it ends a link.
+QByteArray disconnectAt(const char *time)
+{
+    QByteArray log;
+    for (int step = 1; step <= 5; ++step) {
+        const QByteArray begin
+            = QByteArray("21-11-2026 ") + time + " Norvix_Daemon::debugHandler: ";
+        log += begin + QByteArray::number(step) + " \n";
+        if (step == 1) {
+            log += begin + "pid: 77 \n";
+        }
     }
     return log;
 }
@@ -247,28 +263,52 @@ private slots:
         QTEST(causeInLog(log), "cause");
     }
 
-    void theLastDisconnectIsFound()
+    void whatNobodyHeardIsToldApart_data()
     {
-        const auto steps = [](const char *time) {
-            QByteArray log;
-            for (int step = 1; step <= 5; ++step) {
-                log += QByteArray("21-11-2026 ") + time
-                    + " Norvix_Daemon::debugHandler: " + QByteArray::number(step) + " \n";
-                if (step == 1) {
-                    log += QByteArray("21-11-2026 ") + time
-                        + " Norvix_Daemon::debugHandler: pid: 77 \n";
-                }
-            }
-            return log;
-        };
-        QVERIFY(!lastDisconnectInLog("").isValid());
-        QVERIFY(!lastDisconnectInLog(asLogged("local  IP address 10.64.0.100")).isValid());
+        QTest::addColumn<QByteArray>("log");
+        QTest::addColumn<bool>("wasPlugged");
+        QTest::addColumn<Unheard>("unheard");
+        const QByteArray early = disconnectAt("20:00:01");
+        const QByteArray late = disconnectAt("21:30:00");
+        const QByteArray later = disconnectAt("21:40:00");
+        const QByteArray plugged = "21-11-2026 21:50:00 Norvix_Daemon::debugHandler: device added: "
+                                   "\"/devices/modem\" \n";
+        const QByteArray mouse = "21-11-2026 21:50:00 Norvix_Daemon::debugHandler: device added: "
+                                 "\"/devices/mouse\" \n";
+        const auto row
+            = [](const char *name, const QByteArray &log, Unheard unheard, bool wasPlugged = true) {
+                  QTest::newRow(name) << log << wasPlugged << unheard;
+              };
+        row("nothing", "", Unheard::Nothing);
+        row("an old disconnect", early, Unheard::Nothing);
+        row("a disconnect", early + late, Unheard::DisconnectOrUnplugged);
+        row("no modem to unplug", late, Unheard::Disconnect, false);
+        row("unplugged and plugged again", late + plugged, Unheard::Nothing);
+        row("something else was plugged in", late + mouse, Unheard::DisconnectOrUnplugged);
+        row("the modem came back without it", late + plugged, Unheard::Disconnect, false);
+        row("disconnected, then unplugged", late + later, Unheard::Disconnect);
+        row("disconnected, unplugged, plugged again", late + later + plugged, Unheard::Disconnect);
+        row("unplugged, plugged again, disconnected", late + plugged + disconnectAt("22:00:00"),
+            Unheard::DisconnectOrUnplugged);
+    }
+
+    void whatNobodyHeardIsToldApart()
+    {
+        QFETCH(QByteArray, log);
+        QFETCH(bool, wasPlugged);
+        const QDateTime heard(QDate(2026, 11, 21), QTime(21, 0));
+        QTEST(unheardInLog(log, heard.toSecsSinceEpoch(), "/devices/modem", wasPlugged), "unheard");
+    }
+
+    void onlyAWholeDisconnectCounts()
+    {
+        const auto unheard = [](const QByteArray &log) { return unheardInLog(log, 0, "x", true); };
+        QCOMPARE(unheard(asLogged("local  IP address 10.64.0.100")), Unheard::Nothing);
         // The bridge's process id is written the same way.
-        QVERIFY(!lastDisconnectInLog("21-11-2026 20:00:00 Norvix_Daemon::debugHandler: 3 \n")
-                     .isValid());
-        const QByteArray log = steps("20:00:01") + asLogged("Connect: ppp0 <--> nas0")
-            + steps("21:30:00") + asLogged("Connect: ppp0 <--> nas0");
-        QCOMPARE(lastDisconnectInLog(log), QDateTime(QDate(2026, 11, 21), QTime(21, 30, 0)));
+        QCOMPARE(
+            unheard("21-11-2026 20:00:00 Norvix_Daemon::debugHandler: 3 \n"), Unheard::Nothing);
+        QCOMPARE(unheard(disconnectAt("20:00:01") + asLogged("Connect: ppp0 <--> nas0")),
+            Unheard::DisconnectOrUnplugged);
     }
 
     // ---- files of our own
@@ -279,6 +319,8 @@ private slots:
         stored.memory.keep = false;
         stored.memory.isWanted = true;
         stored.memory.lastUpWall = 1'795'307'218;
+        stored.memory.modemRestartedWall = 1'795'300'000;
+        stored.wasModemPlugged = false;
         stored.boot = QStringLiteral("boot-1");
         stored.heardUntil = 1'795'307'219;
         stored.limit = 50'000'000'000;
@@ -286,6 +328,7 @@ private slots:
         QVERIFY(Stored::from(Stored::textOf(stored)) == stored);
         QVERIFY(!Stored::from("rubbish").memory.isWanted);
         QVERIFY(Stored::from("rubbish").memory.keep);
+        QVERIFY(Stored::from("rubbish").wasModemPlugged);
         QCOMPARE(Stored::from("{\"billing_day\": 99}").billingDay, 31);
     }
 

@@ -13,8 +13,9 @@ class Story
 public:
     using Kind = Action::Kind;
 
-    explicit Story(const Memory &memory = {}, bool isSameBoot = true, bool wasDisconnected = false)
-        : state(initialState(memory, isSameBoot, wasDisconnected, Pauses(), now))
+    explicit Story(
+        const Memory &memory = {}, bool isSameBoot = true, Unheard unheard = Unheard::Nothing)
+        : state(initialState(memory, isSameBoot, unheard, Pauses(), now))
     {
     }
 

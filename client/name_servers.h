@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+// Whether the name servers of this computer answer.
+#pragma once
+
+#include <QStringList>
+#include <optional>
+
+/// Asks the servers, all at once, for the servers of the root and waits for the first answer,
+/// whatever it says; @p timeoutMs at most. Nothing when there is no server that could be asked.
+std::optional<bool> doesNameServerAnswer(const QStringList &servers, int timeoutMs = 2000);

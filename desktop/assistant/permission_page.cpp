@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/assistant/permission_page.h"
+
+#include "client/say.h"
+#include "dbus/contract.h"
+#include "desktop/assistant/new_beginning.h"
+#include "desktop/controller.h"
+#include "desktop/errand.h"
+#include "desktop/window/deed_runner.h"
+#include "desktop/window/rights_panel.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace desktop {
+
+namespace {
+
+Deed deedFor(Permission permission)
+{
+    switch (permission) {
+    case Permission::Allowed:
+        break;
+    case Permission::StartAnew:
+        return deedOf({RemedyKind::LogInAgain, {}});
+    case Permission::Join:
+        return deedOf({RemedyKind::JoinGroup, {}});
+    case Permission::NoGroup:
+        return deedOf({RemedyKind::CreateGroup, {}});
+    case Permission::RefusedMember: {
+        Deed deed;
+        deed.kind = DeedKind::OpenPage;
+        deed.page = Action::CheckUp;
+        deed.button = actionText(Action::CheckUp);
+        return deed;
+    }
+    }
+    return {};
+}
+
+} // namespace
+
+PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *parent)
+    : AssistantPage(controller, draft, parent)
+    , m_text(newText(Say::tr("Looking…")))
+    , m_button(new QPushButton)
+    , m_panel(new RightsPanel)
+    , m_runner(new DeedRunner(controller, m_panel, this))
+{
+    makeComfortable(m_button);
+    auto *column = new QVBoxLayout(this);
+    column->addWidget(newText(
+        Say::tr("This assistant leads to the first connection. Each of its pages can be skipped, "
+                "and nothing that you enter is lost.")));
+    column->addWidget(m_text);
+    column->addWidget(m_button, 0, Qt::AlignLeading);
+    column->addWidget(m_panel);
+    column->addStretch(1);
+    m_button->hide();
+    connect(m_button, &QPushButton::clicked, this,
+        [this] { m_runner->run(m_deed, stepTitle(AssistantStep::Permission)); });
+    connect(m_runner, &DeedRunner::done, this, [this](const Deed &deed) {
+        if (deed.kind == DeedKind::Join) {
+            beginAnew();
+        } else {
+            look();
+        }
+    });
+    connect(m_runner, &DeedRunner::newBeginningWanted, this, &PermissionPage::beginAnew);
+    connect(m_panel, &RightsPanel::busyChanged, this, &PermissionPage::refresh);
+}
+
+void PermissionPage::setOnScreen(bool isOnScreen)
+{
+    if (isOnScreen) {
+        look();
+    }
+}
+
+void PermissionPage::refresh()
+{
+    const bool isDaemonThere = controller().model().daemon == DaemonPresence::There;
+    if (isDaemonThere && !m_wasDaemonThere) {
+        askTheBus();
+    }
+    m_wasDaemonThere = isDaemonThere;
+    if (!m_facts) {
+        return;
+    }
+    PermissionFacts facts = *m_facts;
+    facts.bus = m_bus;
+    const Permission permission = permissionOf(facts);
+    m_text->setText(permissionText(permission));
+    m_deed = deedFor(permission);
+    m_button->setText(m_deed.button);
+    m_button->setVisible(m_deed.kind != DeedKind::None);
+    m_button->setEnabled(!m_panel->isBusy());
+}
+
+void PermissionPage::look()
+{
+    if (controller().model().daemon == DaemonPresence::There) {
+        askTheBus();
+    }
+    if (m_isLooking) {
+        return;
+    }
+    m_isLooking = true;
+    inBackground<PermissionFacts>(
+        this, gatherPermissionFacts, [this](const PermissionFacts &facts) {
+            m_isLooking = false;
+            m_facts = facts;
+            refresh();
+        });
+}
+
+/// With a question that only members may ask and that changes nothing.
+void PermissionPage::askTheBus()
+{
+    controller().bus().ask(
+        setupCall(SetupMethod::GetPppdArguments), this, [this](const BusAnswer &answer) {
+            m_bus = answer.ok()                                    ? Answer::Yes
+                : answer.failure.kind == FailureKind::NotPermitted ? Answer::No
+                                                                   : Answer::Unknown;
+            refresh();
+        });
+}
+
+void PermissionPage::beginAnew()
+{
+    m_panel->tell(Say::tr("This program begins anew…"));
+    beginAnewInGroup({AssistantStep::Permission, draft()}, this, [this] {
+        m_panel->tell(Say::tr("You are a member now, but this program could not be started anew. "
+                              "Log out and in again."));
+        look();
+    });
+}
+
+} // namespace desktop

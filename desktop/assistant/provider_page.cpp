@@ -1,0 +1,333 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/assistant/provider_page.h"
+
+#include "client/keeper_state.h"
+#include "client/link_facts.h"
+#include "client/ppp_files.h"
+#include "client/say.h"
+#include "dbus/contract.h"
+#include "desktop/controller.h"
+#include "desktop/errand.h"
+#include "desktop/window/rights_panel.h"
+
+#include <QComboBox>
+#include <QFile>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+namespace desktop {
+
+namespace {
+
+struct Country
+{
+    const char *code;
+    const char *name;
+};
+
+constexpr Country countries[] = {
+    {"AT", QT_TRANSLATE_NOOP("Say", "Austria")},
+    {"AU", QT_TRANSLATE_NOOP("Say", "Australia")},
+    {"BE", QT_TRANSLATE_NOOP("Say", "Belgium")},
+    {"BR", QT_TRANSLATE_NOOP("Say", "Brazil")},
+    {"CH", QT_TRANSLATE_NOOP("Say", "Switzerland")},
+    {"CZ", QT_TRANSLATE_NOOP("Say", "Czechia")},
+    {"DE", QT_TRANSLATE_NOOP("Say", "Germany")},
+    {"DK", QT_TRANSLATE_NOOP("Say", "Denmark")},
+    {"ES", QT_TRANSLATE_NOOP("Say", "Spain")},
+    {"FR", QT_TRANSLATE_NOOP("Say", "France")},
+    {"GB", QT_TRANSLATE_NOOP("Say", "United Kingdom")},
+    {"IT", QT_TRANSLATE_NOOP("Say", "Italy")},
+    {"NL", QT_TRANSLATE_NOOP("Say", "Netherlands")},
+    {"PL", QT_TRANSLATE_NOOP("Say", "Poland")},
+    {"PT", QT_TRANSLATE_NOOP("Say", "Portugal")},
+    {"RU", QT_TRANSLATE_NOOP("Say", "Russia")},
+    {"UA", QT_TRANSLATE_NOOP("Say", "Ukraine")},
+    {"US", QT_TRANSLATE_NOOP("Say", "United States")},
+};
+
+enum class Fit
+{
+    Yes,
+    No,
+    Unknown, ///< this user may not read it
+};
+
+Fit peerFileFit(PeerKind kind, const QString &circuit)
+{
+    const QString path = QStringLiteral("/etc/ppp/peers/norvix");
+    const std::optional<QByteArray> content = fileContent(path);
+    if (!content) {
+        return QFile::exists(path) ? Fit::Unknown : Fit::No;
+    }
+    for (const Fact &fact : peerFaults(*content, kind, circuit)) {
+        if (fact.remedy.kind != RemedyKind::SetAccount) {
+            return Fit::No; // the account comes on the next page
+        }
+    }
+    return Fit::Yes;
+}
+
+} // namespace
+
+QString countryName(const QString &code)
+{
+    for (const Country &country : countries) {
+        if (code == QLatin1String(country.code)) {
+            return Say::tr(country.name);
+        }
+    }
+    return code;
+}
+
+ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent)
+    : AssistantPage(controller, draft, parent)
+    , m_country(new QComboBox)
+    , m_provider(new QComboBox)
+    , m_protocol(new QComboBox)
+    , m_vpi(new QSpinBox)
+    , m_vci(new QSpinBox)
+    , m_mend(new QPushButton(Say::tr("Put a fitting file in place…")))
+    , m_panel(new RightsPanel)
+{
+    m_protocol->addItems({QStringLiteral("PPPoE"), QStringLiteral("PPPoA")});
+    m_vpi->setRange(0, 255);
+    m_vci->setRange(0, 65535);
+    auto *form = new QFormLayout;
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    const std::initializer_list<QPair<QString, QWidget *>> rows{
+        {Say::tr("&Country"), m_country},
+        {Say::tr("&Provider"), m_provider},
+        {Say::tr("P&rotocol"), m_protocol},
+        {Say::tr("&VPI"), m_vpi},
+        {Say::tr("VC&I"), m_vci},
+    };
+    for (const auto &row : rows) {
+        makeComfortable(row.second);
+        form->addRow(row.first, row.second);
+    }
+    makeComfortable(m_mend);
+    auto *column = new QVBoxLayout(this);
+    column->addWidget(newText(
+        Say::tr("These are values that providers commonly use. Your provider's letter decides.")));
+    column->addLayout(form);
+    column->addWidget(m_panel);
+    column->addWidget(m_mend, 0, Qt::AlignLeading);
+    column->addStretch(1);
+    m_mend->hide();
+    fillCountries();
+    connect(m_country, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] {
+        if (!m_isFilling) {
+            this->draft().country = m_country->currentData().toString();
+            this->draft().provider.clear();
+            fillProviders();
+        }
+    });
+    connect(m_provider, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+        &ProviderPage::takeProvider);
+    connect(m_protocol, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+        &ProviderPage::takeValues);
+    connect(m_vpi, QOverload<int>::of(&QSpinBox::valueChanged), this, &ProviderPage::takeValues);
+    connect(m_vci, QOverload<int>::of(&QSpinBox::valueChanged), this, &ProviderPage::takeValues);
+    connect(m_mend, &QPushButton::clicked, this, [this] {
+        m_panel->perform(Verb::MendFiles, [this](const QByteArray &) {
+            m_mend->hide();
+            m_panel->tell(Say::tr("The file fits now."));
+        });
+    });
+}
+
+void ProviderPage::fillCountries()
+{
+    m_isFilling = true;
+    m_country->addItem(Say::tr("choose"), QString());
+    QList<QPair<QString, QString>> named;
+    for (const Country &country : countries) {
+        named.append({Say::tr(country.name), QString::fromLatin1(country.code)});
+    }
+    std::sort(named.begin(), named.end(), [](const auto &one, const auto &other) {
+        return QString::localeAwareCompare(one.first, other.first) < 0;
+    });
+    for (const auto &[name, code] : named) {
+        m_country->addItem(name, code);
+    }
+    m_isFilling = false;
+}
+
+void ProviderPage::fillProviders()
+{
+    m_isFilling = true;
+    m_provider->clear();
+    m_provider->addItem(Say::tr("own values"), QString());
+    for (const Provider &provider : commonProviders()) {
+        if (draft().country == QLatin1String(provider.country)) {
+            m_provider->addItem(QString::fromUtf8(provider.name), QString::fromUtf8(provider.name));
+        }
+    }
+    m_provider->setCurrentIndex(qMax(0, m_provider->findData(draft().provider)));
+    m_isFilling = false;
+}
+
+void ProviderPage::takeProvider()
+{
+    if (m_isFilling) {
+        return;
+    }
+    draft().provider = m_provider->currentData().toString();
+    for (const Provider &provider : commonProviders()) {
+        if (draft().country == QLatin1String(provider.country)
+            && draft().provider == QString::fromUtf8(provider.name)) {
+            draft().protocol = QLatin1String(provider.protocol);
+            draft().vpi = provider.vpi;
+            draft().vci = provider.vci;
+            showValues();
+        }
+    }
+}
+
+void ProviderPage::takeValues()
+{
+    if (m_isFilling) {
+        return;
+    }
+    draft().protocol = m_protocol->currentText();
+    draft().vpi = m_vpi->value();
+    draft().vci = m_vci->value();
+    m_isFileTold = false;
+    m_mend->hide();
+    m_panel->clear();
+}
+
+void ProviderPage::showValues()
+{
+    m_isFilling = true;
+    m_protocol->setCurrentText(draft().protocol);
+    m_vpi->setValue(draft().vpi);
+    m_vci->setValue(draft().vci);
+    m_isFilling = false;
+    m_isFileTold = false;
+    m_mend->hide();
+    m_panel->clear();
+}
+
+void ProviderPage::refresh() { }
+
+void ProviderPage::setOnScreen(bool isOnScreen)
+{
+    if (!isOnScreen) {
+        return;
+    }
+    if (draft().country.isEmpty()) {
+        const QString code = QLocale::system().name().section(QLatin1Char('_'), 1);
+        draft().country = m_country->findData(code) >= 0 ? code : QString();
+    }
+    m_isFilling = true;
+    m_country->setCurrentIndex(qMax(0, m_country->findData(draft().country)));
+    m_isFilling = false;
+    fillProviders();
+    if (draft().vpi >= 0) {
+        showValues();
+    }
+    if (controller().model().daemon != DaemonPresence::There) {
+        return;
+    }
+    controller().bus().ask(
+        setupCall(SetupMethod::GetSettings), this, [this](const BusAnswer &answer) {
+            const std::optional<QVariantMap> settings = busMap(answer.value());
+            if (answer.ok() && settings) {
+                takeStored(*settings);
+            }
+        });
+}
+
+void ProviderPage::takeStored(const QVariantMap &settings)
+{
+    m_stored.clear();
+    for (const char *key : {"protocol", "vpi", "vci"}) {
+        const QString name = QLatin1String(key);
+        if (settings.contains(name)) {
+            m_stored.insert(name, settings.value(name));
+        }
+    }
+    // What was entered here counts more than what is stored.
+    if (draft().vpi < 0 && m_stored.size() == 3) {
+        draft().protocol = m_stored.value(QStringLiteral("protocol")).toString();
+        draft().vpi = m_stored.value(QStringLiteral("vpi")).toInt();
+        draft().vci = m_stored.value(QStringLiteral("vci")).toInt();
+        showValues();
+    }
+}
+
+void ProviderPage::proceed()
+{
+    if (m_isFileTold) {
+        emit goOn();
+        return;
+    }
+    if (draft().vpi < 0) {
+        m_panel->tell(Say::tr("Choose your provider, or enter the values of its letter. “Skip” "
+                              "leaves them as they are."));
+        m_country->setFocus();
+        return;
+    }
+    const QVariantMap values{{QStringLiteral("protocol"), draft().protocol},
+        {QStringLiteral("vpi"), draft().vpi}, {QStringLiteral("vci"), draft().vci}};
+    if (values == m_stored) {
+        lookWhetherTheFileFits();
+        return;
+    }
+    store();
+}
+
+void ProviderPage::store()
+{
+    m_isStoring = true;
+    emit storingChanged();
+    const QVariantMap values{{QStringLiteral("protocol"), draft().protocol},
+        {QStringLiteral("vpi"), draft().vpi}, {QStringLiteral("vci"), draft().vci}};
+    BusCall call = setupCall(SetupMethod::SetSettings, {values});
+    call.startsService = true;
+    controller().bus().ask(call, this, [this, values](const BusAnswer &answer) {
+        m_isStoring = false;
+        emit storingChanged();
+        if (!answer.ok()) {
+            m_panel->tell(Say::tr("The values are not stored yet. %1")
+                              .arg(requestFailureText(answer.failure)));
+            return;
+        }
+        m_stored = values;
+        lookWhetherTheFileFits();
+    });
+}
+
+/// pppd reads protocol and circuit in a file that only an administrator may change.
+void ProviderPage::lookWhetherTheFileFits()
+{
+    const bool isBridged = draft().protocol == QLatin1String("PPPoE");
+    const QString circuit = QStringLiteral("%1.%2").arg(draft().vpi).arg(draft().vci);
+    inBackground<Fit>(
+        this,
+        [isBridged, circuit] {
+            return peerFileFit(isBridged ? PeerKind::Bridge : PeerKind::Atm, circuit);
+        },
+        [this, isBridged](Fit fit) {
+            // The shipped file is one for a bridge.
+            if (fit == Fit::Yes || (fit == Fit::Unknown && isBridged)) {
+                emit goOn();
+                return;
+            }
+            m_isFileTold = true;
+            m_panel->tell(fit == Fit::No
+                    ? Say::tr("The values are stored. The file that pppd reads does not fit them "
+                              "yet; only an administrator may change it.")
+                    : Say::tr("The values are stored. They stand in a file that pppd reads, too, "
+                              "which only an administrator may change."));
+            m_mend->show();
+        });
+}
+
+} // namespace desktop

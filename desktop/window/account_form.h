@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// Login and password.
+#pragma once
+
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace desktop {
+
+class Controller;
+class ErrorLabel;
+
+class AccountForm : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit AccountForm(Controller &controller, QWidget *parent = nullptr);
+
+    /// Asks for the stored login, unless somebody is typing another.
+    void askForLogin();
+
+private:
+    void judge();
+    void store();
+
+    Controller &m_controller;
+    QLineEdit *m_login;
+    ErrorLabel *m_loginError;
+    QLineEdit *m_password;
+    QPushButton *m_reveal;
+    ErrorLabel *m_passwordError;
+    QPushButton *m_store;
+    ErrorLabel *m_outcome;
+    bool m_isStoring = false;
+};
+
+} // namespace desktop

@@ -1,0 +1,169 @@
+# SPDX-License-Identifier: MIT
+"""The window over the real daemon and keeper: what it says of them, and what it does when they go."""
+import re
+import signal
+
+import pytest
+
+from lab.waiting import wait_until
+from window_world import WindowWorld
+
+PAGES = ("Connection", "History", "Check-up", "Account and line", "Modem and driver", "Log")
+
+
+@pytest.fixture
+def world(computer, desktop):
+    return WindowWorld(computer, desktop)
+
+
+def test_a_person_connects_reads_the_facts_and_disconnects(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.find("label", "Not connected")
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+    world.window.wait_text("10.64.0.100")
+    world.window.wait_text(re.compile(r"^For \d+ s\.$"))
+    plot = world.window.find("chart", "Speed, last five minutes")
+    world.window.wait(lambda: re.search(r"^Down .*bit/s\. Up .*bit/s\.", plot.description),
+                      what="the plot says the present speed")
+    assert plot.value >= 0
+    world.window.press_button("Disconnect")
+    world.window.find("label", "Not connected")
+    world.window.wait_gone("label", "10.64.0.100")
+    assert world.window.nameless() == []
+
+
+def test_the_plot_is_read_with_the_keyboard(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.press_button("Connect")
+    plot = world.window.find("chart")
+    world.window.wait(lambda: re.search("^Down .*bit/s", plot.description), what="a speed is known")
+    plot.focus()
+    world.desktop.keys("Left")
+    world.window.wait(lambda: re.match(r"\d\d:\d\d:\d\d: Down ", plot.description),
+                      what="a single point is read out")
+    world.desktop.keys("Escape")
+    world.window.wait(lambda: plot.description.startswith("Down "), what="the whole is told again")
+
+
+def test_a_refused_account_leads_to_its_page(world):
+    world.refuse()
+    world.computer.start_daemon()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.wait_text(re.compile("The provider refused login or password"))
+    world.window.press_button("Check account…")
+    world.window.find("push button", "Store account")
+
+
+def test_a_lost_link_is_told_with_the_keepers_reason_and_comes_back(world):
+    world.computer.start_daemon()
+    world.computer.start_keeper()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+    world.computer.keeper.wait_for(State="connected")
+    world.be_silent()
+    world.machine.pppd.trigger("hang-up-1")
+    world.window.wait_text(re.compile("(hung up|No concentrator)"))
+    world.window.find("push button", "Try now")
+    world.answer()
+    world.window.press_button("Try now")
+    world.window.find("label", "Connected")
+
+
+def test_without_a_keeper_a_lost_link_is_found_by_asking(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+    world.machine.pppd.trigger("hang-up-1")
+    world.window.find("label", "Not connected")
+    world.window.wait_text(re.compile("lost"))
+
+
+def test_opening_the_window_starts_nothing_and_connect_does(world):
+    world.open()
+    world.window.find("label", "Not connected")
+    world.window.wait_text(re.compile("The daemon is not running"))
+    assert not world.machine.client().owner_of("com.norvix.Daemon")
+
+
+def test_every_page_outlives_a_frozen_a_killed_and_a_new_daemon(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+    for page in PAGES:
+        world.turn_to(page)
+        world.computer.daemon.signal(signal.SIGSTOP)
+        world.turn_to("Connection")
+        world.window.find("label", "No answer")
+        world.turn_to(page)
+        world.computer.daemon.signal(signal.SIGCONT)
+        world.turn_to("Connection")
+        world.window.find("label", "Connected")
+        world.turn_to(page)
+        world.computer.daemon.stop(signal.SIGKILL)
+        world.turn_to("Connection")
+        world.window.find("label", "Daemon away")
+        world.window.wait_text(re.compile("The connection stays"))
+        world.turn_to(page)
+        world.computer.start_daemon()
+        world.turn_to("Connection")
+        world.window.find("label", "Connected")
+        world.window.wait_text("10.64.0.100")
+
+
+def test_a_keeper_that_comes_late_and_goes_changes_nothing_else(world):
+    world.computer.start_daemon()
+    world.open("History")
+    world.window.wait_text(re.compile("The keeper is not running"))
+    world.computer.start_keeper()
+    world.window.wait_gone("label", re.compile("The keeper is not running"))
+    world.computer.keeper.stop()
+    world.window.wait_text(re.compile("The keeper is not running"))
+    world.turn_to("Connection")
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+
+
+def test_somebody_who_may_not_is_told_the_way(computer, new_desktop):
+    world = WindowWorld(computer, new_desktop(user="other", member=False))
+    if not world.machine.rooted:
+        pytest.skip("other users exist inside only as root")
+    computer.start_daemon()
+    computer.start_keeper()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.wait_text("You are not allowed to use the modem yet.")
+    world.window.find("push button", "Set up…")
+    world.turn_to("History")
+    world.window.wait_text(re.compile("Only members of the group"))
+    world.window.find("push button", "Set up…")
+
+
+def test_the_keyboard_reaches_every_control_of_the_page(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.find("frame", "ADSL modem", {"active"})
+    world.window.find("push button", "Connect", {"sensitive"})
+    order = [name for _, name in world.window.focus_order()]
+    assert {"Pages", "Connect", "Speed, last five minutes"} <= set(order) | {
+        "Pages" if "Connection" in order else ""}
+
+
+def test_at_twice_the_size_everything_is_still_there(new_desktop, computer):
+    desktop = new_desktop()
+    desktop.enlarge_fonts(2)
+    world = WindowWorld(computer, desktop)
+    computer.start_daemon()
+    world.open()
+    button = world.window.find("push button", "Connect")
+    x, y, width, height = button.extents
+    frame = world.window.find("frame", "ADSL modem").extents
+    assert frame[0] <= x and x + width <= frame[0] + frame[2]
+    assert frame[1] <= y and y + height <= frame[1] + frame[3]
+    wait_until(lambda: height >= 32, what="the button can be hit")

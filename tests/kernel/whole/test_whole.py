@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: MIT
+"""norvix in a whole system: real sleep, and the distribution's own services beside it. Run by hand:
+/usr/bin/python3 -B -m pytest -p no:cacheprovider -s tests/kernel/whole"""
+
+
+def test_a_connection_ends_before_sleep_and_is_back_after_it(tell):
+    tell("sleeps", "sleeps_without_polkit")
+
+
+def test_a_connection_lives_beside_the_distributions_own_network_services(tell):
+    tell("lives_beside_resolved", "lives_beside_networkd", "lives_beside_networkmanager")
+
+
+def test_a_link_is_back_about_as_soon_as_pppds_own_and_sooner_than_networkmanagers(tell):
+    """Half an hour."""
+    tell("compares")
