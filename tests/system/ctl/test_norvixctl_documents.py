@@ -186,7 +186,7 @@ def test_every_command_and_option_can_be_completed():
 # ---- translation
 
 @pytest.mark.parametrize("room, name", [
-    ("client", "client"), ("ctl", "norvixctl")])
+    ("client", "client"), ("ctl", "norvixctl"), ("desktop", "norvix-desktop")])
 def test_everything_is_translated_to_german(tmp_path, room, name):
     copy = tmp_path / "de.ts"
     copy.write_bytes((REPOSITORY / room / "translations" / (name + "_de.ts")).read_bytes())
@@ -204,7 +204,7 @@ def test_everything_is_translated_to_german(tmp_path, room, name):
 
 
 def test_every_number_has_its_english_plural():
-    for room, name in (("ctl", "norvixctl"),):
+    for room, name in (("ctl", "norvixctl"), ("desktop", "norvix-desktop")):
         folder = REPOSITORY / room / "translations"
         for language in ("de", "en"):
             tree = ElementTree.parse(folder / ("%s_%s.ts" % (name, language)))
