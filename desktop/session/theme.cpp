@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QProxyStyle>
-#include <cmath>
 
 namespace desktop {
 
@@ -60,16 +59,6 @@ bool isDark(const QPalette &palette)
         < palette.color(QPalette::WindowText).lightness();
 }
 
-/// Part of a colour as the eye takes it.
-double luminance(const QColor &colour)
-{
-    const auto part = [](double value) {
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF())
-        + 0.0722 * part(colour.blueF());
-}
-
 QPalette paletteOf(const QColor &window, const QColor &base, const QColor &text,
     const QColor &muted, const QColor &highlight, const QColor &link)
 {
@@ -121,13 +110,6 @@ QPalette lightPalette()
 {
     return paletteOf(QColor(0xef, 0xef, 0xef), QColor(0xff, 0xff, 0xff), QColor(0x1c, 0x1e, 0x20),
         QColor(0x60, 0x64, 0x68), QColor(0x1f, 0x67, 0xb0), QColor(0x1a, 0x5a, 0x9c));
-}
-
-double contrast(const QColor &one, const QColor &other)
-{
-    const double first = luminance(one) + 0.05;
-    const double second = luminance(other) + 0.05;
-    return first > second ? first / second : second / first;
 }
 
 Theme::Theme(AsyncBus &sessionBus, QObject *parent)

@@ -12,9 +12,6 @@ namespace desktop {
 QPalette darkPalette();
 QPalette lightPalette();
 
-/// How much lighter one is than the other, 1 to 21; texts need 4.5.
-double contrast(const QColor &one, const QColor &other);
-
 /// Follows the desktop's portal. Without one the platform's own colours stay.
 class Theme : public QObject
 {
