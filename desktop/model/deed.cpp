@@ -222,6 +222,57 @@ Deed deedOf(const Remedy &remedy)
         return showChoice(Say::tr("Another program uses PPP, for example for a mobile modem or a "
                                   "tunnel. Disconnecting here ends its connection, too. End it "
                                   "first, or do not disconnect while you need it."));
+    case RemedyKind::ChooseRoute:
+        return showHow(
+            Say::tr("Choose: end the connection of %1, then disconnect and connect again; or keep "
+                    "both and prefer this one.")
+                .arg(detail.section(QLatin1Char(' '), 0, 0)),
+            {QStringLiteral("sudo ip route add default dev ")
+                + detail.section(QLatin1Char(' '), 1)});
+    case RemedyKind::EndOtherRoute:
+        return showHow(
+            Say::tr("End the connection of %1, then disconnect and connect again.").arg(detail));
+    case RemedyKind::SetRoute:
+        return showHow(Say::tr("Disconnect and connect again, or set the default route. The peer "
+                               "file should have the line “defaultroute”."),
+            {QStringLiteral("sudo ip route add default dev ") + detail});
+    case RemedyKind::ChooseServers:
+        return showHow(Say::tr("Whichever connection comes up last writes the name servers: "
+                               "connect the one again that you want to use."));
+    case RemedyKind::InstallNeighbourFile:
+        return showHow(Say::tr("Install the daemon's package again, which brings it."),
+            {QStringLiteral("sudo apt install --reinstall norvix-daemon")});
+    case RemedyKind::RemoveOverride:
+        return showHow(Say::tr("Give %1 another name, so that it no longer hides what is shipped.")
+                           .arg(detail));
+    case RemedyKind::ReloadNetworkManager:
+        return showHow(Say::tr("Have NetworkManager read its files, then disconnect and connect "
+                               "again."),
+            {QStringLiteral("sudo systemctl reload NetworkManager")});
+    case RemedyKind::ReloadNetworkd:
+        return showHow(Say::tr("Leave the modem's interfaces out of your own files in "
+                               "/etc/systemd/network that sort before 10-norvix.network; have "
+                               "them read, then disconnect and connect again."),
+            {QStringLiteral("sudo networkctl reload")});
+    case RemedyKind::InstallResolvconfHook:
+        return showHow(Say::tr("Install resolvconf again, or openresolv if that is it."),
+            {QStringLiteral("sudo apt install --reinstall resolvconf")});
+    case RemedyKind::InstallKeeper:
+        return installFromDistribution(
+            Say::tr("Install the keeper."), QStringLiteral("norvix-keeper"));
+    case RemedyKind::StartKeeper:
+        return withRights(Verb::StartKeeper, Say::tr("Start it…"), Say::tr("Start the keeper."));
+    case RemedyKind::RestartKeeper:
+        return showHow(Say::tr("Restart the keeper."),
+            {QStringLiteral("sudo systemctl restart norvix-keeper")});
+    case RemedyKind::InstallKeeperPolicy:
+        return showHow(Say::tr("Install the keeper's package again, and have the bus read it."),
+            {QStringLiteral("sudo apt install --reinstall norvix-keeper"),
+                QStringLiteral("sudo systemctl reload dbus")});
+    case RemedyKind::AdmitKeeper:
+        return showHow(Say::tr("The keeper must be in the group norvix."),
+            {commandToJoin(QStringLiteral("norvix-keeper")),
+                QStringLiteral("sudo systemctl restart norvix-keeper")});
     case RemedyKind::Connect:
         return simple(DeedKind::Connect, Say::tr("Connect"), Say::tr("Connect again."));
     case RemedyKind::ConnectLater:
