@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "client/link_facts.h"
 
+#include "client/routes.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -64,24 +66,8 @@ std::optional<QString> defaultRouteInterface()
 
 QString defaultRouteInterface(const QByteArray &routes)
 {
-    constexpr int mostColumns = 8;
-    QString best;
-    qlonglong least = 0;
-    for (const QByteArray &line : routes.split('\n')) {
-        // Interface, destination, gateway, flags, two counters, metric, mask.
-        const QList<QByteArray> columns = line.simplified().split(' ');
-        if (columns.size() < mostColumns || columns.at(1) != "00000000"
-            || columns.at(7) != "00000000") {
-            continue;
-        }
-        bool isNumber = false;
-        const qlonglong metric = columns.at(6).toLongLong(&isNumber);
-        if (isNumber && (best.isEmpty() || metric < least)) {
-            best = QString::fromLocal8Bit(columns.constFirst());
-            least = metric;
-        }
-    }
-    return best;
+    const std::optional<Route> route = defaultRoute(routesOfIpv4(routes));
+    return route ? route->interface : QString();
 }
 
 std::optional<Totals> interfaceTotals(const QString &interface)
