@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "client/link_facts.h"
 
-#include "client/routes.h"
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -56,18 +54,6 @@ std::optional<QByteArray> lastLinesOf(const QString &path, qint64 mostBytes)
     file.seek(file.size() - mostBytes);
     const QByteArray end = file.read(mostBytes);
     return end.mid(end.indexOf('\n') + 1);
-}
-
-std::optional<QString> defaultRouteInterface()
-{
-    const auto routes = fileContent(QStringLiteral("/proc/net/route"));
-    return routes ? std::optional<QString>(defaultRouteInterface(*routes)) : std::nullopt;
-}
-
-QString defaultRouteInterface(const QByteArray &routes)
-{
-    const std::optional<Route> route = defaultRoute(routesOfIpv4(routes));
-    return route ? route->interface : QString();
 }
 
 std::optional<Totals> interfaceTotals(const QString &interface)
