@@ -11,8 +11,10 @@
 #include "desktop/window/history_page.h"
 #include "desktop/window/log_page.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScreen>
 
 namespace desktop {
 
@@ -58,7 +60,10 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
     connect(&controller, &Controller::assistantWanted, this,
         [this](AssistantStep step) { assistant()->showStep(step); });
     m_list->setCurrentRow(0);
-    resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 34);
+    // With large letters not beyond the screen; there is room for a frame as well.
+    const QSize screen = QGuiApplication::primaryScreen()->availableSize() * 0.9;
+    resize(QSize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 34)
+               .boundedTo(screen));
 }
 
 void MainWindow::add(Page *page)

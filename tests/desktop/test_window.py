@@ -22,6 +22,7 @@ def test_a_person_connects_reads_the_facts_and_disconnects(world):
     world.window.press_button("Connect")
     world.window.find("label", "Connected")
     world.window.wait_text("10.64.0.100")
+    world.window.wait_text("this line (ppp0)")
     world.window.wait_text(re.compile(r"^For \d+ s\.$"))
     plot = world.window.find("chart", "Speed, last five minutes")
     world.window.wait(lambda: re.search(r"^Down .*bit/s\. Up .*bit/s\.", plot.description),
