@@ -238,6 +238,21 @@ private:
     QStringList m_texts;
 };
 
+/// A value's text as it can stand before another line: where the end of the file has cut off a
+/// quote or an escape, that would take the next line in.
+QByteArray closedText(QByteArray text)
+{
+    bool isQuoted = false;
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i) == '"') {
+            isQuoted = !isQuoted;
+        } else if (text.at(i) == '\\' && ++i == text.size()) {
+            text.chop(1);
+        }
+    }
+    return isQuoted ? text + '"' : text;
+}
+
 /// What stands behind the equals sign, as a value. A text that begins with "@" names a type.
 QVariant valueFrom(const QByteArray &text)
 {
@@ -261,7 +276,7 @@ QVariant valueFrom(const QByteArray &text)
         if (one.startsWith(QLatin1String("@@"))) {
             one.remove(0, 1);
         } else if (isList || isWhole) {
-            return QVariant::fromValue(UndecodedSetting{text});
+            return QVariant::fromValue(UndecodedSetting{closedText(text)});
         }
     }
     return isList ? QVariant(texts) : QVariant(texts.constFirst());

@@ -77,6 +77,8 @@ private slots:
     void valuesAreWrittenAsTheLibraryWritesThem();
     void whatIsNoPlainValueIsNeitherDecodedNorLost_data();
     void whatIsNoPlainValueIsNeitherDecodedNorLost();
+    void whatTheEndOfTheFileCutsOffTakesNoOtherLineIn_data();
+    void whatTheEndOfTheFileCutsOffTakesNoOtherLineIn();
     void aNulByteInAListIsReadAgain();
     void aKeyWithoutANameDeepInAGroupDoesNotSpoilTheFile();
     void linesThatMeanNothingAreTold_data();
@@ -160,6 +162,28 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
     QCOMPARE(read.values.value(QStringLiteral("vpi")).toStringList(), QStringList());
     QCOMPARE(read.values.value(QStringLiteral("zz")).toInt(), 1);
     QCOMPARE(settingsText(read.values), text);
+}
+
+void TestSettingsText::whatTheEndOfTheFileCutsOffTakesNoOtherLineIn_data()
+{
+    QTest::addColumn<QByteArray>("cutOff");
+    for (const char *text : {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\",
+             "@Variant(x), a \\", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
+        QTest::newRow(text) << QByteArray(text);
+    }
+}
+
+void TestSettingsText::whatTheEndOfTheFileCutsOffTakesNoOtherLineIn()
+{
+    QFETCH(QByteArray, cutOff);
+    QMap<QString, QVariant> values = settingsFrom("[General]\nmodem=" + cutOff).values;
+    QVERIFY(values.value("modem").canConvert<UndecodedSetting>());
+    values.insert("vpi", "8");
+    const QByteArray written = settingsText(values);
+    const ReadSettings again = settingsFrom(written);
+    QCOMPARE(again.values.value("vpi").toString(), QString("8"));
+    QCOMPARE(again.values.keys(), values.keys());
+    QCOMPARE(settingsText(again.values), written);
 }
 
 void TestSettingsText::aNulByteInAListIsReadAgain()
