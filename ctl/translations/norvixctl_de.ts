@@ -1274,5 +1274,9 @@
         <source>It must be in the group norvix: “sudo usermod -a -G norvix norvix-keeper”, “sudo systemctl restart norvix-keeper”.</source>
         <translation>Er muss in der Gruppe norvix sein: „sudo usermod -a -G norvix norvix-keeper“, „sudo systemctl restart norvix-keeper“.</translation>
     </message>
+    <message>
+        <source>Keeper</source>
+        <translation>Wächter</translation>
+    </message>
 </context>
 </TS>

@@ -31,11 +31,8 @@ QString plan(const ConnectionModel &model, qint64 now)
     if (seconds <= 0) {
         return Say::tr("The next try begins now.");
     }
-    if (seconds < 60) {
-        return Say::tr("Next try in %n second(s).", nullptr, int(seconds));
-    }
     if (seconds < 3600) {
-        return Say::tr("Next try in %n minute(s).", nullptr, int((seconds + 59) / 60));
+        return Say::tr("Next try in %1.").arg(durationText(seconds));
     }
     return Say::tr("Next try at %1.").arg(timeText(*model.keeper->nextAttempt));
 }

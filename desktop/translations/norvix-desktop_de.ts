@@ -1707,5 +1707,77 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <source>needs attention</source>
         <translation>braucht Aufmerksamkeit</translation>
     </message>
+    <message>
+        <source>Back to the modem</source>
+        <translation>Zurück zum Modem</translation>
+    </message>
+    <message>
+        <source>Internet traffic goes through %1. End that connection, then disconnect and connect here again; or keep both and prefer this line by the command below.</source>
+        <translation>Der Internetverkehr geht über %1. Beenden Sie jene Verbindung, trennen und verbinden Sie dann hier neu; oder behalten Sie beide und bevorzugen Sie diese Leitung mit dem Befehl unten.</translation>
+    </message>
+    <message>
+        <source>Internet traffic goes through %1. End that connection, then disconnect and connect here again.</source>
+        <translation>Der Internetverkehr geht über %1. Beenden Sie jene Verbindung, trennen und verbinden Sie dann hier neu.</translation>
+    </message>
+    <message>
+        <source>Disconnect and connect again, or set the route by hand.</source>
+        <translation>Trennen und verbinden Sie neu, oder setzen Sie die Route von Hand.</translation>
+    </message>
+    <message>
+        <source>Whichever connection comes up last writes the name servers: connect the one again that you want to use.</source>
+        <translation>Die Verbindung, die zuletzt zustande kommt, schreibt die Nameserver: Verbinden Sie die neu, die Sie benutzen wollen.</translation>
+    </message>
+    <message>
+        <source>Install the daemon&apos;s package again.</source>
+        <translation>Installieren Sie das Paket des Dienstes noch einmal.</translation>
+    </message>
+    <message>
+        <source>Somebody&apos;s file %1 hides what is shipped. Give it another name.</source>
+        <translation>Die Datei %1 von jemandem verdeckt die mitgelieferte. Geben Sie ihr einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>Have NetworkManager read its settings, then disconnect and connect again.</source>
+        <translation>Lassen Sie NetworkManager seine Einstellungen lesen, trennen und verbinden Sie dann neu.</translation>
+    </message>
+    <message>
+        <source>Leave the modem&apos;s interfaces out of your own files in /etc/systemd/network that sort before 10-norvix.network; then have them read, and disconnect and connect again.</source>
+        <translation>Lassen Sie die Schnittstellen des Modems aus Ihren eigenen Dateien in /etc/systemd/network heraus, die vor 10-norvix.network kommen; lassen Sie sie dann lesen, und trennen und verbinden Sie neu.</translation>
+    </message>
+    <message>
+        <source>Install resolvconf again, or openresolv if that is it.</source>
+        <translation>Installieren Sie resolvconf noch einmal, oder openresolv, wenn es das ist.</translation>
+    </message>
+    <message>
+        <source>Install the keeper.</source>
+        <translation>Installieren Sie den Wächter.</translation>
+    </message>
+    <message>
+        <source>Start the keeper.</source>
+        <translation>Starten Sie den Wächter.</translation>
+    </message>
+    <message>
+        <source>Install the keeper&apos;s package again, and have the bus read it.</source>
+        <translation>Installieren Sie das Paket des Wächters noch einmal, und lassen Sie den Bus es lesen.</translation>
+    </message>
+    <message>
+        <source>The keeper must be in the group norvix.</source>
+        <translation>Der Wächter muss in der Gruppe norvix sein.</translation>
+    </message>
+    <message>
+        <source>The keeper is not installed.</source>
+        <translation>Der Wächter ist nicht installiert.</translation>
+    </message>
+    <message>
+        <source>The keeper is not running.</source>
+        <translation>Der Wächter läuft nicht.</translation>
+    </message>
+    <message>
+        <source>The keeper&apos;s answer is not understood: it may be of another version.</source>
+        <translation>Die Antwort des Wächters ist nicht zu verstehen: Er kann von einer anderen Fassung sein.</translation>
+    </message>
+    <message>
+        <source>Assistant…</source>
+        <translation>Assistent …</translation>
+    </message>
 </context>
 </TS>
