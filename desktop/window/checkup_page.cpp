@@ -74,6 +74,9 @@ CheckupPage::CheckupPage(Controller &controller, QWidget *parent)
     column->addWidget(m_area, 1);
     column->addLayout(buttons);
     m_copy->setEnabled(false);
+    for (QPushButton *button : {m_copy, m_again}) {
+        button->setMinimumHeight(fontMetrics().height() * 2);
+    }
     connect(m_again, &QPushButton::clicked, this, [this] {
         m_doneVerbs.clear();
         check();
@@ -245,6 +248,7 @@ void CheckupPage::addRow(QGridLayout *grid, const Finding &finding)
     const Deed deed = isWell ? Deed() : helpFor(finding.remedy);
     if (deed.kind != DeedKind::None) {
         auto *button = new QPushButton(deed.button);
+        button->setMinimumHeight(fontMetrics().height() * 2);
         button->setAccessibleDescription(checkTitle(finding.check));
         const QString heading = checkTitle(finding.check);
         connect(button, &QPushButton::clicked, this,

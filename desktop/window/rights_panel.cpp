@@ -41,6 +41,7 @@ RightsPanel::RightsPanel(QWidget *parent)
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &RightsPanel::showWaiting);
     connect(m_giveUp, &QPushButton::clicked, this, [this] { m_administrator.giveUp(); });
+    m_giveUp->setMinimumHeight(fontMetrics().height() * 2);
     clear();
 }
 
