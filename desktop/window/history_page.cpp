@@ -178,8 +178,10 @@ void HistoryPage::setOnScreen(bool isOnScreen)
     if (isOnScreen) {
         m_looks.start();
         lookAgain();
+        m_lateLook.start();
     } else {
         m_looks.stop();
+        m_lateLook.stop();
     }
 }
 
