@@ -38,6 +38,9 @@ Failure failureOf(const QDBusError &error)
     if (error.name() == QLatin1String(Bus::setupNotStored)) {
         return {FailureKind::DaemonNotStored, error.message()};
     }
+    if (error.name() == QLatin1String(Bus::keeperRefused)) {
+        return {FailureKind::KeeperRefused, error.message()};
+    }
     if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
         return {FailureKind::NoDaemon, QString()};
     }

@@ -4,6 +4,7 @@
 #include "client/ppp_files.h"
 #include "client/pppd_explain.h"
 #include "client/say.h"
+#include "dbus/contract.h"
 
 #include <optional>
 
@@ -364,7 +365,136 @@ Finding checkResolver(const Facts &facts)
         return doubtful(
             Say::tr("%1 names no server.").arg(facts.resolver.path), RemedyKind::WaitForResolver);
     }
+    const QList<StrayServer> stray = judgeRoutes(facts.routes).strayServers;
+    if (!stray.isEmpty()) {
+        Finding finding = doubtful(strayServerText(stray.constFirst()), RemedyKind::ChooseServers);
+        for (const StrayServer &server : stray.mid(1)) {
+            finding.facts.append({strayServerText(server), {}});
+        }
+        return finding;
+    }
     return good(facts.resolver.servers.join(QStringLiteral(", ")));
+}
+
+Finding checkRoute(const Facts &facts)
+{
+    const RouteJudgement judgement = judgeRoutes(facts.routes);
+    switch (judgement.use) {
+    case RouteUse::Unknown:
+        return notChecked(Say::tr("the table of routes can not be read"));
+    case RouteUse::NoLink:
+        return good(Say::tr("no connection is up"));
+    case RouteUse::NoDefault:
+    case RouteUse::Elsewhere:
+        return {QString(), Verdict::Doubtful, {{routeText(judgement, facts.routes.link), {}}},
+            routeRemedy(judgement, facts.routes.link)};
+    case RouteUse::ThroughLink:
+        break;
+    }
+    Finding finding = good(Say::tr("through %1").arg(facts.routes.link));
+    if (!judgement.ipv6Interface.isEmpty()) {
+        finding.facts.append({Say::tr("(IPv6: through %1)").arg(judgement.ipv6Interface), {}});
+    }
+    return finding;
+}
+
+/// What all programs that ours has to get along with are judged by.
+Finding checkNeighbour(const Neighbour &neighbour, const QString &isFine, const QString &isNot,
+    RemedyKind mend, const QString &whatFor)
+{
+    if (!neighbour.isPresent) {
+        return good(Say::tr("not in use here"));
+    }
+    if (!neighbour.hasFile) {
+        return {QString(), Verdict::Doubtful,
+            {{Say::tr("%1 is missing: %2").arg(neighbour.file, whatFor), {}}},
+            {neighbour.isFileOurs ? RemedyKind::InstallNeighbourFile
+                                  : RemedyKind::InstallResolvconfHook,
+                neighbour.file}};
+    }
+    if (!neighbour.hiddenBy.isEmpty()) {
+        return doubtful(Say::tr("%1 takes the place of %2: %3")
+                            .arg(neighbour.hiddenBy, neighbour.file, whatFor),
+            RemedyKind::RemoveOverride, neighbour.hiddenBy);
+    }
+    return neighbour.isInForce == Answer::No ? doubtful(isNot, mend) : good(isFine);
+}
+
+Finding checkNetworkManager(const Facts &facts)
+{
+    return checkNeighbour(facts.neighbours.networkManager,
+        Say::tr("leaves the modem's interfaces alone"),
+        Say::tr("It manages the modem's interfaces."), RemedyKind::ReloadNetworkManager,
+        Say::tr("it may take the modem's interfaces into its hands."));
+}
+
+Finding checkNetworkd(const Facts &facts)
+{
+    return checkNeighbour(facts.neighbours.networkd, Say::tr("leaves the modem's interfaces alone"),
+        Say::tr("It manages the modem's interfaces."), RemedyKind::ReloadNetworkd,
+        Say::tr("it may take the modem's interfaces into its hands."));
+}
+
+Finding checkResolved(const Facts &facts)
+{
+    return checkNeighbour(facts.neighbours.resolved, Say::tr("is told the provider's servers"),
+        Say::tr("It has not been told the provider's servers."), RemedyKind::Connect,
+        Say::tr("it is not told the provider's servers, and no name may resolve."));
+}
+
+Finding checkResolvconf(const Facts &facts)
+{
+    return checkNeighbour(facts.neighbours.resolvconf, Say::tr("is told the provider's servers"),
+        QString(), RemedyKind::None,
+        Say::tr("it is not told the provider's servers, and no name may resolve."));
+}
+
+Finding withoutKeeper(FailureKind kind)
+{
+    if (kind == FailureKind::NoBus) {
+        return notChecked(Say::tr("not known without the system bus"));
+    }
+    if (kind == FailureKind::KeeperMissing) {
+        return doubtful(
+            Say::tr("The keeper is not installed: a connection that is lost stays lost."),
+            RemedyKind::InstallKeeper);
+    }
+    if (kind == FailureKind::KeeperStopped) {
+        return doubtful(Say::tr("The keeper is not running: a connection that is lost stays lost."),
+            RemedyKind::StartKeeper);
+    }
+    if (kind == FailureKind::NotPermitted) {
+        return doubtful(Say::tr("The bus does not let this user ask the keeper, which everybody "
+                                "may."),
+            RemedyKind::InstallKeeperPolicy);
+    }
+    return doubtful(kind == FailureKind::KeeperNoAnswer
+            ? Say::tr("The keeper is on the bus but does not answer.")
+            : Say::tr("What the keeper answers is not understood."),
+        RemedyKind::RestartKeeper);
+}
+
+Finding checkKeeper(const Facts &facts)
+{
+    if (!facts.keeper.ok()) {
+        return withoutKeeper(facts.keeper.failure.kind);
+    }
+    const KeeperState &state = facts.keeper.value;
+    if (state.reason == QLatin1String(KeeperReason::requestRefused)) {
+        return doubtful(
+            Say::tr("The daemon does not listen to the keeper."), RemedyKind::AdmitKeeper);
+    }
+    if (const QString text = keeperHistoryText(state.history); !text.isEmpty()) {
+        return doubtful(text, RemedyKind::None);
+    }
+    const bool isAfterFailure = state.isKeeping && state.isWanted && !state.reason.isEmpty()
+        && state.phase != QLatin1String(KeeperPhase::connected);
+    if (isAfterFailure) {
+        const Fact reason = keeperReasonFact(state.reason);
+        return doubtful(Say::tr("%1 Now: %2.").arg(reason.text, keeperPhaseText(state.phase)),
+            reason.remedy.kind);
+    }
+    return good(keeperPhaseText(state.phase));
 }
 
 Finding checkOtherPppd(const Facts &facts)
@@ -424,8 +554,14 @@ const QList<Check> &checks()
         {"peer", QT_TRANSLATE_NOOP("Say", "Peer file"), checkPeer},
         {"secrets", QT_TRANSLATE_NOOP("Say", "Account files"), checkSecrets},
         {"resolver", QT_TRANSLATE_NOOP("Say", "Resolver"), checkResolver},
+        {"route", QT_TRANSLATE_NOOP("Say", "Default route"), checkRoute},
+        {"networkmanager", QT_TRANSLATE_NOOP("Say", "NetworkManager"), checkNetworkManager},
+        {"networkd", QT_TRANSLATE_NOOP("Say", "systemd-networkd"), checkNetworkd},
+        {"resolved", QT_TRANSLATE_NOOP("Say", "systemd-resolved"), checkResolved},
+        {"resolvconf", QT_TRANSLATE_NOOP("Say", "resolvconf"), checkResolvconf},
         {"other-pppd", QT_TRANSLATE_NOOP("Say", "Other pppd"), checkOtherPppd},
         {"last-attempt", QT_TRANSLATE_NOOP("Say", "Last attempt"), checkLastAttempt},
+        {"keeper", QT_TRANSLATE_NOOP("Say", "Keeper"), checkKeeper},
     };
     return table;
 }

@@ -270,6 +270,9 @@ Facts gatherFacts(const DaemonBus &bus)
     lookAtPpp(facts);
     facts.resolver = resolver();
     facts.pppds = runningPppds();
+    facts.routes = gatherRouteFacts(linkInterface());
+    facts.neighbours = gatherNeighbours(bus, facts.routes.link);
+    facts.keeper = KeeperBus(bus).state();
     facts.log = seenFile(QStringLiteral("/opt/norvix/daemon.log"));
     facts.log.content = lastLinesOf(facts.log.path); // the last attempt stands there
     return facts;

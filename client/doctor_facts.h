@@ -2,21 +2,17 @@
 // Everything the check-up looks at, gathered before anything is judged.
 #pragma once
 
+#include "client/keeper_bus.h"
 #include "client/link_facts.h"
+#include "client/neighbours.h"
 #include "client/ppp_files.h"
+#include "client/routes.h"
 
 #include <QByteArray>
 #include <QString>
 #include <optional>
 
 class DaemonBus;
-
-enum class Answer
-{
-    Yes,
-    No,
-    Unknown,
-};
 
 /// A file as this user sees it.
 struct SeenFile
@@ -87,6 +83,9 @@ struct Facts // NOLINT(clang-analyzer-optin.performance.Padding): in the order o
     Resolver resolver;
     QList<Pppd> pppds;
     SeenFile log;
+    RouteFacts routes;
+    Neighbours neighbours;
+    KeeperAnswer<KeeperState> keeper;
 
     bool isUnicorn() const { return configured.vendor == unicornVendorId; }
     bool isPppoe() const { return !isUnicorn() && protocol == QLatin1String("PPPoE"); }

@@ -15,6 +15,12 @@ enum class FailureKind
     DaemonRefused, ///< the daemon refuses a value; detail: what it expects
     DaemonNotStored, ///< the daemon could not store a value; detail: why
     DaemonError, ///< detail: the words of any other error
+    KeeperMissing, ///< it is not installed
+    KeeperStopped, ///< it is installed, and not running
+    KeeperNoAnswer, ///< the keeper did not answer in time
+    KeeperRefused, ///< the keeper refuses a value; detail: what it expects
+    KeeperNotUnderstood, ///< what has answered is no keeper, or one that is too old or too new
+    KeeperError, ///< detail: the words of any other error
     ValueRefused, ///< the value must not be stored; detail: why, in the user's language
     FileForbidden, ///< this user may not write it; detail: its path, as in all that follow
     FileUnreadable,

@@ -48,6 +48,20 @@ enum class RemedyKind
     SetAccountAgain,
     WaitForResolver, ///< the daemon writes it
     EndOtherConnection,
+    ChooseRoute, ///< detail: the interface that has the default route, a blank, and the link's
+    EndOtherRoute, ///< the same where ours can not be preferred; detail: the other's interface
+    SetRoute, ///< detail: the link's interface
+    ChooseServers, ///< whichever connection comes up last writes them
+    InstallNeighbourFile, ///< what the daemon's package ships for others; detail: the path
+    RemoveOverride, ///< a file of the administrator's that hides ours; detail: its path
+    ReloadNetworkManager,
+    ReloadNetworkd,
+    InstallResolvconfHook,
+    InstallKeeper,
+    StartKeeper,
+    RestartKeeper,
+    InstallKeeperPolicy,
+    AdmitKeeper, ///< to the daemon's group
     Connect,
     ConnectLater, ///< when the line is back
 };

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "client/text_format.h"
 
+#include <QDateTime>
 #include <QLocale>
+#include <QRegularExpression>
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 QString bytesText(double bytes)
 {
@@ -30,6 +33,35 @@ QString clockText(qint64 seconds)
         .arg(seconds / 3600, 2, 10, zero)
         .arg(seconds / 60 % 60, 2, 10, zero)
         .arg(seconds % 60, 2, 10, zero);
+}
+
+QString momentText(qint64 time)
+{
+    return QLocale::c().toString(
+        QDateTime::fromSecsSinceEpoch(time), QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+}
+
+QString momentIso(qint64 time)
+{
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(time);
+    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODate);
+}
+
+std::optional<quint64> bytesFromText(const QString &text)
+{
+    static const QRegularExpression form(
+        QStringLiteral("^(\\d{1,15})(?:[.,](\\d{1,6}))? ?(|[kKMGT])B\\z"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch()) {
+        return std::nullopt;
+    }
+    const double number
+        = (match.captured(1) + QLatin1Char('.') + match.captured(2) + QLatin1Char('0')).toDouble();
+    const int unit = QStringLiteral("kMGT").indexOf(match.captured(3), 0, Qt::CaseInsensitive) + 1;
+    const double bytes = number * std::pow(1000.0, match.captured(3).isEmpty() ? 0 : unit);
+    // Below what a number of the bus holds with a sign.
+    return bytes >= 1 && bytes < 9e18 ? std::optional<quint64>(quint64(std::llround(bytes)))
+                                      : std::nullopt;
 }
 
 bool isSteering(QChar character)

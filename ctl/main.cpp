@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 // norvixctl: the daemon's command-line client.
 #include "client/say.h"
+#include "client/translation.h"
 #include "ctl/command_line.h"
 #include "ctl/help_text.h"
 #include "ctl/screen/charset.h"
 #include "ctl/screen/terminal.h"
 
 #include <QCoreApplication>
-#include <QLocale>
-#include <QTranslator>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -94,13 +93,6 @@ int main(int argc, char *argv[])
     holdStandardStreams();
     const QStringList words = wordsOf(argc, argv);
     const QCoreApplication application(argc, argv);
-    QTranslator translator;
-    const QString folder = QStringLiteral(":/translations");
-    // English has a file of its own for its plurals.
-    const bool isTranslated = !isLanguagePlain()
-        && translator.load(QLocale(), QStringLiteral("norvixctl"), QStringLiteral("_"), folder);
-    if (isTranslated || translator.load(QStringLiteral("norvixctl_en"), folder)) {
-        QCoreApplication::installTranslator(&translator);
-    }
+    speakUsersLanguage(QStringLiteral("norvixctl"), isLanguagePlain());
     return run(words);
 }

@@ -167,7 +167,7 @@ void Administrator::finish(const RightsAnswer &answer)
     m_process = nullptr;
     process->disconnect(this);
     // What root already runs can not be ended from here; it ends by itself.
-    process->terminate();
+    process->kill(); // it has inherited that other signals are held
     if (process->state() == QProcess::NotRunning) {
         process->deleteLater();
     } else {

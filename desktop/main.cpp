@@ -2,6 +2,7 @@
 // norvix-desktop: a window for the person who has the modem.
 #include "client/say.h"
 #include "client/stop_signals.h"
+#include "client/translation.h"
 #include "desktop/assistant/new_beginning.h"
 #include "desktop/controller.h"
 #include "desktop/plot/plot.h"
@@ -10,7 +11,10 @@
 #include "desktop/session/presence.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QTextStream>
+#include <QTranslator>
 #include <algorithm>
 #include <cstdio>
 
@@ -41,11 +45,22 @@ bool isTextWanted(int argc, char *argv[])
 int showText(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    speakUsersLanguage(QStringLiteral("norvix-desktop"));
     const desktop::Options options = desktop::optionsOf(QCoreApplication::arguments().mid(1));
     print(stdout,
         options.isHelpWanted ? desktop::usageText()
                              : QStringLiteral("norvix-desktop " NORVIX_VERSION "\n"));
     return 0;
+}
+
+/// What stands on the toolkit's own buttons and menus.
+void speakToolkitsSentences()
+{
+    auto *translator = new QTranslator(qApp);
+    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+            QLibraryInfo::location(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(translator);
+    }
 }
 
 int showWindow(int argc, char *argv[])
@@ -65,6 +80,8 @@ int showWindow(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false); // its presence decides
     // The session's end closes no window: one that goes into the tray would seem to refuse it.
     QApplication::setFallbackSessionManagementEnabled(false);
+    speakUsersLanguage(QStringLiteral("norvix-desktop"));
+    speakToolkitsSentences();
     QObject::connect(&stop, &StopSignals::stopped, qApp, &QCoreApplication::quit);
 
     const desktop::Options options = desktop::optionsOf(QApplication::arguments().mid(1));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// norvixctl line show, set, providers
+// norvixctl line show, set, providers, quality
 #include "client/daemon_bus.h"
+#include "client/keeper_bus.h"
 #include "client/providers.h"
 #include "client/say.h"
 #include "client/settings_file.h"
@@ -8,9 +9,12 @@
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
 #include "ctl/screen/failure_text.h"
+#include "ctl/screen/quality_view.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
+#include <QDateTime>
+#include <algorithm>
 #include <unistd.h>
 
 namespace {
@@ -85,7 +89,73 @@ Failure store(const QMap<QString, QVariant> &values)
                                                                    : reply.failure;
 }
 
+constexpr int mostDays = 36500;
+
+Table tableOf(const QList<LineSample> &samples)
+{
+    struct Column
+    {
+        const char *key;
+        std::optional<double> LineSample::*figure;
+    };
+    static const QList<Column> columns
+        = {{"carrier", &LineSample::carrier}, {"downKbit", &LineSample::downRate},
+            {"upKbit", &LineSample::upRate}, {"downMargin", &LineSample::downMargin},
+            {"upMargin", &LineSample::upMargin}, {"downAttenuation", &LineSample::downAttenuation},
+            {"upAttenuation", &LineSample::upAttenuation}, {"downErrors", &LineSample::downErrors},
+            {"upErrors", &LineSample::upErrors}};
+    QStringList keys = {QStringLiteral("time"), QStringLiteral("seconds")};
+    for (const Column &column : columns) {
+        keys.append(QLatin1String(column.key));
+    }
+    Table table(QStringLiteral("samples"), keys, {});
+    for (const LineSample &sample : samples) {
+        QList<QJsonValue> values = {momentIso(sample.time), sample.span};
+        for (const Column &column : columns) {
+            const std::optional<double> figure = sample.*column.figure;
+            values.append(figure ? QJsonValue(*figure) : QJsonValue(QJsonValue::Null));
+        }
+        table.add(values);
+    }
+    return table;
+}
+
 } // namespace
+
+int runLineQuality(const Invocation &invocation, const Terminal &terminal)
+{
+    int days = 1;
+    if (invocation.has("days")) {
+        const auto number = wholeNumber(invocation.value("days"), 1, mostDays);
+        if (!number) {
+            return terminal.fail(BadUsage,
+                Say::tr("--days takes a whole number of days from 1 to %1.").arg(mostDays));
+        }
+        days = *number;
+    }
+    constexpr qint64 daySeconds = 86400;
+    const qint64 until = QDateTime::currentSecsSinceEpoch();
+    const qint64 from = std::max<qint64>(0, until - days * daySeconds);
+    const DaemonBus bus;
+    const auto samples = KeeperBus(bus).lineQuality(from, until);
+    if (!samples.ok()) {
+        return terminal.fail(samples.failure);
+    }
+    if (terminal.form != Form::Human) {
+        tableOf(samples.value).print(terminal);
+        return Ok;
+    }
+    const QStringList lines
+        = qualityView(samples.value, from, until, terminal.width(), terminal.hasGlyphs);
+    if (lines.isEmpty()) {
+        terminal.paragraph(Say::tr("Nothing is known of the line in this time. It is looked at "
+                                   "once a minute while a connection is up."));
+    }
+    for (const QString &line : lines) {
+        terminal.line(line);
+    }
+    return Ok;
+}
 
 int runLineShow(const Invocation &, const Terminal &terminal)
 {

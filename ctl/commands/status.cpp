@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 // norvixctl status
 #include "client/daemon_bus.h"
+#include "client/keeper_bus.h"
 #include "client/link_facts.h"
+#include "client/routes.h"
 #include "client/say.h"
 #include "client/settings_file.h"
 #include "client/signal_text.h"
 #include "client/text_format.h"
 #include "ctl/command_line.h"
 #include "ctl/commands.h"
+#include "ctl/screen/keeper_report.h"
+#include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
 
@@ -106,7 +110,8 @@ void addConnection(Report &report, const DaemonBus &bus, int state)
     const bool isUp = state == ConnectionUp;
     const QString interface = isUp ? ask(DaemonMethod::getInterface) : QString();
     const QString address = isUp ? withoutDots(ask(DaemonMethod::getIP)) : QString();
-    const QString route = withoutDots(ask(DaemonMethod::getDefaultRoute));
+    // The daemon names the last route with a fitting name, which need not be the one that is taken.
+    const RouteJudgement judgement = judgeRoutes(gatherRouteFacts(interface));
     const auto shown
         = [](const QString &text) { return text.isEmpty() ? QStringLiteral("-") : text; };
 
@@ -116,9 +121,37 @@ void addConnection(Report &report, const DaemonBus &bus, int state)
         shown(interface));
     report.add(QStringLiteral("connection.address"), textOrNull(address), Say::tr("Address"),
         shown(address));
-    report.add(QStringLiteral("connection.route"), textOrNull(route), Say::tr("Default route"),
-        shown(route));
+    const QString unused = routeText(judgement, interface);
+    report.add(QStringLiteral("connection.route"), textOrNull(judgement.interface),
+        Say::tr("Default route"), shown(judgement.interface),
+        unused.isEmpty() ? Tone::Plain : Tone::Doubtful);
+    report.add(QStringLiteral("connection.isUsed"),
+        isUp && judgement.use != RouteUse::Unknown
+            ? QJsonValue(judgement.use == RouteUse::ThroughLink)
+            : QJsonValue(QJsonValue::Null));
+    if (!unused.isEmpty()) {
+        report.note(unused + QLatin1Char(' ') + remedyText(routeRemedy(judgement, interface)));
+    }
+    for (const StrayServer &server : judgement.strayServers) {
+        report.note(strayServerText(server));
+    }
     addFigures(report, interface);
+}
+
+/// Says that the stored idle time means nothing to the keeper.
+void addIdleTime(Report &report, const DaemonBus &bus, const KeeperAnswer<KeeperState> &keeper)
+{
+    if (!keeper.ok() || !keeper.value.isKeeping) {
+        return;
+    }
+    const int idle
+        = bus.call(DaemonMethod::getIdlenessTime, {}, DaemonBus::Start::Never, shortTimeoutMs)
+              .value.toInt();
+    if (idle > 0) {
+        report.note(Say::tr("The stored idle time (%1) is not honoured: the keeper keeps a "
+                            "connection that is wanted, used or not.")
+                        .arg(idle));
+    }
 }
 
 } // namespace
@@ -140,6 +173,9 @@ int runStatus(const Invocation &, const Terminal &terminal)
         bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs));
     addLine(report);
     addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
+    const KeeperAnswer<KeeperState> keeper = KeeperBus(bus).state();
+    addKeeper(report, keeper, QStringLiteral("keeper."));
+    addIdleTime(report, bus, keeper);
     report.add(QStringLiteral("driver.compiling"),
         compiling.ok() ? QJsonValue(compiling.value.toBool()) : QJsonValue(QJsonValue::Null));
     if (compiling.value.toBool()) {

@@ -7,7 +7,7 @@ enum ExitCode
     Ok = 0,
     Failed = 1, ///< anything without a class of its own
     BadUsage = 2,
-    NoDaemon = 3, ///< the daemon or the system bus is not there
+    NoDaemon = 3, ///< the daemon, the keeper or the system bus is not there
     NotPermitted = 4, ///< the bus or the file system refuses this user
     ValueRefused = 5, ///< a value that must not be stored; nothing was changed
     FaultsFound = 6, ///< doctor found at least one fault

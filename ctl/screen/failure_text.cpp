@@ -3,6 +3,18 @@
 
 #include "client/say.h"
 
+namespace {
+
+QString withoutFullStop(QString text)
+{
+    if (text.endsWith(QLatin1Char('.'))) {
+        text.chop(1);
+    }
+    return text;
+}
+
+} // namespace
+
 ExitCode exitCodeOf(const Failure &failure)
 {
     switch (failure.kind) {
@@ -11,16 +23,22 @@ ExitCode exitCodeOf(const Failure &failure)
     case FailureKind::NoBus:
     case FailureKind::NoDaemon:
     case FailureKind::NotStarted:
+    case FailureKind::KeeperMissing:
+    case FailureKind::KeeperStopped:
         return NoDaemon;
     case FailureKind::NotPermitted:
     case FailureKind::FileForbidden:
         return NotPermitted;
     case FailureKind::DaemonRefused:
     case FailureKind::ValueRefused:
+    case FailureKind::KeeperRefused:
         return ValueRefused;
     case FailureKind::NoAnswer:
     case FailureKind::DaemonNotStored:
     case FailureKind::DaemonError:
+    case FailureKind::KeeperNoAnswer:
+    case FailureKind::KeeperNotUnderstood:
+    case FailureKind::KeeperError:
     case FailureKind::FileUnreadable:
     case FailureKind::FileUnwritable:
     case FailureKind::ModeUnchangeable:
@@ -55,6 +73,20 @@ QString failureText(const Failure &failure)
         return Say::tr("The daemon could not store it: %1.").arg(failure.detail);
     case FailureKind::DaemonError:
         return Say::tr("The daemon answered with an error: %1").arg(failure.detail);
+    case FailureKind::KeeperMissing:
+        return Say::tr("The keeper is not installed: “sudo apt install norvix-keeper”.");
+    case FailureKind::KeeperStopped:
+        return Say::tr("The keeper is not running. Start it with “sudo systemctl start "
+                       "norvix-keeper”.");
+    case FailureKind::KeeperNoAnswer:
+        return Say::tr("The keeper does not answer. Restart it with “sudo systemctl restart "
+                       "norvix-keeper”.");
+    case FailureKind::KeeperRefused:
+        return Say::tr("The keeper refuses this: %1.").arg(withoutFullStop(failure.detail));
+    case FailureKind::KeeperNotUnderstood:
+        return Say::tr("The keeper's answer is not understood: it may be of another version.");
+    case FailureKind::KeeperError:
+        return Say::tr("The keeper answered with an error: %1").arg(failure.detail);
     case FailureKind::ValueRefused:
         return failure.detail;
     case FailureKind::FileForbidden:

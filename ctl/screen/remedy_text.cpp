@@ -113,6 +113,48 @@ QString remedyText(const Remedy &remedy)
         return Say::tr("The daemon writes it at the next connection.");
     case RemedyKind::EndOtherConnection:
         return Say::tr("End the other connection first, or do not disconnect while it is needed.");
+    case RemedyKind::ChooseRoute:
+        return Say::tr("Choose: end the connection of %1, then disconnect and connect again; or "
+                       "keep both and prefer this one: “sudo ip route add default dev %2”.")
+            .arg(remedy.detail.section(QLatin1Char(' '), 0, 0),
+                remedy.detail.section(QLatin1Char(' '), 1));
+    case RemedyKind::EndOtherRoute:
+        return Say::tr("End the connection of %1, then disconnect and connect again.")
+            .arg(remedy.detail);
+    case RemedyKind::SetRoute:
+        return Say::tr("Disconnect and connect again, or set it: “sudo ip route add default dev "
+                       "%1”. The peer file should have the line “defaultroute”.")
+            .arg(remedy.detail);
+    case RemedyKind::ChooseServers:
+        return Say::tr("Whichever connection comes up last writes them: connect the one again that "
+                       "you want to use.");
+    case RemedyKind::InstallNeighbourFile:
+        return Say::tr("Install it again: “sudo apt install --reinstall norvix-daemon”.");
+    case RemedyKind::RemoveOverride:
+        return Say::tr("Give %1 another name, so that it no longer hides what is shipped.")
+            .arg(remedy.detail);
+    case RemedyKind::ReloadNetworkManager:
+        return Say::tr(
+            "“sudo systemctl reload NetworkManager”, then disconnect and connect again.");
+    case RemedyKind::ReloadNetworkd:
+        return Say::tr("Leave them out of your own files in /etc/systemd/network that sort before "
+                       "10-norvix.network; then “sudo networkctl reload”, disconnect and connect "
+                       "again.");
+    case RemedyKind::InstallResolvconfHook:
+        return Say::tr("Install it again: “sudo apt install --reinstall resolvconf”, or openresolv "
+                       "if that is it.");
+    case RemedyKind::InstallKeeper:
+        return Say::tr("Install it: “sudo apt install norvix-keeper”.");
+    case RemedyKind::StartKeeper:
+        return Say::tr("Start it: “sudo systemctl enable --now norvix-keeper”.");
+    case RemedyKind::RestartKeeper:
+        return Say::tr("Restart it: “sudo systemctl restart norvix-keeper”.");
+    case RemedyKind::InstallKeeperPolicy:
+        return Say::tr("Install its bus policy again and reload the bus: “sudo apt install "
+                       "--reinstall norvix-keeper”, “sudo systemctl reload dbus”.");
+    case RemedyKind::AdmitKeeper:
+        return Say::tr("It must be in the group norvix: “sudo usermod -a -G norvix norvix-keeper”, "
+                       "“sudo systemctl restart norvix-keeper”.");
     case RemedyKind::Connect:
         return Say::tr("Connect again: “norvixctl connect”.");
     case RemedyKind::ConnectLater:

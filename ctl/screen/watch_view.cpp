@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ctl/screen/watch_view.h"
 
+#include "ctl/screen/quality_view.h"
 #include "ctl/screen/remedy_text.h"
 
 #include "client/say.h"
@@ -8,7 +9,6 @@
 #include "dbus/contract.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -135,22 +135,18 @@ bool takeSignal(WatchState &state, const QString &signal, const QVariantList &ar
 
 QStringList rateGraph(const QList<double> &values, int width, int rows, bool hasGlyphs)
 {
-    const QString steps = hasGlyphs ? QStringLiteral(" ▁▂▃▄▅▆▇█") : QStringLiteral(" .:-=+*#@");
-    const int levels = steps.size() - 1;
     const QList<double> shown = values.mid(std::max(0, values.size() - width));
     const double peak
         = shown.isEmpty() ? 0 : *std::max_element(shown.constBegin(), shown.constEnd());
-    QStringList lines;
-    for (int row = rows - 1; row >= 0; --row) {
-        QString line(std::max(0, width - shown.size()), QLatin1Char(' '));
-        for (const double value : shown) {
-            // Something that flows is never drawn as nothing.
-            const int height = peak <= 0 ? 0 : int(std::ceil(value / peak * rows * levels));
-            line += steps.at(std::clamp(height - row * levels, 0, levels));
-        }
-        lines.append(line);
+    // Something that flows is never drawn as nothing, and nothing is not drawn.
+    Curve curve;
+    for (int column = shown.size(); column < width; ++column) {
+        curve.append(std::nullopt);
     }
-    return lines;
+    for (const double value : shown) {
+        curve.append(value > 0 ? std::optional<double>(value) : std::nullopt);
+    }
+    return bars(curve, peak, rows, hasGlyphs);
 }
 
 QStringList watchScreen(const WatchState &state, int width, int height, bool hasGlyphs)

@@ -4,36 +4,12 @@
 <context>
     <name>Say</name>
     <message>
-        <source>%1 is empty.</source>
-        <translation>%1 ist leer.</translation>
-    </message>
-    <message>
-        <source>%1 has %2 characters; more than %3 would not be recognised again.</source>
-        <translation>%1 hat %2 Zeichen; mehr als %3 würden nicht wiedererkannt.</translation>
-    </message>
-    <message>
-        <source>%1 contains a line feed.</source>
-        <translation>%1 enthält einen Zeilenumbruch.</translation>
-    </message>
-    <message>
-        <source>%1 contains a control character.</source>
-        <translation>%1 enthält ein Steuerzeichen.</translation>
-    </message>
-    <message>
-        <source>%1 contains a character that is not valid text.</source>
-        <translation>%1 enthält ein Zeichen, das kein gültiger Text ist.</translation>
-    </message>
-    <message>
         <source>Password</source>
         <translation>Passwort</translation>
     </message>
     <message>
         <source>No password was given.</source>
         <translation>Es wurde kein Passwort eingegeben.</translation>
-    </message>
-    <message>
-        <source>The password</source>
-        <translation>Das Passwort</translation>
     </message>
     <message>
         <source>Password again</source>
@@ -62,10 +38,6 @@
     <message>
         <source>Give the login: “norvixctl account set LOGIN”.</source>
         <translation>Geben Sie den Benutzernamen an: „norvixctl account set BENUTZER“.</translation>
-    </message>
-    <message>
-        <source>The login</source>
-        <translation>Der Benutzername</translation>
     </message>
     <message>
         <source>The account is stored. It counts from the next connection on.</source>
@@ -580,140 +552,52 @@
         <translation>Wiederholen Sie die Prüfung mit „sudo norvixctl doctor“.</translation>
     </message>
     <message>
-        <source>The system bus can not be reached.</source>
-        <translation>Der Systembus ist nicht erreichbar.</translation>
-    </message>
-    <message>
         <source>Start it: “sudo systemctl start dbus”.</source>
         <translation>Starten Sie ihn: „sudo systemctl start dbus“.</translation>
-    </message>
-    <message>
-        <source>The daemon is not running.</source>
-        <translation>Der Dienst läuft nicht.</translation>
     </message>
     <message>
         <source>Start it: “sudo systemctl start norvix-daemon”.</source>
         <translation>Starten Sie ihn: „sudo systemctl start norvix-daemon“.</translation>
     </message>
     <message>
-        <source>The daemon is on the bus but does not answer.</source>
-        <translation>Der Dienst ist am Bus, antwortet aber nicht.</translation>
-    </message>
-    <message>
         <source>Look at “norvixctl log”, then restart it: “sudo systemctl restart norvix-daemon”.</source>
         <translation>Sehen Sie „norvixctl log“ an, dann starten Sie ihn neu: „sudo systemctl restart norvix-daemon“.</translation>
-    </message>
-    <message>
-        <source>running and answering</source>
-        <translation>läuft und antwortet</translation>
-    </message>
-    <message>
-        <source>The companion that finds USB devices does not answer on the bus, so no modem is ever noticed.</source>
-        <translation>Der Begleitdienst, der USB-Geräte findet, antwortet nicht am Bus; so wird kein Modem bemerkt.</translation>
     </message>
     <message>
         <source>Start it: “sudo systemctl start norvix-hald”.</source>
         <translation>Starten Sie ihn: „sudo systemctl start norvix-hald“.</translation>
     </message>
     <message>
-        <source>not known without the system bus</source>
-        <translation>ohne den Systembus nicht bekannt</translation>
-    </message>
-    <message>
-        <source>/etc/dbus-1/system.d/norvix.conf is missing.</source>
-        <translation>/etc/dbus-1/system.d/norvix.conf fehlt.</translation>
-    </message>
-    <message>
         <source>Install the bus policy again and reload the bus: “sudo systemctl reload dbus”.</source>
         <translation>Installieren Sie die Busregeln neu und laden Sie den Bus neu: „sudo systemctl reload dbus“.</translation>
-    </message>
-    <message>
-        <source>installed</source>
-        <translation>installiert</translation>
-    </message>
-    <message>
-        <source>this user may use the daemon</source>
-        <translation>dieser Benutzer darf den Dienst benutzen</translation>
-    </message>
-    <message>
-        <source>not known without the daemon</source>
-        <translation>ohne den Dienst nicht bekannt</translation>
-    </message>
-    <message>
-        <source>The bus refuses this user, and there is no group “norvix”.</source>
-        <translation>Der Bus weist diesen Benutzer ab, und die Gruppe „norvix“ gibt es nicht.</translation>
     </message>
     <message>
         <source>Create the group and join it: “sudo groupadd --system norvix”, “sudo usermod -a -G norvix $USER”, then log in again.</source>
         <translation>Legen Sie die Gruppe an und treten Sie ihr bei: „sudo groupadd --system norvix“, „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
-        <source>This user is in the group “norvix”, but this session began earlier.</source>
-        <translation>Dieser Benutzer ist in der Gruppe „norvix“, aber diese Sitzung begann früher.</translation>
-    </message>
-    <message>
         <source>Log out and in again.</source>
         <translation>Melden Sie sich ab und wieder an.</translation>
-    </message>
-    <message>
-        <source>The bus refuses this user: only root and the group “norvix” may.</source>
-        <translation>Der Bus weist diesen Benutzer ab: Nur root und die Gruppe „norvix“ dürfen.</translation>
     </message>
     <message>
         <source>Join the group: “sudo usermod -a -G norvix $USER”, then log in again.</source>
         <translation>Treten Sie der Gruppe bei: „sudo usermod -a -G norvix $USER“, dann neu anmelden.</translation>
     </message>
     <message>
-        <source>No modem that the daemon knows is plugged in.</source>
-        <translation>Kein Modem, das der Dienst kennt, ist eingesteckt.</translation>
-    </message>
-    <message>
         <source>Plug it in, without a hub if you can. “norvixctl modem known” lists what is supported.</source>
         <translation>Stecken Sie es ein, möglichst ohne Verteiler. „norvixctl modem known“ zählt auf, was unterstützt wird.</translation>
-    </message>
-    <message>
-        <source>%1 is plugged in but not taken into use.</source>
-        <translation>%1 ist eingesteckt, aber nicht übernommen.</translation>
     </message>
     <message>
         <source>Unplug it, plug it in again, wait ten seconds, then: “norvixctl modem adopt”.</source>
         <translation>Ziehen Sie es ab, stecken Sie es wieder ein, warten Sie zehn Sekunden, dann: „norvixctl modem adopt“.</translation>
     </message>
     <message>
-        <source>%1 is plugged in, but the daemon does not see it.</source>
-        <translation>%1 ist eingesteckt, aber der Dienst sieht es nicht.</translation>
-    </message>
-    <message>
         <source>Unplug it and plug it in again; see the check of the companion.</source>
         <translation>Ziehen Sie es ab und stecken Sie es wieder ein; siehe die Prüfung des Begleitdienstes.</translation>
     </message>
     <message>
-        <source>%1 is plugged in</source>
-        <translation>%1 ist eingesteckt</translation>
-    </message>
-    <message>
-        <source>The driver is being built now.</source>
-        <translation>Der Treiber wird gerade gebaut.</translation>
-    </message>
-    <message>
         <source>Wait until it has finished.</source>
         <translation>Warten Sie, bis das beendet ist.</translation>
-    </message>
-    <message>
-        <source>%1 is loaded</source>
-        <translation>%1 ist geladen</translation>
-    </message>
-    <message>
-        <source>%1 is there for kernel %2</source>
-        <translation>%1 ist für Kernel %2 vorhanden</translation>
-    </message>
-    <message>
-        <source>the modules of kernel %1 can not be listed</source>
-        <translation>die Module von Kernel %1 lassen sich nicht auflisten</translation>
-    </message>
-    <message>
-        <source>There is no driver %1 for kernel %2.</source>
-        <translation>Für Kernel %2 gibt es keinen Treiber %1.</translation>
     </message>
     <message>
         <source>Install the kernel&apos;s headers and %1, with which this kernel&apos;s modules are compressed, and restart the daemon: it then builds the driver (“sudo apt install linux-headers-%2 %1”).</source>
@@ -732,160 +616,40 @@
         <translation>Legen Sie die Firmware-Dateien des Modems nach /lib/firmware (%1), ziehen Sie dann das Modem ab und stecken Sie es wieder ein.</translation>
     </message>
     <message>
-        <source>The modem still shows the id %1: it has not got its firmware.</source>
-        <translation>Das Modem zeigt noch die Kennung %1: Es hat seine Firmware nicht bekommen.</translation>
-    </message>
-    <message>
-        <source>The driver could not load the modem&apos;s firmware.</source>
-        <translation>Der Treiber konnte die Firmware des Modems nicht laden.</translation>
-    </message>
-    <message>
-        <source>none needed</source>
-        <translation>keine nötig</translation>
-    </message>
-    <message>
-        <source>/lib/firmware/%1 is missing.</source>
-        <translation>/lib/firmware/%1 fehlt.</translation>
-    </message>
-    <message>
-        <source>%1 is there</source>
-        <translation>%1 ist vorhanden</translation>
-    </message>
-    <message>
         <source>Wait a minute. If it stays so, check the telephone cable and the filter, then “norvixctl driver restart”.</source>
         <translation>Warten Sie eine Minute. Bleibt es so, prüfen Sie Telefonkabel und Splitter, dann „norvixctl driver restart“.</translation>
-    </message>
-    <message>
-        <source>The line is not up: %1.</source>
-        <translation>Die Leitung steht nicht: %1.</translation>
-    </message>
-    <message>
-        <source>synchronised</source>
-        <translation>synchronisiert</translation>
-    </message>
-    <message>
-        <source>The ATM device reports no carrier.</source>
-        <translation>Das ATM-Gerät meldet keinen Träger.</translation>
-    </message>
-    <message>
-        <source>the kernel log is not readable for this user</source>
-        <translation>das Kernelprotokoll ist für diesen Benutzer nicht lesbar</translation>
-    </message>
-    <message>
-        <source>this modem needs none</source>
-        <translation>dieses Modem braucht keine</translation>
     </message>
     <message>
         <source>Set them: “norvixctl line set --vpi 8 --vci 35 --protocol PPPoE”; “norvixctl line providers” lists common values.</source>
         <translation>Setzen Sie sie: „norvixctl line set --vpi 8 --vci 35 --protocol PPPoE“; „norvixctl line providers“ zählt übliche Werte auf.</translation>
     </message>
     <message>
-        <source>VPI, VCI and protocol are not set.</source>
-        <translation>VPI, VCI und Protokoll sind nicht gesetzt.</translation>
-    </message>
-    <message>
-        <source>PPPoE needs VPI and VCI, and one of them is not set.</source>
-        <translation>PPPoE braucht VPI und VCI, und eines davon ist nicht gesetzt.</translation>
-    </message>
-    <message>
-        <source>VPI and VCI are both 0, which no bridge accepts.</source>
-        <translation>VPI und VCI sind beide 0, was keine Brücke annimmt.</translation>
-    </message>
-    <message>
-        <source>The protocol “%1” is not known and means PPPoA.</source>
-        <translation>Das Protokoll „%1“ ist nicht bekannt und bedeutet PPPoA.</translation>
-    </message>
-    <message>
-        <source>pppd is not installed.</source>
-        <translation>pppd ist nicht installiert.</translation>
-    </message>
-    <message>
         <source>Install it: “sudo apt install ppp”.</source>
         <translation>Installieren Sie ihn: „sudo apt install ppp“.</translation>
-    </message>
-    <message>
-        <source>Kernel %1 lacks what this connection needs: %2.</source>
-        <translation>Kernel %1 fehlt, was diese Verbindung braucht: %2.</translation>
     </message>
     <message>
         <source>Install the distribution&apos;s full kernel, not one for clouds or a minimal one, and boot it: “sudo apt install linux-image-amd64”, “sudo reboot”.</source>
         <translation>Installieren Sie den vollen Kernel der Distribution, keinen für die Cloud und keinen verkleinerten, und starten Sie ihn: „sudo apt install linux-image-amd64“, „sudo reboot“.</translation>
     </message>
     <message>
-        <source>/dev/ppp does not exist.</source>
-        <translation>/dev/ppp gibt es nicht.</translation>
-    </message>
-    <message>
         <source>Load the module: “sudo modprobe ppp_generic”.</source>
         <translation>Laden Sie das Modul: „sudo modprobe ppp_generic“.</translation>
-    </message>
-    <message>
-        <source>pppd and the kernel&apos;s support are there</source>
-        <translation>pppd und die Unterstützung des Kernels sind vorhanden</translation>
-    </message>
-    <message>
-        <source>not needed for this protocol</source>
-        <translation>für dieses Protokoll nicht nötig</translation>
-    </message>
-    <message>
-        <source>%1 is missing or can not be run.</source>
-        <translation>%1 fehlt oder ist nicht ausführbar.</translation>
     </message>
     <message>
         <source>“sudo apt install br2684ctl”, then “sudo ln -s /usr/sbin/br2684ctl %1”.</source>
         <translation>„sudo apt install br2684ctl“, dann „sudo ln -s /usr/sbin/br2684ctl %1“.</translation>
     </message>
     <message>
-        <source>there</source>
-        <translation>vorhanden</translation>
-    </message>
-    <message>
-        <source>%1 is missing.</source>
-        <translation>%1 fehlt.</translation>
-    </message>
-    <message>
         <source>Create the peer file (norvix-daemon(8) shows one that works).</source>
         <translation>Legen Sie die Gegenstellendatei an (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
-    </message>
-    <message>
-        <source>%1 is not readable for this user</source>
-        <translation>%1 ist für diesen Benutzer nicht lesbar</translation>
-    </message>
-    <message>
-        <source>%1 is fine</source>
-        <translation>%1 ist in Ordnung</translation>
     </message>
     <message>
         <source>Let it be mended: “sudo norvixctl doctor --fix”.</source>
         <translation>Lassen Sie es richten: „sudo norvixctl doctor --fix“.</translation>
     </message>
     <message>
-        <source>%1 holds passwords, and others than root may read it.</source>
-        <translation>%1 enthält Passwörter, und andere als root dürfen es lesen.</translation>
-    </message>
-    <message>
-        <source>%1 is readable for root only</source>
-        <translation>%1 ist nur für root lesbar</translation>
-    </message>
-    <message>
-        <source>%1 does not begin with the account&apos;s entry: a changed password would never take effect.</source>
-        <translation>%1 beginnt nicht mit dem Eintrag des Kontos: Ein geändertes Passwort würde nie wirken.</translation>
-    </message>
-    <message>
-        <source>No account is stored yet.</source>
-        <translation>Es ist noch kein Konto gespeichert.</translation>
-    </message>
-    <message>
         <source>Set the account: “norvixctl account set”.</source>
         <translation>Setzen Sie das Konto: „norvixctl account set“.</translation>
-    </message>
-    <message>
-        <source>order and modes are right</source>
-        <translation>Reihenfolge und Rechte stimmen</translation>
-    </message>
-    <message>
-        <source>The login of the secrets is not the login of the peer file.</source>
-        <translation>Der Benutzername der Passwortdateien ist nicht der der Gegenstellendatei.</translation>
     </message>
     <message>
         <source>%1 can not be read.</source>
@@ -896,32 +660,8 @@
         <translation>Der Dienst schreibt sie bei der nächsten Verbindung.</translation>
     </message>
     <message>
-        <source>%1 names no server.</source>
-        <translation>%1 nennt keinen Server.</translation>
-    </message>
-    <message>
-        <source>Another pppd is running (%1); disconnecting ends every pppd.</source>
-        <translation>Ein anderer pppd läuft (%1); Trennen beendet jeden pppd.</translation>
-    </message>
-    <message>
         <source>End the other connection first, or do not disconnect while it is needed.</source>
         <translation>Beenden Sie zuerst die andere Verbindung, oder trennen Sie nicht, solange sie gebraucht wird.</translation>
-    </message>
-    <message>
-        <source>there is no log yet</source>
-        <translation>es gibt noch kein Protokoll</translation>
-    </message>
-    <message>
-        <source>the daemon&apos;s log is not readable for this user</source>
-        <translation>das Protokoll des Dienstes ist für diesen Benutzer nicht lesbar</translation>
-    </message>
-    <message>
-        <source>nothing to report</source>
-        <translation>nichts zu melden</translation>
-    </message>
-    <message>
-        <source>%1 (pppd: “%2”)</source>
-        <translation>%1 (pppd: „%2“)</translation>
     </message>
     <message>
         <source>Usage: %1</source>
@@ -936,24 +676,8 @@
         <translation>„norvixctl BEFEHL --help“ erklärt einen Befehl, norvixctl(1) alle.</translation>
     </message>
     <message>
-        <source>synchronised, %1 kbit/s down, %2 kbit/s up</source>
-        <translation>synchronisiert, %1 kbit/s Empfang, %2 kbit/s Senden</translation>
-    </message>
-    <message>
-        <source>synchronising</source>
-        <translation>synchronisiert sich</translation>
-    </message>
-    <message>
-        <source>modem is starting</source>
-        <translation>das Modem startet</translation>
-    </message>
-    <message>
         <source>down</source>
         <translation>Empfang</translation>
-    </message>
-    <message>
-        <source>the modem&apos;s firmware could not be loaded</source>
-        <translation>die Firmware des Modems konnte nicht geladen werden</translation>
     </message>
     <message>
         <source>“norvixctl --help” lists the commands and “norvixctl COMMAND --help” the options of one.</source>
@@ -968,38 +692,6 @@
         <translation>„%1“ braucht ein weiteres Wort.</translation>
     </message>
     <message>
-        <source>“plugin pppoe.so” is missing, which PPPoE needs.</source>
-        <translation>„plugin pppoe.so“ fehlt, das PPPoE braucht.</translation>
-    </message>
-    <message>
-        <source>“nic-nas0” is missing, the interface that PPPoE uses.</source>
-        <translation>„nic-nas0“ fehlt, die Schnittstelle, die PPPoE benutzt.</translation>
-    </message>
-    <message>
-        <source>“plugin pppoatm.so” is missing, which PPPoA needs.</source>
-        <translation>„plugin pppoatm.so“ fehlt, das PPPoA braucht.</translation>
-    </message>
-    <message>
-        <source>The circuit “%1” of the line settings does not stand in it; for PPPoA the peer file decides.</source>
-        <translation>„%1“ aus den Leitungseinstellungen steht nicht darin; bei PPPoA entscheidet die Gegenstellendatei.</translation>
-    </message>
-    <message>
-        <source>“updetach” is missing: without it pppd goes to the background at once and the daemon never learns what becomes of the connection.</source>
-        <translation>„updetach“ fehlt: Ohne es geht pppd sofort in den Hintergrund, und der Dienst erfährt nie, was aus der Verbindung wird.</translation>
-    </message>
-    <message>
-        <source>“noipv6” is missing: with “updetach” alone pppd may detach before it has told the address.</source>
-        <translation>„noipv6“ fehlt: Mit „updetach“ allein löst sich pppd vielleicht, bevor er die Adresse genannt hat.</translation>
-    </message>
-    <message>
-        <source>“logfile” takes pppd&apos;s lines away from the daemon.</source>
-        <translation>„logfile“ nimmt dem Dienst die Zeilen von pppd weg.</translation>
-    </message>
-    <message>
-        <source>“noauth” is missing: pppd would demand that the provider authenticates itself.</source>
-        <translation>„noauth“ fehlt: pppd würde verlangen, dass sich der Anbieter ausweist.</translation>
-    </message>
-    <message>
         <source>There is no “user” line: set the account with “norvixctl account set”.</source>
         <translation>Es gibt keine Zeile „user“: Setzen Sie das Konto mit „norvixctl account set“.</translation>
     </message>
@@ -1008,16 +700,8 @@
         <translation>%1 kann nicht geschrieben werden.</translation>
     </message>
     <message>
-        <source>%1 now begins with the account&apos;s entry.</source>
-        <translation>%1 beginnt nun mit dem Eintrag des Kontos.</translation>
-    </message>
-    <message>
         <source>The mode of %1 can not be changed.</source>
         <translation>Die Rechte von %1 lassen sich nicht ändern.</translation>
-    </message>
-    <message>
-        <source>%1 is now readable for root only.</source>
-        <translation>%1 ist nun nur für root lesbar.</translation>
     </message>
     <message>
         <source>%1 is not a valid settings file.</source>
@@ -1026,26 +710,6 @@
     <message>
         <source>%1 can not be written by you. Repeat the command with “sudo”.</source>
         <translation>%1 dürfen Sie nicht schreiben. Wiederholen Sie den Befehl mit „sudo“.</translation>
-    </message>
-    <message>
-        <source>success</source>
-        <translation>gelungen</translation>
-    </message>
-    <message>
-        <source>failed</source>
-        <translation>misslungen</translation>
-    </message>
-    <message>
-        <source>connected</source>
-        <translation>verbunden</translation>
-    </message>
-    <message>
-        <source>connecting</source>
-        <translation>wird verbunden</translation>
-    </message>
-    <message>
-        <source>not connected</source>
-        <translation>nicht verbunden</translation>
     </message>
     <message>
         <source>the daemon is not running</source>
@@ -1248,252 +912,40 @@
         <translation>Zeilen der Form Schlüssel=Wert oder mit Tabulatoren getrennte Spalten ausgeben</translation>
     </message>
     <message>
-        <source>Device companion</source>
-        <translation>Begleitdienst</translation>
-    </message>
-    <message>
-        <source>Bus policy</source>
-        <translation>Busregeln</translation>
-    </message>
-    <message>
-        <source>Bus permission</source>
-        <translation>Busrecht</translation>
-    </message>
-    <message>
-        <source>Firmware</source>
-        <translation>Firmware</translation>
-    </message>
-    <message>
-        <source>Line settings</source>
-        <translation>Leitungswerte</translation>
-    </message>
-    <message>
-        <source>PPP</source>
-        <translation>PPP</translation>
-    </message>
-    <message>
-        <source>Bridge program</source>
-        <translation>Brückenprogramm</translation>
-    </message>
-    <message>
-        <source>Peer file</source>
-        <translation>Gegenstelle</translation>
-    </message>
-    <message>
-        <source>Account files</source>
-        <translation>Kontodateien</translation>
-    </message>
-    <message>
-        <source>Resolver</source>
-        <translation>Namensauflösung</translation>
-    </message>
-    <message>
-        <source>Other pppd</source>
-        <translation>Andere pppd</translation>
-    </message>
-    <message>
-        <source>Last attempt</source>
-        <translation>Letzter Versuch</translation>
-    </message>
-    <message>
-        <source>pppd did not find the peer file.</source>
-        <translation>pppd hat die Gegenstellendatei nicht gefunden.</translation>
-    </message>
-    <message>
-        <source>The bridge interface did not exist when pppd started.</source>
-        <translation>Die Schnittstelle der Brücke fehlte, als pppd begann.</translation>
-    </message>
-    <message>
         <source>Check VPI and VCI (“norvixctl line show”) and the bridge program.</source>
         <translation>Prüfen Sie VPI und VCI („norvixctl line show“) und das Brückenprogramm.</translation>
-    </message>
-    <message>
-        <source>pppd does not know an option that it was given.</source>
-        <translation>pppd kennt eine Option nicht, die ihm gegeben wurde.</translation>
     </message>
     <message>
         <source>Correct the peer file or the key pppd_arguments of the settings.</source>
         <translation>Berichtigen Sie die Gegenstellendatei oder den Schlüssel pppd_arguments der Einstellungen.</translation>
     </message>
     <message>
-        <source>No concentrator of the provider answered.</source>
-        <translation>Kein Konzentrator des Anbieters hat geantwortet.</translation>
-    </message>
-    <message>
         <source>Check VPI, VCI and protocol with the provider&apos;s letter: “norvixctl line set”.</source>
         <translation>Prüfen Sie VPI, VCI und Protokoll am Schreiben des Anbieters: „norvixctl line set“.</translation>
-    </message>
-    <message>
-        <source>There is no ATM device: the modem or its driver is missing.</source>
-        <translation>Es gibt kein ATM-Gerät: Das Modem oder sein Treiber fehlt.</translation>
     </message>
     <message>
         <source>Plug the modem in; “norvixctl driver” shows the driver.</source>
         <translation>Stecken Sie das Modem ein; „norvixctl driver“ zeigt den Treiber.</translation>
     </message>
     <message>
-        <source>The provider refused login or password.</source>
-        <translation>Der Anbieter hat Benutzername oder Passwort abgelehnt.</translation>
-    </message>
-    <message>
         <source>Set them again: “norvixctl account set”.</source>
         <translation>Setzen Sie beides neu: „norvixctl account set“.</translation>
-    </message>
-    <message>
-        <source>pppd demanded that the provider authenticates itself.</source>
-        <translation>pppd hat verlangt, dass sich der Anbieter ausweist.</translation>
     </message>
     <message>
         <source>Add the line “noauth” to the peer file.</source>
         <translation>Fügen Sie der Gegenstellendatei die Zeile „noauth“ hinzu.</translation>
     </message>
     <message>
-        <source>No password is stored for the login that the peer file names.</source>
-        <translation>Für den Benutzernamen der Gegenstellendatei ist kein Passwort gespeichert.</translation>
-    </message>
-    <message>
-        <source>The far end did not answer the PPP negotiation.</source>
-        <translation>Die Gegenstelle hat auf die PPP-Aushandlung nicht geantwortet.</translation>
-    </message>
-    <message>
-        <source>The far end stopped answering: the line was lost.</source>
-        <translation>Die Gegenstelle antwortet nicht mehr: Die Leitung ging verloren.</translation>
-    </message>
-    <message>
         <source>Wait for the line to come back, then connect again.</source>
         <translation>Warten Sie, bis die Leitung wieder steht, und verbinden Sie dann neu.</translation>
-    </message>
-    <message>
-        <source>The provider ended the connection.</source>
-        <translation>Der Anbieter hat die Verbindung beendet.</translation>
     </message>
     <message>
         <source>Connect again: “norvixctl connect”.</source>
         <translation>Verbinden Sie neu: „norvixctl connect“.</translation>
     </message>
     <message>
-        <source>The link was hung up.</source>
-        <translation>Die Strecke wurde getrennt.</translation>
-    </message>
-    <message>
-        <source>pppd was told to end.</source>
-        <translation>pppd wurde beendet.</translation>
-    </message>
-    <message>
-        <source>The connection ended.</source>
-        <translation>Die Verbindung endete.</translation>
-    </message>
-    <message>
-        <source>The link came up.</source>
-        <translation>Die Verbindung kam zustande.</translation>
-    </message>
-    <message>
-        <source>speed: %1 down, %2 up</source>
-        <translation>Geschwindigkeit: %1 Empfang, %2 Senden</translation>
-    </message>
-    <message>
-        <source>totals: %1 received, %2 sent</source>
-        <translation>Mengen: %1 empfangen, %2 gesendet</translation>
-    </message>
-    <message>
-        <source>address: %1</source>
-        <translation>Adresse: %1</translation>
-    </message>
-    <message>
-        <source>default route: through %1</source>
-        <translation>Standardroute: über %1</translation>
-    </message>
-    <message>
-        <source>connected for %1</source>
-        <translation>verbunden seit %1</translation>
-    </message>
-    <message>
-        <source>modem plugged: %1</source>
-        <translation>Modem eingesteckt: %1</translation>
-    </message>
-    <message>
-        <source>new modem plugged: %1</source>
-        <translation>neues Modem eingesteckt: %1</translation>
-    </message>
-    <message>
-        <source>There is no “user” line.</source>
-        <translation>Es gibt keine Zeile „user“.</translation>
-    </message>
-    <message>
         <source>new modem plugged: %1 – “norvixctl modem adopt” takes it into use</source>
         <translation>neues Modem eingesteckt: %1 – „norvixctl modem adopt“ übernimmt es</translation>
-    </message>
-    <message>
-        <source>modem unplugged</source>
-        <translation>Modem abgezogen</translation>
-    </message>
-    <message>
-        <source>new modem unplugged</source>
-        <translation>neues Modem abgezogen</translation>
-    </message>
-    <message>
-        <source>resolver configuration is wrong</source>
-        <translation>Einstellung der Namensauflösung ist falsch</translation>
-    </message>
-    <message>
-        <source>writing the OpenDNS resolvers: %1</source>
-        <translation>Eintragen der OpenDNS-Server: %1</translation>
-    </message>
-    <message>
-        <source>connection established</source>
-        <translation>Verbindung steht</translation>
-    </message>
-    <message>
-        <source>connection terminated</source>
-        <translation>Verbindung beendet</translation>
-    </message>
-    <message>
-        <source>a new connection can be started: %1</source>
-        <translation>eine neue Verbindung kann beginnen: %1</translation>
-    </message>
-    <message>
-        <source>connection state: %1</source>
-        <translation>Verbindungszustand: %1</translation>
-    </message>
-    <message>
-        <source>time-out: the provider does not answer</source>
-        <translation>Zeitüberschreitung: der Anbieter antwortet nicht</translation>
-    </message>
-    <message>
-        <source>restarting the modem</source>
-        <translation>Modem wird neu gestartet</translation>
-    </message>
-    <message>
-        <source>modem driver reloaded</source>
-        <translation>Treiber des Modems neu geladen</translation>
-    </message>
-    <message>
-        <source>account written: %1</source>
-        <translation>Konto geschrieben: %1</translation>
-    </message>
-    <message>
-        <source>building the modem&apos;s driver</source>
-        <translation>Treiber des Modems wird gebaut</translation>
-    </message>
-    <message>
-        <source>driver build finished: %1</source>
-        <translation>Bau des Treibers beendet: %1</translation>
-    </message>
-    <message>
-        <source>waiting for the line to synchronise</source>
-        <translation>warten auf die Synchronisation der Leitung</translation>
-    </message>
-    <message>
-        <source>the line did not synchronise</source>
-        <translation>die Leitung hat sich nicht synchronisiert</translation>
-    </message>
-    <message>
-        <source>the provider refused login or password</source>
-        <translation>der Anbieter hat Benutzername oder Passwort abgelehnt</translation>
-    </message>
-    <message>
-        <source>no synchronisation</source>
-        <translation>keine Synchronisation</translation>
     </message>
     <message>
         <source>%1 is plugged in, but the daemon does not see it: “norvixctl doctor”</source>
@@ -1516,28 +968,12 @@
         <translation>„sudo norvixctl doctor --fix“ setzt die mitgelieferte an die Stelle einer, die niemand verändert hat; sonst selbst berichtigen (norvix-daemon(8) zeigt eine, die funktioniert).</translation>
     </message>
     <message>
-        <source>%1 is now the one for this modem and protocol.</source>
-        <translation>%1 ist jetzt die für dieses Modem und Protokoll.</translation>
-    </message>
-    <message>
         <source>The daemon still connects. Repeat the command, or look at “norvixctl log”.</source>
         <translation>Der Dienst verbindet noch. Den Befehl wiederholen, oder in „norvixctl log“ nachsehen.</translation>
     </message>
     <message>
         <source>A connection is still being made: it can be ended for good only when the line is up or has failed. Waiting for that…</source>
         <translation>Eine Verbindung wird noch aufgebaut: Endgültig beendet werden kann sie erst, wenn die Leitung steht oder ausgefallen ist. Warten darauf …</translation>
-    </message>
-    <message>
-        <source>%1 has %2 characters in pppd&apos;s files, where a double quote and a backslash take up to four; more than %3 would not be recognised again.</source>
-        <translation>%1 hat in pppds Dateien %2 Zeichen, denn ein Anführungszeichen und ein Rückstrich nehmen dort bis zu vier ein; mehr als %3 würden nicht wiedererkannt.</translation>
-    </message>
-    <message>
-        <source>%1 begins with “@/”, which pppd takes for the name of a file.</source>
-        <translation>%1 beginnt mit „@/“, was pppd für den Namen einer Datei hält.</translation>
-    </message>
-    <message>
-        <source>Login and password make a line of %1 bytes; more than %2 would not be recognised again.</source>
-        <translation>Benutzername und Passwort ergeben eine Zeile von %1 Byte; mehr als %2 würden nicht wiedererkannt.</translation>
     </message>
     <message>
         <source>The peer files that are shipped in /opt/norvix/share/peers are missing, too: install norvix again, or write this one by hand (norvix-daemon(8) shows one that works).</source>
@@ -1560,116 +996,287 @@
         <translation>Der Dienst konnte es nicht speichern: %1.</translation>
     </message>
     <message>
-        <source>nobody wants the connection</source>
-        <translation>niemand will die Verbindung</translation>
+        <source>Keeps</source>
+        <translation>Wacht</translation>
     </message>
     <message>
-        <source>switched off</source>
-        <translation>abgeschaltet</translation>
+        <source>Show how good the line has been</source>
+        <translation>Zeigen, wie gut die Leitung war</translation>
     </message>
     <message>
-        <source>waiting for the next attempt</source>
-        <translation>wartet auf den nächsten Versuch</translation>
+        <source>of so many of the last days (1 by default)</source>
+        <translation>so viele der letzten Tage (sonst 1)</translation>
     </message>
     <message>
-        <source>waiting for the modem</source>
-        <translation>wartet auf das Modem</translation>
+        <source>Show or set whether a lost connection is brought back</source>
+        <translation>Zeigen oder setzen, ob eine verlorene Verbindung wiederkommt</translation>
     </message>
     <message>
-        <source>waiting for the modem&apos;s driver, which is being built</source>
-        <translation>wartet auf den Treiber des Modems, der gerade gebaut wird</translation>
+        <source>Show past connections, why they ended, and failed attempts</source>
+        <translation>Frühere Verbindungen, die Gründe ihres Endes und gescheiterte Versuche zeigen</translation>
     </message>
     <message>
-        <source>waiting for the modem, which is being restarted</source>
-        <translation>wartet auf das Modem, das gerade neu gestartet wird</translation>
+        <source>only so many of the newest (20 by default)</source>
+        <translation>nur so viele der neuesten (sonst 20)</translation>
     </message>
     <message>
-        <source>waiting for the daemon</source>
-        <translation>wartet auf den Dienst</translation>
+        <source>Show the traffic by day, and set its limit</source>
+        <translation>Den Verkehr je Tag zeigen und seine Grenze setzen</translation>
     </message>
     <message>
-        <source>waiting until the settings are corrected</source>
-        <translation>wartet, bis die Einstellungen berichtigt sind</translation>
+        <source>by billing month instead</source>
+        <translation>stattdessen je Abrechnungsmonat</translation>
     </message>
     <message>
-        <source>asleep, like the computer</source>
-        <translation>schläft, wie der Rechner</translation>
+        <source>only so many of the newest (14 by default)</source>
+        <translation>nur so viele der neuesten (sonst 14)</translation>
     </message>
     <message>
-        <source>The provider hung up.</source>
-        <translation>Der Anbieter hat aufgelegt.</translation>
+        <source>set the limit of a billing month, such as 50GB, or “off”; it only warns</source>
+        <translation>die Grenze eines Abrechnungsmonats setzen, etwa 50GB, oder „off“; sie warnt nur</translation>
     </message>
     <message>
-        <source>The provider fell silent: nothing came over the line.</source>
-        <translation>Der Anbieter ist verstummt: Über die Leitung kam nichts mehr.</translation>
+        <source>set the day on which a billing month begins</source>
+        <translation>den Tag setzen, an dem ein Abrechnungsmonat beginnt</translation>
     </message>
     <message>
-        <source>The line lost its synchronisation.</source>
-        <translation>Die Leitung hat ihre Synchronisation verloren.</translation>
+        <source>It is still up.</source>
+        <translation>Sie steht noch.</translation>
     </message>
     <message>
-        <source>The bridge interface to the line was gone.</source>
-        <translation>Die Brückenschnittstelle zur Leitung war fort.</translation>
+        <source>The provider hung up, as it does every day: nothing is wrong.</source>
+        <translation>Der Anbieter hat aufgelegt, wie jeden Tag: Das ist kein Fehler.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n failed attempt(s).</source>
+        <translation>
+            <numerusform>%n gescheiterter Versuch.</numerusform>
+            <numerusform>%n gescheiterte Versuche.</numerusform>
+        </translation>
     </message>
     <message>
-        <source>The modem was unplugged.</source>
-        <translation>Das Modem wurde ausgesteckt.</translation>
+        <source>Began</source>
+        <translation>Beginn</translation>
     </message>
     <message>
-        <source>The modem&apos;s driver was reloaded.</source>
-        <translation>Der Treiber des Modems wurde neu geladen.</translation>
+        <source>Lasted</source>
+        <translation>Dauer</translation>
     </message>
     <message>
-        <source>Somebody ended the connection.</source>
-        <translation>Jemand hat die Verbindung beendet.</translation>
+        <source>What became of it</source>
+        <translation>Was daraus wurde</translation>
     </message>
     <message>
-        <source>The computer went to sleep.</source>
-        <translation>Der Rechner ist schlafen gegangen.</translation>
+        <source>Nothing has been connected yet.</source>
+        <translation>Noch nie war etwas verbunden.</translation>
     </message>
     <message>
-        <source>The provider hung up before the link was up.</source>
-        <translation>Der Anbieter hat aufgelegt, bevor die Verbindung stand.</translation>
+        <source>A connection that is wanted is kept from now on.</source>
+        <translation>Eine gewünschte Verbindung wird ab jetzt gehalten.</translation>
     </message>
     <message>
-        <source>The line did not synchronise.</source>
-        <translation>Die Leitung hat sich nicht synchronisiert.</translation>
+        <source>Nothing is kept from now on: a connection that is lost stays lost.</source>
+        <translation>Ab jetzt wird nichts gehalten: Eine verlorene Verbindung bleibt verloren.</translation>
     </message>
     <message>
-        <source>VPI and VCI are not set.</source>
-        <translation>VPI und VCI sind nicht gesetzt.</translation>
+        <source>--days takes a whole number of days from 1 to %1.</source>
+        <translation>--days verlangt eine ganze Zahl von Tagen von 1 bis %1.</translation>
     </message>
     <message>
-        <source>The daemon was still busy with an earlier attempt.</source>
-        <translation>Der Dienst war noch mit einem früheren Versuch beschäftigt.</translation>
+        <source>Nothing is known of the line in this time. It is looked at once a minute while a connection is up.</source>
+        <translation>Über die Leitung ist aus dieser Zeit nichts bekannt. Nach ihr wird jede Minute gesehen, solange eine Verbindung steht.</translation>
     </message>
     <message>
-        <source>The daemon did not take the request.</source>
-        <translation>Der Dienst hat den Auftrag nicht angenommen.</translation>
+        <source>The stored idle time (%1) is not honoured: the keeper keeps a connection that is wanted, used or not.</source>
+        <translation>Die gespeicherte Ruhezeit (%1) wird nicht beachtet: Der Wächter hält eine gewünschte Verbindung, ob benutzt oder nicht.</translation>
     </message>
     <message>
-        <source>The link of another program stands in the way.</source>
-        <translation>Die Verbindung eines anderen Programms steht im Weg.</translation>
+        <source>There is no limit any more.</source>
+        <translation>Es gibt keine Grenze mehr.</translation>
     </message>
     <message>
-        <source>The reason is not known.</source>
-        <translation>Der Grund ist nicht bekannt.</translation>
+        <source>The limit is %1 in a billing month. It warns and ends no connection.</source>
+        <translation>Die Grenze ist %1 im Abrechnungsmonat. Sie warnt und beendet keine Verbindung.</translation>
     </message>
     <message>
-        <source>The history was damaged; a new one was begun.</source>
-        <translation>Der Verlauf war beschädigt; ein neuer wurde begonnen.</translation>
+        <source>A billing month begins on day %1 from now on.</source>
+        <translation>Ein Abrechnungsmonat beginnt von nun an am Tag %1.</translation>
     </message>
     <message>
-        <source>The history is of a newer version of the keeper; nothing is written into it.</source>
-        <translation>Der Verlauf stammt von einer neueren Fassung des Wächters; nichts wird hineingeschrieben.</translation>
+        <source>Billing month</source>
+        <translation>Abrechnungsmonat</translation>
     </message>
     <message>
-        <source>The history can not be written.</source>
-        <translation>Der Verlauf kann nicht geschrieben werden.</translation>
+        <source>Day</source>
+        <translation>Tag</translation>
     </message>
     <message>
-        <source>waiting for the line</source>
-        <translation>wartet auf die Leitung</translation>
+        <source>Together</source>
+        <translation>Zusammen</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <translation>%1 bis %2</translation>
+    </message>
+    <message>
+        <source>No traffic has been counted yet.</source>
+        <translation>Noch ist kein Verkehr gezählt.</translation>
+    </message>
+    <message>
+        <source>--limit takes a number with its unit, such as 50GB, or “off”.</source>
+        <translation>--limit verlangt eine Zahl mit Einheit, etwa 50GB, oder „off“.</translation>
+    </message>
+    <message>
+        <source>--billing-day takes a whole number from 1 to 31.</source>
+        <translation>--billing-day verlangt eine ganze Zahl von 1 bis 31.</translation>
+    </message>
+    <message>
+        <source>The keeper is not installed: “sudo apt install norvix-keeper”.</source>
+        <translation>Der Wächter ist nicht installiert: „sudo apt install norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper is not running. Start it with “sudo systemctl start norvix-keeper”.</source>
+        <translation>Der Wächter läuft nicht. Starten Sie ihn mit „sudo systemctl start norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper does not answer. Restart it with “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Der Wächter antwortet nicht. Starten Sie ihn neu: „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>The keeper refuses this: %1.</source>
+        <translation>Der Wächter lehnt das ab: %1.</translation>
+    </message>
+    <message>
+        <source>The keeper&apos;s answer is not understood: it may be of another version.</source>
+        <translation>Die Antwort des Wächters ist nicht zu verstehen: Er kann von einer anderen Fassung sein.</translation>
+    </message>
+    <message>
+        <source>The keeper answered with an error: %1</source>
+        <translation>Der Wächter antwortete mit einem Fehler: %1</translation>
+    </message>
+    <message>
+        <source>not installed</source>
+        <translation>nicht installiert</translation>
+    </message>
+    <message>
+        <source>Wanted</source>
+        <translation>Gewünscht</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Grund</translation>
+    </message>
+    <message>
+        <source>Next attempt</source>
+        <translation>Nächster Versuch</translation>
+    </message>
+    <message>
+        <source>Failed attempts</source>
+        <translation>Gescheiterte Versuche</translation>
+    </message>
+    <message>
+        <source>Other links</source>
+        <translation>Andere Verbindungen</translation>
+    </message>
+    <message>
+        <source>The traffic of the billing month has reached the limit.</source>
+        <translation>Der Verkehr des Abrechnungsmonats hat die Grenze erreicht.</translation>
+    </message>
+    <message>
+        <source>Synchronised</source>
+        <translation>Synchronisiert</translation>
+    </message>
+    <message>
+        <source>Margin down</source>
+        <translation>Reserve im Empfang</translation>
+    </message>
+    <message>
+        <source>Margin up</source>
+        <translation>Reserve beim Senden</translation>
+    </message>
+    <message>
+        <source>Rate down</source>
+        <translation>Rate im Empfang</translation>
+    </message>
+    <message>
+        <source>Rate up</source>
+        <translation>Rate beim Senden</translation>
+    </message>
+    <message>
+        <source>Errors down</source>
+        <translation>Fehler im Empfang</translation>
+    </message>
+    <message>
+        <source>Errors up</source>
+        <translation>Fehler beim Senden</translation>
+    </message>
+    <message>
+        <source>%1: %2 in all</source>
+        <translation>%1: %2 insgesamt</translation>
+    </message>
+    <message>
+        <source>%1: last %2, lowest %3, highest %4</source>
+        <translation>%1: zuletzt %2, mindestens %3, höchstens %4</translation>
+    </message>
+    <message>
+        <source>Choose: end the connection of %1, then disconnect and connect again; or keep both and prefer this one: “sudo ip route add default dev %2”.</source>
+        <translation>Wählen Sie: Beenden Sie die Verbindung von %1, trennen und verbinden Sie dann neu; oder behalten Sie beide und ziehen Sie diese vor: „sudo ip route add default dev %2“.</translation>
+    </message>
+    <message>
+        <source>End the connection of %1, then disconnect and connect again.</source>
+        <translation>Beenden Sie die Verbindung von %1, trennen und verbinden Sie dann neu.</translation>
+    </message>
+    <message>
+        <source>Disconnect and connect again, or set it: “sudo ip route add default dev %1”. The peer file should have the line “defaultroute”.</source>
+        <translation>Trennen und verbinden Sie neu, oder setzen Sie sie: „sudo ip route add default dev %1“. Die Peer-Datei sollte die Zeile „defaultroute“ haben.</translation>
+    </message>
+    <message>
+        <source>Whichever connection comes up last writes them: connect the one again that you want to use.</source>
+        <translation>Die Verbindung, die zuletzt kommt, schreibt sie: Verbinden Sie die neu, die Sie benutzen wollen.</translation>
+    </message>
+    <message>
+        <source>Install it again: “sudo apt install --reinstall norvix-daemon”.</source>
+        <translation>Installieren Sie sie neu: „sudo apt install --reinstall norvix-daemon“.</translation>
+    </message>
+    <message>
+        <source>Give %1 another name, so that it no longer hides what is shipped.</source>
+        <translation>Geben Sie %1 einen anderen Namen, damit sie die mitgelieferte nicht mehr verdeckt.</translation>
+    </message>
+    <message>
+        <source>“sudo systemctl reload NetworkManager”, then disconnect and connect again.</source>
+        <translation>„sudo systemctl reload NetworkManager“, dann trennen und neu verbinden.</translation>
+    </message>
+    <message>
+        <source>Leave them out of your own files in /etc/systemd/network that sort before 10-norvix.network; then “sudo networkctl reload”, disconnect and connect again.</source>
+        <translation>Nehmen Sie sie aus Ihren eigenen Dateien in /etc/systemd/network heraus, die vor 10-norvix.network kommen; dann „sudo networkctl reload“, trennen und neu verbinden.</translation>
+    </message>
+    <message>
+        <source>Install it again: “sudo apt install --reinstall resolvconf”, or openresolv if that is it.</source>
+        <translation>Installieren Sie es neu: „sudo apt install --reinstall resolvconf“, oder openresolv, wenn es das ist.</translation>
+    </message>
+    <message>
+        <source>Install it: “sudo apt install norvix-keeper”.</source>
+        <translation>Installieren Sie ihn: „sudo apt install norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Start it: “sudo systemctl enable --now norvix-keeper”.</source>
+        <translation>Starten Sie ihn: „sudo systemctl enable --now norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Restart it: “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Starten Sie ihn neu: „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Install its bus policy again and reload the bus: “sudo apt install --reinstall norvix-keeper”, “sudo systemctl reload dbus”.</source>
+        <translation>Installieren Sie seine Busregeln neu und laden Sie den Bus neu: „sudo apt install --reinstall norvix-keeper“, „sudo systemctl reload dbus“.</translation>
+    </message>
+    <message>
+        <source>It must be in the group norvix: “sudo usermod -a -G norvix norvix-keeper”, “sudo systemctl restart norvix-keeper”.</source>
+        <translation>Er muss in der Gruppe norvix sein: „sudo usermod -a -G norvix norvix-keeper“, „sudo systemctl restart norvix-keeper“.</translation>
+    </message>
+    <message>
+        <source>Keeper</source>
+        <translation>Wächter</translation>
     </message>
 </context>
 </TS>

@@ -10,5 +10,12 @@
             <numerusform>%n things stop a connection. Begin with the first.</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%n failed attempt(s).</source>
+        <translation>
+            <numerusform>%n failed attempt.</numerusform>
+            <numerusform>%n failed attempts.</numerusform>
+        </translation>
+    </message>
 </context>
 </TS>

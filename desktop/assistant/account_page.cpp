@@ -46,8 +46,9 @@ AccountPage::AccountPage(Controller &controller, Draft &draft, QWidget *parent)
 void AccountPage::setOnScreen(bool isOnScreen)
 {
     if (isOnScreen) {
-        m_login->setText(draft().login);
-        m_password->setText(draft().password);
+        const Draft entered = draft(); // each field tells both when it changes
+        m_login->setText(entered.login);
+        m_password->setText(entered.password);
         m_login->setFocus();
     }
 }

@@ -108,7 +108,8 @@ void ConnectPage::refresh()
     for (int row = 0; row < stageCount; ++row) {
         const Progress progress = m_progress.stages.at(size_t(row));
         m_stages[row].mark->setText(glyphOf(progress));
-        m_stages[row].mark->setAccessibleName(progressText(progress));
+        m_stages[row].title->setAccessibleName(
+            QStringLiteral("%1: %2").arg(stageTitle(ConnectStage(row)), progressText(progress)));
         m_stages[row].progress->setText(progressText(progress));
     }
     if (m_progress.isConnected) {

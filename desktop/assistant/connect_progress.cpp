@@ -67,6 +67,10 @@ std::optional<Setback> setbackOf(const ConnectionModel &model)
     if (model.daemon != DaemonPresence::There) {
         return std::nullopt;
     }
+    if (model.trouble != Trouble::None && model.isModemPlugged == false) {
+        return Setback{
+            ConnectStage::Line, toStep(AssistantStep::Modem, Say::tr("Back to the modem"))};
+    }
     switch (model.trouble) {
     case Trouble::LineNotSynchronised:
         return Setback{ConnectStage::Line, deedOf({RemedyKind::WaitForLine, {}})};

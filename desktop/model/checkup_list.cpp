@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/model/checkup_list.h"
 
+#include "client/redaction.h"
 #include "client/say.h"
 
-#include <QRegularExpression>
 #include <algorithm>
 
 namespace desktop {
@@ -114,21 +114,7 @@ QString checkupReport(const QList<Finding> &findings, const QStringList &logins)
                          .arg(checkTitle(finding.check), verdictText(finding.verdict),
                              findingText(finding)));
     }
-    QString report = lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
-    static const QRegularExpression said(
-        QStringLiteral(
-            "\\b(user|name|login|password|secret)(\\s*[= ]\\s*)(\"[^\"\\n]*\"|<[^>\\n]*>)"),
-        QRegularExpression::CaseInsensitiveOption);
-    report.replace(said, QStringLiteral("\\1\\2…"));
-    for (const QString &login : logins) {
-        if (!login.isEmpty()) {
-            report.replace(
-                QRegularExpression(
-                    QStringLiteral("(?<!\\w)%1(?!\\w)").arg(QRegularExpression::escape(login))),
-                QStringLiteral("…"));
-        }
-    }
-    return report;
+    return withoutAccount(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'), logins);
 }
 
 } // namespace desktop

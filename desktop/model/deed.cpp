@@ -18,9 +18,9 @@ Deed showHow(const QString &how, const QStringList &commands = {})
 }
 
 /// Where a person weighs one thing against another.
-Deed showChoice(const QString &how)
+Deed showChoice(const QString &how, const QStringList &commands = {})
 {
-    Deed deed = showHow(how);
+    Deed deed = showHow(how, commands);
     deed.button = Say::tr("How to choose…");
     return deed;
 }
@@ -222,6 +222,55 @@ Deed deedOf(const Remedy &remedy)
         return showChoice(Say::tr("Another program uses PPP, for example for a mobile modem or a "
                                   "tunnel. Disconnecting here ends its connection, too. End it "
                                   "first, or do not disconnect while you need it."));
+    case RemedyKind::ChooseRoute:
+        return showChoice(Say::tr("Internet traffic goes through %1. End that connection, then "
+                                  "disconnect and connect here again; or keep both and prefer "
+                                  "this line by the command below.")
+                              .arg(detail.section(QLatin1Char(' '), 0, 0)),
+            {QStringLiteral("sudo ip route add default dev ")
+                + detail.section(QLatin1Char(' '), 1)});
+    case RemedyKind::EndOtherRoute:
+        return showChoice(Say::tr("Internet traffic goes through %1. End that connection, then "
+                                  "disconnect and connect here again.")
+                              .arg(detail));
+    case RemedyKind::SetRoute:
+        return showHow(Say::tr("Disconnect and connect again, or set the route by hand."),
+            {QStringLiteral("sudo ip route add default dev ") + detail});
+    case RemedyKind::ChooseServers:
+        return showChoice(Say::tr("Whichever connection comes up last writes the name servers: "
+                                  "connect the one again that you want to use."));
+    case RemedyKind::InstallNeighbourFile:
+        return showHow(Say::tr("Install the daemon's package again."),
+            {QStringLiteral("sudo apt install --reinstall norvix-daemon")});
+    case RemedyKind::RemoveOverride:
+        return showChoice(
+            Say::tr("Somebody's file %1 hides what is shipped. Give it another name.").arg(detail));
+    case RemedyKind::ReloadNetworkManager:
+        return showHow(
+            Say::tr("Have NetworkManager read its settings, then disconnect and connect again."),
+            {QStringLiteral("sudo systemctl reload NetworkManager")});
+    case RemedyKind::ReloadNetworkd:
+        return showHow(Say::tr("Leave the modem's interfaces out of your own files in "
+                               "/etc/systemd/network that sort before 10-norvix.network; then "
+                               "have them read, and disconnect and connect again."),
+            {QStringLiteral("sudo networkctl reload")});
+    case RemedyKind::InstallResolvconfHook:
+        return showHow(Say::tr("Install resolvconf again, or openresolv if that is it."),
+            {QStringLiteral("sudo apt install --reinstall resolvconf")});
+    case RemedyKind::InstallKeeper:
+        return installFromDistribution(
+            Say::tr("Install the keeper."), QStringLiteral("norvix-keeper"));
+    case RemedyKind::StartKeeper:
+    case RemedyKind::RestartKeeper:
+        return withRights(Verb::StartKeeper, Say::tr("Start it…"), Say::tr("Start the keeper."));
+    case RemedyKind::InstallKeeperPolicy:
+        return showHow(Say::tr("Install the keeper's package again, and have the bus read it."),
+            {QStringLiteral("sudo apt install --reinstall norvix-keeper"),
+                QStringLiteral("sudo systemctl reload dbus")});
+    case RemedyKind::AdmitKeeper:
+        return showHow(Say::tr("The keeper must be in the group norvix."),
+            {QStringLiteral("sudo usermod -a -G norvix norvix-keeper"),
+                QStringLiteral("sudo systemctl restart norvix-keeper")});
     case RemedyKind::Connect:
         return simple(DeedKind::Connect, Say::tr("Connect"), Say::tr("Connect again."));
     case RemedyKind::ConnectLater:
@@ -250,7 +299,7 @@ QString commandFor(Verb verb)
     case Verb::StartCompanion:
         return QStringLiteral("sudo systemctl restart norvix-hald");
     case Verb::StartKeeper:
-        return QStringLiteral("sudo systemctl start norvix-keeper");
+        return QStringLiteral("sudo systemctl restart norvix-keeper");
     case Verb::LoadModules:
         return QStringLiteral("sudo modprobe ppp_generic");
     case Verb::CreateGroup:

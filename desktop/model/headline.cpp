@@ -258,9 +258,19 @@ QString requestFailureText(const Failure &failure)
         return Say::tr("You are not allowed to use the modem yet.");
     case FailureKind::NoAnswer:
         return Say::tr("The daemon does not answer.");
+    case FailureKind::KeeperMissing:
+        return Say::tr("The keeper is not installed.");
+    case FailureKind::KeeperStopped:
+        return Say::tr("The keeper is not running.");
+    case FailureKind::KeeperNoAnswer:
+        return Say::tr("The keeper does not answer.");
+    case FailureKind::KeeperNotUnderstood:
+        return Say::tr("The keeper's answer is not understood: it may be of another version.");
     case FailureKind::DaemonRefused:
     case FailureKind::DaemonNotStored:
     case FailureKind::DaemonError:
+    case FailureKind::KeeperRefused:
+    case FailureKind::KeeperError:
     case FailureKind::ValueRefused:
         return failure.detail;
     case FailureKind::FileForbidden:

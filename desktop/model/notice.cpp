@@ -141,7 +141,7 @@ std::optional<Notice> NoticeDecision::take(
     }
     const std::optional<int> before = std::exchange(m_state, model.state);
     const std::optional<Notice> notice = std::visit(Taker{*this, model, before, now}, event);
-    if (!notice || isSeen || m_isAsleep || now < m_calmUntil) {
+    if (!notice || m_isAsleep || now < m_calmUntil) {
         return {};
     }
     const QString reason = notice->title + QLatin1Char('\n') + notice->text;
@@ -151,7 +151,7 @@ std::optional<Notice> NoticeDecision::take(
         return {};
     }
     m_told.insert(reason, now);
-    return notice;
+    return isSeen ? std::nullopt : notice;
 }
 
 } // namespace desktop

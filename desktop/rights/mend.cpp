@@ -80,7 +80,7 @@ int perform(Verb verb)
     case Verb::StartCompanion:
         return run({"systemctl", "restart", "norvix-hald.service"});
     case Verb::StartKeeper:
-        return run({"systemctl", "start", "norvix-keeper.service"});
+        return run({"systemctl", "restart", "norvix-keeper.service"});
     case Verb::LoadModules:
         return loadModules();
     case Verb::CreateGroup:

@@ -16,7 +16,7 @@ enum class Verb
     StartDaemon,
     RestartDaemon,
     StartCompanion, ///< anew where it runs and hangs
-    StartKeeper,
+    StartKeeper, ///< likewise
     LoadModules, ///< those that a connection needs beside the modem's driver
     CreateGroup, ///< whose members may use the daemon
 };

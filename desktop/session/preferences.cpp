@@ -31,7 +31,7 @@ QString autostartFile()
         + QStringLiteral("/autostart/com.norvix.Desktop.desktop");
 }
 
-// docs/examples has the same one for administrators.
+// packaging/desktop has the same one for administrators.
 const char autostartText[] = "[Desktop Entry]\n"
                              "Type=Application\n"
                              "Name=Norvix\n"

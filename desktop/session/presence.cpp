@@ -5,6 +5,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/icons/icons.h"
+#include "desktop/window/preferences_page.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -27,6 +28,7 @@ Presence::Presence(Controller &controller, Preferences &preferences,
     , m_controller(controller)
     , m_preferences(preferences)
     , m_bus(sessionBus)
+    , m_theme(m_bus)
     , m_window(controller)
     , m_host(m_bus)
     , m_tray(controller)
@@ -37,6 +39,7 @@ Presence::Presence(Controller &controller, Preferences &preferences,
     m_grace.setSingleShot(true);
     m_window.installEventFilter(this);
     m_window.setWindowIcon(programIcon());
+    m_window.add(new PreferencesPage(controller, preferences));
     connect(&m_grace, &QTimer::timeout, this, [this] {
         if (!m_tray.isShown() && !m_window.isVisible()) {
             m_window.setAttribute(Qt::WA_ShowWithoutActivating); // nobody has asked for it now
@@ -55,6 +58,7 @@ Presence::Presence(Controller &controller, Preferences &preferences,
 
 void Presence::start(bool isBackground)
 {
+    m_theme.start();
     m_host.start();
     if (isBackground && m_bus.connection().isConnected()) {
         beOutOfSight();

@@ -6,6 +6,7 @@
 #include "desktop/bus/sleep_watch.h"
 #include "desktop/model/notice.h"
 #include "desktop/session/preferences.h"
+#include "desktop/session/theme.h"
 #include "desktop/tray/notifier.h"
 #include "desktop/tray/tray.h"
 #include "desktop/tray/tray_host.h"
@@ -49,6 +50,7 @@ private:
     Controller &m_controller;
     Preferences &m_preferences;
     AsyncBus m_bus;
+    Theme m_theme;
     MainWindow m_window;
     TrayHost m_host;
     Tray m_tray;

@@ -1,13 +1,124 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/window/driver_page.h"
 
+#include "client/doctor_facts.h"
+#include "client/modem_table.h"
 #include "client/say.h"
+#include "dbus/contract.h"
+#include "desktop/controller.h"
+#include "desktop/errand.h"
+#include "desktop/window/rights_panel.h"
+
+#include <QDateTime>
+#include <QFontDatabase>
+#include <QFormLayout>
+#include <QMessageBox>
+#include <QScrollBar>
+#include <QStyle>
 
 namespace desktop {
 
+namespace {
+
+constexpr int readMs = 1000;
+constexpr qint64 mostOutput = 1 << 17;
+
+QString stateText(Module module)
+{
+    switch (module) {
+    case Module::Loaded:
+        return Say::tr("loaded");
+    case Module::Available:
+        return Say::tr("there, not loaded");
+    case Module::Missing:
+        return Say::tr("missing for this kernel");
+    case Module::Unknown:
+        break;
+    }
+    return Say::tr("unknown");
+}
+
+QString firmwareText(const Facts &facts)
+{
+    if (facts.firmware.isEmpty()) {
+        return facts.driver.isEmpty() ? QString() : Say::tr("none needed");
+    }
+    return facts.hasFirmware ? Say::tr("%1, there").arg(facts.firmware)
+                             : Say::tr("%1, missing").arg(facts.firmware);
+}
+
+QLabel *factLabel(const QString &name)
+{
+    auto *label = new QLabel;
+    label->setAccessibleName(name);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setWordWrap(true);
+    return label;
+}
+
+void setFact(QLabel *label, const QString &text)
+{
+    label->setText(text.isEmpty() ? QStringLiteral("–") : text);
+}
+
+} // namespace
+
 DriverPage::DriverPage(Controller &controller, QWidget *parent)
     : Page(controller, parent)
+    , m_modem(factLabel(Say::tr("Modem")))
+    , m_id(factLabel(Say::tr("USB id")))
+    , m_firmware(factLabel(Say::tr("Firmware")))
+    , m_driver(factLabel(Say::tr("Driver")))
+    , m_state(factLabel(Say::tr("State")))
+    , m_kernel(factLabel(Say::tr("Kernel")))
+    , m_restart(new QPushButton(Say::tr("Restart the modem…")))
+    , m_build(new QPushButton(Say::tr("Build the driver anew…")))
+    , m_panel(new RightsPanel)
+    , m_building(new QLabel)
+    , m_progress(new QProgressBar)
+    , m_outputTitle(new QLabel(Say::tr("Output of the last build:")))
+    , m_output(new QPlainTextEdit)
 {
+    auto *facts = new QFormLayout;
+    facts->setLabelAlignment(Qt::AlignTrailing);
+    facts->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    for (QLabel *fact : {m_modem, m_id, m_firmware, m_driver, m_state, m_kernel}) {
+        facts->addRow(fact->accessibleName(), fact);
+    }
+    auto *buttons = new QHBoxLayout;
+    for (QPushButton *button : {m_restart, m_build}) {
+        button->setMinimumHeight(fontMetrics().height() * 2);
+        buttons->addWidget(button);
+    }
+    buttons->addStretch(1);
+    m_building->setWordWrap(true);
+    m_progress->setRange(0, 0); // nobody knows how much there is to do
+    m_progress->setAccessibleName(Say::tr("The driver is being built"));
+    m_outputTitle->setBuddy(m_output);
+    m_output->setReadOnly(true);
+    m_output->setAccessibleName(Say::tr("Output of the build"));
+    m_output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_output->setTabChangesFocus(true);
+    auto *column = new QVBoxLayout(this);
+    column->addLayout(facts);
+    column->addLayout(buttons);
+    column->addWidget(m_panel);
+    column->addWidget(m_building);
+    column->addWidget(m_progress);
+    column->addWidget(m_outputTitle);
+    column->addWidget(m_output, 1);
+    m_reading.setInterval(readMs);
+    connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
+    connect(m_restart, &QPushButton::clicked, this, &DriverPage::askToRestart);
+    connect(m_build, &QPushButton::clicked, this, [this] {
+        m_panel->perform(Verb::RestartDaemon, [this](const QByteArray &) {
+            m_panel->tell(
+                Say::tr("The daemon has begun anew. Where the kernel has no driver for the "
+                        "modem it builds one now."));
+            lookAgain();
+        });
+    });
+    showSeen({});
 }
 
 QString DriverPage::title() const
@@ -15,6 +126,121 @@ QString DriverPage::title() const
     return Say::tr("Modem and driver");
 }
 
-void DriverPage::refresh() { }
+void DriverPage::setOnScreen(bool isOnScreen)
+{
+    m_isOnScreen = isOnScreen;
+    if (isOnScreen) {
+        lookAgain();
+    } else {
+        m_reading.stop();
+    }
+}
+
+void DriverPage::refresh()
+{
+    const ConnectionModel &model = controller().model();
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const bool wasBuilding = m_buildingSince > 0;
+    if (model.isBuilding != wasBuilding) {
+        m_buildingSince = model.isBuilding ? now : 0;
+        lookAgain();
+    }
+    m_building->setVisible(model.isBuilding || model.isRestarting);
+    m_building->setText(model.isBuilding
+            ? Say::tr("The driver is being built, for %1 already. Connections wait until then.")
+                  .arg(durationText((now - m_buildingSince) / 1000))
+            : Say::tr("The driver is loaded anew; this takes up to a minute."));
+    // Who wants no movement is told by the words above alone.
+    const bool doesMove = style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0;
+    m_progress->setVisible(model.isBuilding && doesMove);
+    const bool isThere = model.daemon == DaemonPresence::There;
+    m_restart->setEnabled(isThere && !model.isBuilding && !model.isRestarting);
+    m_build->setEnabled(!model.isBuilding && !m_panel->isBusy());
+    if (model.isBuilding && m_isOnScreen) {
+        m_reading.start();
+    } else {
+        m_reading.stop();
+    }
+}
+
+DriverPage::Seen DriverPage::look()
+{
+    const Facts facts = gatherDriverFacts();
+    Seen seen;
+    UsbId id = facts.configured;
+    if (id.vendor == 0 && !facts.modems.isEmpty()) {
+        id = facts.modems.constFirst().id;
+    }
+    if (const ModemFamily *family = familyOf(id)) {
+        seen.modem = QString::fromLatin1(family->name);
+    }
+    seen.id = id.vendor == 0 ? QString() : idText(id);
+    seen.firmware = firmwareText(facts);
+    seen.driver = facts.driver;
+    seen.state = facts.driver.isEmpty() ? QString() : stateText(facts.driverModule);
+    seen.kernel = facts.kernel;
+    return seen;
+}
+
+DriverPage::Output DriverPage::readOutput()
+{
+    const std::optional<QByteArray> text
+        = lastLinesOf(QStringLiteral("/opt/norvix/driver_build.log"), mostOutput);
+    return {text.has_value(), QString::fromUtf8(text.value_or(QByteArray()))};
+}
+
+void DriverPage::lookAgain()
+{
+    if (m_isReading) {
+        return;
+    }
+    m_isReading = true;
+    inBackground<Seen>(this, look, [this](const Seen &seen) { showSeen(seen); });
+    inBackground<Output>(this, readOutput, [this](const Output &output) {
+        m_isReading = false;
+        showOutput(output);
+    });
+}
+
+void DriverPage::showSeen(const Seen &seen)
+{
+    const QString &told = controller().model().modemName;
+    setFact(m_modem, seen.modem.isEmpty() ? told : seen.modem);
+    setFact(m_id, seen.id);
+    setFact(m_firmware, seen.firmware);
+    setFact(m_driver, seen.driver);
+    setFact(m_state, seen.state);
+    setFact(m_kernel, seen.kernel);
+}
+
+void DriverPage::showOutput(const Output &output)
+{
+    m_outputTitle->setText(output.isReadable
+            ? Say::tr("Output of the last build:")
+            : Say::tr("No driver was built yet, or its output is not readable for you."));
+    m_output->setVisible(output.isReadable);
+    if (m_output->toPlainText() == output.text) {
+        return;
+    }
+    m_output->setPlainText(output.text);
+    m_output->verticalScrollBar()->setValue(m_output->verticalScrollBar()->maximum());
+}
+
+void DriverPage::askToRestart()
+{
+    if (controller().model().state == ConnectionDown) {
+        controller().request(Request::RestartModem);
+        return;
+    }
+    auto *question = new QMessageBox(QMessageBox::Question, Say::tr("Restart the modem"),
+        Say::tr("This ends the connection. The line needs up to a minute to synchronise again."),
+        QMessageBox::Cancel, this);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    QPushButton *restart = question->addButton(Say::tr("Restart"), QMessageBox::AcceptRole);
+    question->setDefaultButton(QMessageBox::Cancel);
+    connect(restart, &QPushButton::clicked, this,
+        [this] { controller().request(Request::RestartModem); });
+    question->open();
+}
 
 } // namespace desktop

@@ -13,6 +13,7 @@
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QScreen>
 
 namespace desktop {
@@ -28,7 +29,12 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
     m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     auto *middle = new QWidget;
     auto *row = new QHBoxLayout(middle);
-    row->addWidget(m_list);
+    auto *guide = new QPushButton(Say::tr("Assistant…"));
+    guide->setMinimumHeight(fontMetrics().height() * 2);
+    auto *column = new QVBoxLayout;
+    column->addWidget(m_list, 1);
+    column->addWidget(guide);
+    row->addLayout(column);
     row->addWidget(m_pages, 1);
     setCentralWidget(middle);
     for (Page *page :
@@ -50,6 +56,7 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
         }
     });
     connect(&controller, &Controller::pageWanted, this, &MainWindow::open);
+    connect(guide, &QPushButton::clicked, this, [this] { open(Action::SetUp); });
     connect(&controller, &Controller::assistantWanted, this,
         [this](AssistantStep step) { assistant()->showStep(step); });
     m_list->setCurrentRow(0);

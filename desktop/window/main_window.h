@@ -22,6 +22,9 @@ class MainWindow : public QMainWindow
 public:
     explicit MainWindow(Controller &controller, QWidget *parent = nullptr);
 
+    /// Puts a page behind the others.
+    void add(Page *page);
+
     /// Shows the page that an action leads to.
     void open(Action action);
     /// Goes on where the program before this one was.
@@ -32,7 +35,6 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
-    void add(Page *page);
     Page *currentPage() const;
     void turnTo(int row);
     template <typename Wanted> void openPage();

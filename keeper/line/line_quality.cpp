@@ -71,13 +71,26 @@ LineQuality lineQuality(const AttributeReader &read)
     return line;
 }
 
+namespace {
+
+QByteArray atmNumber(const QString &device)
+{
+    QFile file(device + QStringLiteral("/atmindex"));
+    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(mostBytes).trimmed()
+                                                                  : QByteArray();
+}
+
+} // namespace
+
 QString atmDeviceFolder(const QString &folder)
 {
     const QDir devices(folder);
     for (const QString &name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-        // Those of modems hang on USB; the kernel's software devices hang on nothing.
-        if (QFile::exists(devices.filePath(name) + QStringLiteral("/device"))) {
-            return devices.filePath(name);
+        QString device = devices.filePath(name);
+        // Those of modems hang on USB; the kernel's software devices hang on nothing. The daemon's
+        // connection goes through the device with number 0: another one is none that it waits for.
+        if (QFile::exists(device + QStringLiteral("/device")) && atmNumber(device) == "0") {
+            return device;
         }
     }
     return QString();

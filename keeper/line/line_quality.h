@@ -29,7 +29,7 @@ using AttributeReader = std::function<std::optional<QByteArray>(const char *attr
 /// The line by the attributes of an ATM device of whatever driver.
 LineQuality lineQuality(const AttributeReader &read);
 
-/// The folder of the first ATM device that is a modem's; empty without one.
+/// The folder of ATM device 0, which a connection goes through, if it is a modem's; else empty.
 QString atmDeviceFolder(const QString &folder = QStringLiteral("/sys/class/atm"));
 
 /// Reads the attributes in @p folder: a few files of the kernel's memory, without waiting for the

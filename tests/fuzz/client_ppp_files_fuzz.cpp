@@ -18,7 +18,7 @@ void mendSecrets(const QByteArray &content)
     const QByteArray mended = mendedSecrets(content);
     require(hasEntryAtStart(mended));
     const QList<SecretsEntry> after = secretsEntries(mended);
-    const SecretsEntry first = after.constFirst();
+    const SecretsEntry &first = after.constFirst();
     require(first.login == (entries.isEmpty() ? placeholderLogin() : entries.constLast().login));
     require(entries.isEmpty() || first.password == entries.constLast().password);
     const QByteArrayList lines = mended.split('\n');

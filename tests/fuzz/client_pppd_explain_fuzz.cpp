@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const PppdVerdict verdict = explainPppd(attempt);
         require(verdict.line.isEmpty() || attempt.contains(verdict.line));
         require(verdict.line.isEmpty() == verdict.meaning.isEmpty());
-        require(!verdict.isGood || verdict.remedy.isEmpty());
+        require(!verdict.isGood || verdict.remedy.kind == RemedyKind::None);
     }
     return 0;
 }

@@ -14,9 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QString word = QString::fromUtf8(FuzzInput(data, size).rest());
     require(decodedWord(word).toUtf8().size() <= 3 * word.toUtf8().size());
 
-    const bool isGood = loginObjection(login).isEmpty() && passwordObjection(password).isEmpty()
-        && accountObjection(login, password).isEmpty();
-    if (!isGood) {
+    if (loginObjection(login) || passwordObjection(password) || accountObjection(login, password)) {
         return 0;
     }
     const QString loginWord = encodedLogin(login);

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Nothing that steers a terminal gets out, in no form of output, and wrapping loses no word.
-#include "client/report.h"
 #include "client/text_format.h"
+#include "ctl/screen/paragraph.h"
+#include "ctl/screen/report.h"
 #include "fuzz_input.h"
 
 #include <QJsonDocument>
 #include <algorithm>
+#include <cstring>
 
 namespace {
 

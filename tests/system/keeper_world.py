@@ -18,10 +18,10 @@ ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist insi
 class World:
     """Everything that a connection needs, and what happens to it."""
 
-    def __init__(self, machine, folder, settings="", protocol="PPPoA"):
+    def __init__(self, machine, folder, settings="", protocol="PPPoA", policies=()):
         self.machine = machine
         keeper_service.prepare(machine, settings)
-        policies = [keeper_service.POLICY]
+        policies = [keeper_service.POLICY, *policies]
         for name, text in (("hal", HAL_POLICY), ("logind", FakeLogind.POLICY)):
             policies.append(folder / (name + ".conf"))
             policies[-1].write_text(text, encoding="ascii")

@@ -5,8 +5,9 @@ import re
 import shutil
 
 import pytest
-from norvixctl import FAILED, FAULTS, NOT_PERMITTED, OK, Ctl
+from norvixctl import FAILED, FAULTS, NOT_PERMITTED, OK, Ctl, without_resolvconf
 
+from lab.machine import keeper_service
 from lab.machine.fake_hal import POLICY, FakeHal
 from lab.machine.private_machine import REPOSITORY
 from lab.machine.pppd_script import end, out, wait_for
@@ -43,7 +44,7 @@ def configure(machine, **changes):
 
 @pytest.fixture(name="sound")
 def sound_fixture(new_machine, tmp_path):
-    """Everything in place, but neither daemon nor companion runs yet."""
+    """Everything in place, but neither daemon, companion nor keeper runs yet."""
     policy = tmp_path / "hal.conf"
     policy.write_text(POLICY, encoding="ascii")
     machine = new_machine(private_folders=["/sys/bus", "/usr/lib/firmware", "/usr/lib/modules"])
@@ -56,7 +57,9 @@ def sound_fixture(new_machine, tmp_path):
     for name in (PAP, CHAP):
         machine.path(name).write_text(SECRETS, encoding="ascii")
     machine.kernel_log.line_up()
-    machine.start_bus(policies=[policy])
+    without_resolvconf(machine)
+    keeper_service.prepare(machine)
+    machine.start_bus(policies=[policy, keeper_service.POLICY])
     return machine
 
 
@@ -66,6 +69,7 @@ def run_all(machine, companion=True):
         hal = FakeHal.start(machine)
         hal.plug("usb_device_572_cafe_noserial", 0x0572, 0xCAFE, announce=False)
     machine.start_daemon().wait_for_log("debugHandler: i: 0")
+    keeper_service.Keeper(machine).wait_for(State="idle")
     return findings(machine)
 
 

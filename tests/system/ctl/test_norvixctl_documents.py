@@ -185,19 +185,34 @@ def test_every_command_and_option_can_be_completed():
 
 # ---- translation
 
-def test_everything_is_translated_to_german(tmp_path):
-    copy = tmp_path / "norvixctl_de.ts"
-    copy.write_bytes((REPOSITORY / "ctl/translations/norvixctl_de.ts").read_bytes())
+@pytest.mark.parametrize("room, name", [
+    ("client", "client"), ("ctl", "norvixctl"), ("desktop", "norvix-desktop")])
+def test_everything_is_translated_to_german(tmp_path, room, name):
+    copy = tmp_path / "de.ts"
+    copy.write_bytes((REPOSITORY / room / "translations" / (name + "_de.ts")).read_bytes())
+    known = set(ElementTree.parse(copy).getroot().iter("message"))
     subprocess.run(["lupdate", "-silent", "-no-obsolete", "-locations", "none",
-                    REPOSITORY / "client", REPOSITORY / "ctl", "-ts", copy],
-                   check=True, capture_output=True)
-    contexts = ElementTree.parse(copy).getroot().iter("message")
-    for message in contexts:
+                    REPOSITORY / room, "-ts", copy], check=True, capture_output=True)
+    messages = list(ElementTree.parse(copy).getroot().iter("message"))
+    assert len(messages) == len(known)  # nothing is left of what is not said any more
+    for message in messages:
         source, translation = message.findtext("source"), message.find("translation")
         assert translation.get("type") is None, "not translated: " + source
         for text in [form.text for form in translation.iter("numerusform")] or [translation.text]:
             assert text, source
             assert sorted(re.findall(r"%\d|%n", text)) == sorted(re.findall(r"%\d|%n", source)), source
+
+
+def test_every_number_has_its_english_plural():
+    for room, name in (("ctl", "norvixctl"), ("desktop", "norvix-desktop")):
+        folder = REPOSITORY / room / "translations"
+        for language in ("de", "en"):
+            tree = ElementTree.parse(folder / ("%s_%s.ts" % (name, language)))
+            found = {message.findtext("source") for message in tree.getroot().iter("message")
+                     if message.get("numerus")}
+            if language == "de":
+                wanted = found
+        assert found == wanted
 
 
 def test_the_library_names_no_command():
@@ -216,7 +231,7 @@ def test_the_program_in_the_machine_is_the_one_that_was_checked(machine):
 # ---- pages for the user
 
 GUIDES = ["README.md", "docs/first-connection.md", "docs/pppoe-and-pppoa.md", "docs/driver-build.md",
-          "docs/troubleshooting.md"]
+          "docs/keeping-the-connection.md", "docs/troubleshooting.md"]
 
 
 def calls_in(text):

@@ -7,7 +7,7 @@ import os
 import jsonschema
 import pytest
 from norvixctl import (FAILED, FAULTS, GOLDEN, NO_DAEMON, NOT_PERMITTED, OK, PROGRAM, SCHEMA, USAGE,
-                       Ctl, golden, without_times)
+                       Ctl, golden, without_resolvconf, without_times)
 
 from lab.machine.modem_families import FAMILIES, identity
 from lab.waiting import wait_for_line
@@ -37,6 +37,7 @@ def set_up_fixture(new_machine):
     machine.settings(modem="CXACRU modem", vendor_id=1394, product_id=51966, protocol="PPPoA",
                      vpi=8, vci=35, service="home", autoconnect=True)
     machine.kernel_log.line_up()
+    without_resolvconf(machine)
     machine.start_bus()
     machine.start_daemon().wait_for_log("getIsModemPlugged")
     return machine
@@ -108,7 +109,7 @@ def test_a_running_connection_is_shown_with_all_its_figures(set_up):
     assert connection.pop("seconds") >= 0
     assert connection.pop("receivedBytes") >= 0 and connection.pop("sentBytes") >= 0
     assert connection == {"state": "connected", "interface": "ppp0", "address": "10.64.0.100",
-                          "route": "ppp0"}
+                          "route": "ppp0", "isUsed": True}
     assert shown_now["line"] == {"state": "up", "downKbit": 8128, "upKbit": 832}
 
 

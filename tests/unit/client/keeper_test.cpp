@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What the keeper tells, as values and sentences, whoever it is that answers.
+#include "client/keeper_bus.h"
 #include "client/keeper_state.h"
+#include "client/traffic_plan.h"
 #include "dbus/contract.h"
 
 #include <QSet>
@@ -368,6 +370,71 @@ private slots:
         }
         QCOMPARE(busMap(session).value_or(Map()), session);
         QCOMPARE(busRows(QVariant::fromValue(Rows{session})).value_or(Rows()), Rows{session});
+    }
+
+    void whatIsLeftOfALimitIsSharedByTheDaysThatAreLeft()
+    {
+        const KeeperTraffic running = {QDate(2026, 11, 15), QDate(2026, 12, 14), 6000, 4000};
+        const auto use = planUse({40000, 15}, running, QDate(2026, 12, 12));
+        QVERIFY(use);
+        QCOMPARE(use->used, 10000U);
+        QCOMPARE(use->left, 30000U);
+        QCOMPARE(use->daysLeft, 3);
+        QCOMPARE(use->leftPerDay, 10000U);
+        QVERIFY(!use->isReached);
+        QCOMPARE(planUse({40000, 15}, running, QDate(2026, 12, 14))->daysLeft, 1);
+    }
+
+    void aLimitIsReachedByExactlyItsBytes()
+    {
+        const KeeperTraffic running = {QDate(2026, 11, 15), QDate(2026, 12, 14), 6000, 4000};
+        const QDate today(2026, 11, 20);
+        QVERIFY(!planUse({10001, 15}, running, today)->isReached);
+        QVERIFY(planUse({10000, 15}, running, today)->isReached);
+        QCOMPARE(planUse({1, 15}, running, today)->left, 0U);
+        QVERIFY(planUseText({10000, 15}, running, today).contains("the limit is 10.0 kB"));
+        QVERIFY(planUseText({20000, 15}, running, today)
+                    .contains("10.0 kB of 20.0 kB; what is left is 400 B a day"));
+    }
+
+    void withoutALimitOrOutsideTheMonthNothingIsLeftOver()
+    {
+        const KeeperTraffic running = {QDate(2026, 11, 15), QDate(2026, 12, 14), 6000, 4000};
+        QVERIFY(!planUse({0, 15}, running, QDate(2026, 11, 20)));
+        QVERIFY(!planUse({1, 15}, running, QDate(2026, 11, 14)));
+        QVERIFY(!planUse({1, 15}, running, QDate(2026, 12, 15)));
+        QVERIFY(!planUse({1, 15}, running, QDate()));
+        QVERIFY(planUseText({0, 15}, running, QDate(2026, 11, 20)).contains("10.0 kB."));
+    }
+
+    void failuresOfCallsAreTheKeepers_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<bool>("isInstalled");
+        QTest::addColumn<int>("keepers");
+        QTest::newRow("none") << int(FailureKind::None) << true << int(FailureKind::None);
+        QTest::newRow("nobody") << int(FailureKind::NoDaemon) << true
+                                << int(FailureKind::KeeperStopped);
+        QTest::newRow("not installed")
+            << int(FailureKind::NoDaemon) << false << int(FailureKind::KeeperMissing);
+        QTest::newRow("hanging") << int(FailureKind::NoAnswer) << true
+                                 << int(FailureKind::KeeperNoAnswer);
+        QTest::newRow("an error") << int(FailureKind::DaemonError) << true
+                                  << int(FailureKind::KeeperError);
+        QTest::newRow("no bus") << int(FailureKind::NoBus) << true << int(FailureKind::NoBus);
+        QTest::newRow("refused by the bus")
+            << int(FailureKind::NotPermitted) << true << int(FailureKind::NotPermitted);
+        QTest::newRow("a value refused")
+            << int(FailureKind::KeeperRefused) << true << int(FailureKind::KeeperRefused);
+    }
+    void failuresOfCallsAreTheKeepers()
+    {
+        QFETCH(int, kind);
+        QFETCH(bool, isInstalled);
+        QFETCH(int, keepers);
+        QCOMPARE(int(failureOfKeeper({FailureKind(kind), QString()}, isInstalled).kind), keepers);
+        QCOMPARE(failureOfKeeper({FailureKind::DaemonError, "words"}, true).detail,
+            QStringLiteral("words"));
     }
 
     void everyStateHasASentenceOfItsOwn()

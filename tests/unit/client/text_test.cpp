@@ -36,6 +36,39 @@ private slots:
         QCOMPARE(clockText(100 * 3600), QStringLiteral("100:00:00"));
     }
 
+    void aSizeIsReadWithItsUnit_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<qulonglong>("bytes"); // 0: refused
+        QTest::newRow("gigabytes") << "50GB" << 50'000'000'000ULL;
+        QTest::newRow("a blank") << "50 GB" << 50'000'000'000ULL;
+        QTest::newRow("a fraction") << "1.5TB" << 1'500'000'000'000ULL;
+        QTest::newRow("a comma") << "1,5 MB" << 1'500'000ULL;
+        QTest::newRow("small k") << "700kB" << 700'000ULL;
+        QTest::newRow("large k") << "700KB" << 700'000ULL;
+        QTest::newRow("bytes") << "1B" << 1ULL;
+        for (const char *wrong : {"", "50", "GB", "-1GB", "50 gb", "0GB", "0.4B", "1.2.3GB",
+                 "50GiB", "50  GB", " 50GB", "999999999999999TB", "1e9B", "50GB\n"}) {
+            QTest::newRow(wrong) << wrong << 0ULL;
+        }
+    }
+    void aSizeIsReadWithItsUnit()
+    {
+        QFETCH(QString, text);
+        QFETCH(qulonglong, bytes);
+        QCOMPARE(bytesFromText(text).value_or(0), bytes);
+    }
+
+    void momentsAreLocalTimeAndTellTheirDistanceFromUtc()
+    {
+        qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+        QCOMPARE(momentText(1763800000), QStringLiteral("2025-11-22 09:26:40"));
+        QCOMPARE(momentIso(1763800000), QStringLiteral("2025-11-22T09:26:40+01:00"));
+        QCOMPARE(momentIso(1750000000), QStringLiteral("2025-06-15T17:06:40+02:00"));
+        qputenv("TZ", "UTC");
+        QCOMPARE(momentIso(1763800000), QStringLiteral("2025-11-22T08:26:40Z"));
+    }
+
     void foreignTextCanNotSteerTheTerminal()
     {
         QCOMPARE(printable(QStringLiteral("a\x1b[2Jb\r")), QStringLiteral("a\uFFFD[2Jb\uFFFD"));

@@ -39,7 +39,29 @@ Facts soundFacts()
     facts.resolver
         = {QStringLiteral("/etc/resolv.conf"), QString(), true, {QStringLiteral("1.1.1.1")}};
     facts.log = file("/opt/norvix/daemon.log", "");
+    facts.routes.isReadable = true;
+    facts.keeper.value.phase = QStringLiteral("idle");
+    facts.keeper.value.isKeeping = true;
     return facts;
+}
+
+/// A link beside a Wi-Fi with the default route of this metric.
+RouteFacts linkBeside(quint32 metric)
+{
+    RouteFacts routes;
+    routes.isReadable = true;
+    routes.link = QStringLiteral("ppp0");
+    routes.ipv4 = {{QStringLiteral("wlan0"), QByteArray(4, '\0'), 0, metric}};
+    return routes;
+}
+
+/// A neighbour with its file in place.
+Neighbour withItsFile(Answer answer)
+{
+    Neighbour neighbour;
+    neighbour.isPresent = neighbour.hasFile = true;
+    neighbour.isInForce = answer;
+    return neighbour;
 }
 
 using Spoil = std::function<void(Facts &)>;
@@ -90,6 +112,14 @@ private slots:
         QCOMPARE(facts.protocolModuleName(), "pppoatm");
         facts.configured = {0x0483, 0x0138};
         QCOMPARE(facts.protocolModuleName(), "pppoe");
+    }
+
+    void nobodyIsToldToReplaceADefaultRoute()
+    {
+        for (int kind = 0; kind <= int(RemedyKind::ConnectLater); ++kind) {
+            const QString text = remedyText({RemedyKind(kind), QStringLiteral("wlan0 ppp0")});
+            QVERIFY2(!text.contains("replace", Qt::CaseInsensitive), qPrintable(text));
+        }
     }
 
     void everyRemedyButNoneIsTold()
@@ -300,6 +330,161 @@ private slots:
                 f.log.content = "x Norvix_Daemon::debugConnecting(): CHAP authentication failed\n";
             },
             "warning", "account set");
+        row(
+            "another default route", "route", [](Facts &f) { f.routes = linkBeside(600); },
+            "warning", "through wlan0. Choose: end the connection of wlan0");
+        row(
+            "another default route that cannot be outdone", "route",
+            [](Facts &f) { f.routes = linkBeside(0); }, "warning",
+            "End the connection of wlan0, then");
+        row(
+            "no default route", "route",
+            [](Facts &f) {
+                f.routes = linkBeside(600);
+                f.routes.ipv4.clear();
+            },
+            "warning", "ip route add default dev ppp0");
+        row(
+            "the link's default route", "route",
+            [](Facts &f) {
+                f.routes = linkBeside(600);
+                f.routes.ipv4.first().interface = f.routes.link;
+            },
+            "ok", "through ppp0");
+        row(
+            "routes that cannot be read", "route", [](Facts &f) { f.routes.isReadable = false; },
+            "not-checked", "can not be read");
+        row(
+            "the provider's server through another connection", "resolver",
+            [](Facts &f) {
+                f.routes = linkBeside(600);
+                f.routes.servers = f.routes.providersServers = QStringList{"203.0.113.1"};
+            },
+            "warning", "203.0.113.1 is the provider's, but is asked through wlan0");
+        row(
+            "networkmanager without its file", "networkmanager",
+            [](Facts &f) {
+                f.neighbours.networkManager.isPresent = true;
+                f.neighbours.networkManager.file = "/usr/lib/x";
+                f.neighbours.networkManager.isFileOurs = true;
+            },
+            "warning", "/usr/lib/x is missing");
+        row(
+            "networkd without its file", "networkd",
+            [](Facts &f) {
+                f.neighbours.networkd.isPresent = true;
+                f.neighbours.networkd.file = "/usr/lib/x";
+                f.neighbours.networkd.isFileOurs = true;
+            },
+            "warning", "/usr/lib/x is missing");
+        row(
+            "resolved without its file", "resolved",
+            [](Facts &f) {
+                f.neighbours.resolved.isPresent = true;
+                f.neighbours.resolved.file = "/usr/lib/x";
+                f.neighbours.resolved.isFileOurs = true;
+            },
+            "warning", "/usr/lib/x is missing");
+        row(
+            "resolvconf without its file", "resolvconf",
+            [](Facts &f) {
+                f.neighbours.resolvconf.isPresent = true;
+                f.neighbours.resolvconf.file = "/usr/lib/x";
+                f.neighbours.resolvconf.isFileOurs = false;
+            },
+            "warning", "--reinstall resolvconf");
+        row(
+            "a file that hides networkmanager's", "networkmanager",
+            [](Facts &f) {
+                f.neighbours.networkManager = withItsFile(Answer::Unknown);
+                f.neighbours.networkManager.hiddenBy = "/etc/x.conf";
+            },
+            "warning", "Give /etc/x.conf another name");
+        row(
+            "networkmanager that manages the modem's interfaces", "networkmanager",
+            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::No); }, "warning",
+            "disconnect and connect again");
+        row(
+            "networkmanager that does as it is told", "networkmanager",
+            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::Yes); }, "ok",
+            "alone");
+        row(
+            "a file that hides networkd's", "networkd",
+            [](Facts &f) {
+                f.neighbours.networkd = withItsFile(Answer::Unknown);
+                f.neighbours.networkd.hiddenBy = "/etc/x.conf";
+            },
+            "warning", "Give /etc/x.conf another name");
+        row(
+            "networkd that manages the modem's interfaces", "networkd",
+            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::No); }, "warning",
+            "disconnect and connect again");
+        row(
+            "networkd that does as it is told", "networkd",
+            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::Yes); }, "ok", "alone");
+        row(
+            "resolved without the provider's servers", "resolved",
+            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::No); }, "warning",
+            "norvixctl connect");
+        row(
+            "resolved with its file, and no link", "resolved",
+            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::Unknown); }, "ok",
+            "is told");
+        row(
+            "resolvconf with its hook", "resolvconf",
+            [](Facts &f) { f.neighbours.resolvconf = withItsFile(Answer::Unknown); }, "ok",
+            "is told");
+        row(
+            "no keeper", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperMissing; }, "warning",
+            "apt install norvix-keeper");
+        row(
+            "a keeper that is stopped", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperStopped; }, "warning",
+            "enable --now norvix-keeper");
+        row(
+            "a keeper that hangs", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNoAnswer; }, "warning",
+            "restart norvix-keeper");
+        row(
+            "a keeper that talks nonsense", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNotUnderstood; }, "warning",
+            "not understood");
+        row(
+            "a keeper that answers with an error", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperError; }, "warning",
+            "not understood");
+        row(
+            "a keeper that one may not ask", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::NotPermitted; }, "warning",
+            "reload dbus");
+        row(
+            "no bus to a keeper", "keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::NoBus; }, "not-checked",
+            "without the system bus");
+        row(
+            "a keeper that the daemon refuses", "keeper",
+            [](Facts &f) { f.keeper.value.reason = "request-refused"; }, "warning",
+            "usermod -a -G norvix norvix-keeper");
+        row(
+            "a keeper that waits after a failure", "keeper",
+            [](Facts &f) {
+                f.keeper.value.isWanted = true;
+                f.keeper.value.phase = "waiting";
+                f.keeper.value.reason = "account-refused";
+            },
+            "warning", "refused login or password. Now: waiting for the next attempt");
+        row(
+            "a keeper that is switched off", "keeper",
+            [](Facts &f) {
+                f.keeper.value.isKeeping = false;
+                f.keeper.value.phase = "off";
+                f.keeper.value.reason = "hung-up";
+            },
+            "ok", "switched off");
+        row(
+            "a keeper whose history is of another version", "keeper",
+            [](Facts &f) { f.keeper.value.history = "newer"; }, "warning", "newer version");
     }
     void eachFactIsJudged()
     {

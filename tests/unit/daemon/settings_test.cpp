@@ -75,6 +75,7 @@ private slots:
     void unfinishedFilesAreRemoved();
     void whatCannotBeTheSettingsFileIsSetAside_data();
     void whatCannotBeTheSettingsFileIsSetAside();
+    void settingsMayBeAsLargeAsTheyAreSaidToBe();
     void aValueThatIsNoPlainOneCountsAsMissing();
     void anotherStoreIsReadToo();
     void aSyncWritesAnotherStoreAndPassesOverNone();
@@ -414,6 +415,17 @@ void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
     QCOMPARE(fileText(), QByteArray("[General]\nidleness=4\n"));
     QCOMPARE(lstat((name + ".set-aside").constData(), &after), 0);
     QCOMPARE(after.st_ino, before.st_ino);
+}
+
+void SettingsTest::settingsMayBeAsLargeAsTheyAreSaidToBe()
+{
+    const int others = QByteArray("[General]\nvpi=8\n").size();
+    const QByteArray most = "vpi=8\n" + QByteArray(64 * 1024 - others, '\n');
+    writeAndRead(most);
+    QCOMPARE(readSettingText(settings(), "vpi", 0), QStringLiteral("8"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("has been set aside as")));
+    writeAndRead(most + '\n');
+    QCOMPARE(readSettingText(settings(), "vpi", 0), QStringLiteral("0"));
 }
 
 void SettingsTest::aValueThatIsNoPlainOneCountsAsMissing()

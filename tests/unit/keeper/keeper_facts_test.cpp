@@ -9,6 +9,7 @@
 #include "keeper/system_facts.h"
 #include "test_data.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 #include <linux/if_arp.h>
 #include <linux/rtnetlink.h>
@@ -220,6 +221,23 @@ private slots:
         files["device/stat_usrate"] = "rubbish";
         QCOMPARE(lineQuality(read).carrier.value(), false);
         QVERIFY(!lineQuality(read).upRate);
+    }
+
+    void theModemIsTheFirstAtmDevice()
+    {
+        QTemporaryDir folder;
+        const auto add = [&folder](const QString &name, const QByteArray &number, bool isUsb) {
+            const QString path = folder.filePath(name);
+            QVERIFY(QDir().mkpath(path + (isUsb ? QStringLiteral("/device") : QString())));
+            QFile file(path + QStringLiteral("/atmindex"));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(number) == number.size());
+        };
+        add(QStringLiteral("adummy"), "0\n", false);
+        // A second one on USB is none that a connection goes through.
+        add(QStringLiteral("another1"), "1\n", true);
+        QCOMPARE(atmDeviceFolder(folder.path()), QString());
+        add(QStringLiteral("speedtch0"), "0\n", true);
+        QCOMPARE(atmDeviceFolder(folder.path()), folder.filePath(QStringLiteral("speedtch0")));
     }
 
     // ---- the daemon's log

@@ -78,6 +78,8 @@ private slots:
     void aFolderIsSweptOfWhatKilledProcessesLeftOnTheirWayToAnyFile();
     void ownerAndModeAreGivenBeforeTheNewFileCanBeSeen();
     void anOwnerIsGivenThoughTheGroupStays();
+    void aFileOfWhichNothingElseIsSaidIsRoots();
+    void foldersThatAreMadeOnTheWayMayBeEnteredByEveryone();
     void copyingToAFolderThatCannotBeMadeFails();
     void replacingAFolderFailsAndLeavesNothingBehind();
     void plainFileIsNoMountPoint();
@@ -386,6 +388,32 @@ void TestSafeFile::ownerAndModeAreGivenBeforeTheNewFileCanBeSeen()
     QVERIFY(replaceFile(path("file"), "new", attributes));
     QCOMPARE(statusOf("file").st_mode, mode_t(S_IFREG | 0640));
     QCOMPARE(statusOf("file").st_gid, attributes.group);
+}
+
+void TestSafeFile::aFileOfWhichNothingElseIsSaidIsRoots()
+{
+    if (geteuid() != 0) {
+        QSKIP("needs root to give a folder to another group");
+    }
+    QCOMPARE(chown(name(".").constData(), 0, 34), 0);
+    QCOMPARE(chmod(name(".").constData(), 02755), 0);
+    QVERIFY(
+        replaceFileWith(path("file").toStdString(), FileAttributes(), [](int) { return true; }));
+    QCOMPARE(statusOf("file").st_uid, uid_t(0));
+    QCOMPARE(statusOf("file").st_gid, gid_t(0));
+}
+
+void TestSafeFile::foldersThatAreMadeOnTheWayMayBeEnteredByEveryone()
+{
+    write("source", "text");
+    const mode_t before = umask(077);
+    const bool made = makeFolders(path("a/b"))
+        && copyIntoPlace(path("source"), path("c/d/file"), *attributesOf(path("source")));
+    umask(before);
+    QVERIFY(made);
+    for (const char *folder : {"a", "a/b", "c", "c/d"}) {
+        QCOMPARE(statusOf(folder).st_mode, mode_t(S_IFDIR | 0755));
+    }
 }
 
 void TestSafeFile::anOwnerIsGivenThoughTheGroupStays()

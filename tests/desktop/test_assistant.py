@@ -1,0 +1,308 @@
+# SPDX-License-Identifier: MIT
+"""The assistant for the first connection, used as a newcomer uses it."""
+import os
+import re
+import signal
+
+import pytest
+from first_connection import (PEER, PRIVATE, SECRETS, Guide, furnish, hide_in_sysfs, show_in_sysfs,
+                              stored, wait_stored)
+
+from lab.machine.private_machine import REPOSITORY
+from lab.machine.pppd_script import end, link_up, out, stay
+from lab.waiting import wait_until
+
+pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
+
+
+@pytest.fixture
+def machine(new_machine):
+    made = new_machine(private_folders=PRIVATE)
+    furnish(made, REPOSITORY)
+    made.path("/etc/group").chmod(0o644)
+    return made
+
+
+@pytest.fixture
+def stranger(new_desktop):
+    """Somebody who is not in the group."""
+    return new_desktop(member=False)
+
+
+def members(machine):
+    names = re.search("^norvix:x:[0-9]+:(.*)$", machine.path("/etc/group").read_text(), re.MULTILINE)[1]
+    return set(names.split(",")) - {"norvix-keeper"}
+
+
+def plug(computer, family="speedtch"):
+    show_in_sysfs(computer.machine, family)
+    return computer.plug(family)
+
+
+def secrets(machine):
+    return [machine.path(path).read_text(encoding="utf-8").splitlines()[0] for path in SECRETS]
+
+
+# ---- the whole way
+
+
+def test_a_newcomer_gets_from_nothing_to_the_line(computer, stranger):
+    machine = computer.machine
+    computer.start_companion()
+    device = plug(computer)  # as usual: before anything else runs
+    computer.start_daemon()
+    stranger.start()
+    guide = Guide(stranger).open()
+    guide.says("you are none yet")
+    guide.press("Let me use it…")
+    assert stranger.pkexec.wait_call()[-1] == "/opt/norvix/libexec/norvix-desktop-join"
+    guide.says("^You may use the modem")  # the program began anew by itself
+    assert members(machine) == {"user"}
+    guide.at("May I?").next("Modem")
+    guide.says("was so before the daemon began")
+    computer.usb.unplug(device)
+    hide_in_sysfs(machine)
+    guide.says("No modem that is supported")
+    plug(computer)
+    guide.says("was just plugged in|was found")
+    guide.says("^Thomson Speedtouch 330 was found")
+    guide.press("Take it into use")
+    guide.says("is ready")
+    wait_stored(machine, modem="Thomson Speedtouch 330")
+    guide.next("Provider")
+    stranger.window.choose("Country", "Italy")
+    stranger.window.choose("Provider", "TIM (Alice)")
+    guide.press("Next").at("Account")
+    wait_stored(machine, vpi="8", vci="35", protocol="PPPoE")
+    stranger.window.fill("Login", "user@isp")
+    stranger.window.fill("Password", "let me in")
+    guide.next("Connect")
+    assert secrets(machine) == ['"user@isp" * "let me in" *'] * 2
+    machine.pppd.script([*link_up(), stay()])
+    guide.press("Connect")
+    guide.says("^You are connected")
+    assert stranger.window.nameless() == []
+    guide.press("Close")
+    stranger.window.wait_text("Connected")
+
+
+# ---- May I?
+
+
+def at_the_beginning(desktop):
+    desktop.start()
+    return Guide(desktop).open()
+
+
+def test_a_member_is_told_so_and_goes_on(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_beginning(desktop)
+    guide.says("^You may use the modem")
+    assert not desktop.window.has("push button", "Let me use it…")
+
+
+REFUSALS = {"refuse": "The administrator's password was not accepted",
+            "cancel": "The password was not entered"}
+
+
+@pytest.mark.parametrize("behaviour", REFUSALS)
+def test_a_password_that_does_not_come_is_told_and_asked_for_again(computer, stranger, behaviour):
+    computer.start_daemon()
+    guide = at_the_beginning(stranger)
+    stranger.pkexec.behaviour = behaviour
+    guide.press("Let me use it…").says(REFUSALS[behaviour])
+    assert members(computer.machine) == set()
+    stranger.pkexec.behaviour = "run"
+    guide.press("Let me use it…").says("^You may use the modem")
+    assert members(computer.machine) == {"user"}
+
+
+def test_a_question_for_the_password_that_hangs_can_be_left(computer, stranger):
+    computer.start_daemon()
+    guide = at_the_beginning(stranger)
+    stranger.pkexec.behaviour = "hang"
+    guide.press("Let me use it…")
+    guide.says("Waiting for an administrator's password for [2-9] s")
+    assert stranger.window.answer_time() < 0.5
+    guide.press("Stop waiting").says("Nobody waits")
+    guide.next("Modem")
+
+
+def test_without_pkexec_the_command_is_shown_to_copy(computer, stranger):
+    computer.start_daemon()
+    guide = at_the_beginning(stranger)
+    stranger.pkexec.remove()
+    guide.press("Let me use it…").says("pkexec.*is not installed")
+    field = stranger.window.find("text", "Command")
+    assert field.text == "sudo usermod -a -G norvix user"
+    assert stranger.window.has("push button", "Copy command")
+
+
+def test_a_missing_group_is_made_first(computer, stranger):
+    machine = computer.machine
+    group = machine.path("/etc/group")
+    group.write_text(re.sub("^norvix:.*\n", "", group.read_text(), flags=re.MULTILINE))
+    guide = at_the_beginning(stranger)
+    guide.press("Create the group…").says("you are none yet")
+    guide.press("Let me use it…").says("^You may use the modem")
+
+
+# ---- modem
+
+
+def at_the_modem(desktop):
+    guide = at_the_beginning(desktop)
+    guide.says("^You may use the modem")
+    return guide.next("Modem")
+
+
+def test_a_modem_without_firmware_is_named_with_what_it_lacks(computer, desktop):
+    computer.start_daemon()
+    show_in_sysfs(computer.machine, "eagle-e4", before=True)
+    guide = at_the_modem(desktop)
+    guide.says("has not got its firmware")
+    guide.press("Show command…")
+    assert desktop.window.find("text", "Command").text == "sudo apt install firmware-misc-nonfree"
+
+
+def test_a_modem_without_a_driver_is_named_with_what_it_lacks(computer, desktop):
+    computer.start_daemon()
+    show_in_sysfs(computer.machine, "cxacru")
+    at_the_modem(desktop).says("There is no driver cxacru")
+    assert desktop.window.has("push button", "What to do…")
+
+
+def test_a_daemon_that_is_not_running_is_started_from_the_modems_page(computer, desktop):
+    show_in_sysfs(computer.machine)
+    guide = at_the_modem(desktop)
+    guide.says("is not running")
+    started = []
+    guide.press("Start the daemon")
+    assert desktop.pkexec.wait_call()[1:] == ["/opt/norvix/libexec/norvix-desktop-mend",
+                                              "start-daemon"]
+    started.append(computer.start_daemon())
+    guide.says("was so before the daemon began")
+
+
+# ---- provider and account
+
+
+def test_what_was_entered_survives_a_frozen_and_a_new_daemon_and_going_back(computer, desktop):
+    daemon = computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Provider")
+    desktop.window.find("spin box", "VPI").set_value(1)
+    desktop.window.find("spin box", "VCI").set_value(32)
+    guide.press("Skip").at("Account")
+    desktop.window.fill("Login", "me")
+    daemon.signal(signal.SIGKILL)
+    daemon.wait_exit()
+    guide.press("Next")  # nobody can store it, and there is no password yet
+    guide.says("The password is empty")
+    desktop.window.fill("Password", "secret")
+    guide.press("Next").says("is not stored yet")
+    computer.start_daemon()
+    guide.press("Back").at("Provider")
+    assert [desktop.window.find("spin box", name).value for name in ("VPI", "VCI")] == [1, 32]
+    guide.press("Skip").at("Account")
+    assert desktop.window.find("text", "Login").text == "me"
+    guide.press("Next").at("Connect")
+    assert secrets(computer.machine) == ['"me" * "secret" *'] * 2
+
+
+def test_what_can_not_be_stored_is_said_while_typing(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Account")
+    desktop.window.fill("Login", "x" * 51)
+    guide.says("The login has 51 characters")
+    desktop.window.fill("Login", "me")
+    desktop.window.fill("Password", "@/etc/shadow")
+    guide.says("begins with “@/”")
+    guide.press("Next").says("begins with “@/”")
+    assert "shadow" not in secrets(computer.machine)[0]
+
+
+def test_values_for_the_other_protocol_come_with_a_file_that_fits_them(computer, desktop):
+    machine = computer.machine
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Provider")
+    desktop.window.choose("Country", "United Kingdom")
+    desktop.window.choose("Provider", "BT and resellers")
+    guide.press("Next").says("does not fit them yet")
+    assert stored(machine, "protocol") == "PPPoA"
+    guide.press("Put a fitting file in place…").says("The file fits now")
+    assert "\n0.38\n" in machine.path(PEER).read_text(encoding="ascii")
+    guide.next("Account")
+
+
+def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
+    computer.start_daemon()
+    guide = at_the_beginning(stranger).skip_to("Account")
+    stranger.window.fill("Login", "me")
+    stranger.window.fill("Password", "very-secret")
+    guide.press("Next").says("You are not allowed to use the modem yet")
+    guide.press("Back", "Back", "Back").at("May I?")
+    guide.press("Let me use it…").says("^You may use the modem")  # begun anew
+    guide.skip_to("Account").next("Connect")
+    assert secrets(computer.machine) == ['"me" * "very-secret" *'] * 2
+    spoken = "".join(program.output() + program.errors() for program in stranger.started)
+    written = [path for folder in ("/run/home/user", "/tmp", "/opt/norvix")
+               for path in computer.machine.path(folder).rglob("*")
+               if path.is_file() and b"very-secret" in path.read_bytes()]
+    assert ("very-secret" in spoken, written) == (False, [])
+
+
+# ---- connecting
+
+
+def at_connect(computer, desktop):
+    computer.machine.settings(modem="Thomson Speedtouch 330", vendor_id=0x06B9, product_id=0x4061,
+                              udi="/org/freedesktop/Hal/devices/usb_device_6b9_4061_0090D0123456",
+                              protocol="PPPoE", vpi=8, vci=35)
+    computer.start_daemon()
+    return at_the_modem(desktop).skip_to("Connect")
+
+
+TROUBLES = {
+    "account": ("c1-chap-wrong-password", "refused login or password", "Back to the account",
+                "Account"),
+    "silence": (None, "provider does not answer",
+                "Back to the provider", "Provider"),
+}
+
+
+@pytest.mark.parametrize("trouble", TROUBLES)
+def test_a_failure_says_its_cause_and_leads_to_where_it_is_mended(computer, desktop, trouble):
+    recording, cause, button, page = TROUBLES[trouble]
+    computer.plug()
+    guide = at_connect(computer, desktop)
+    if recording:
+        computer.machine.pppd.play(recording)
+    else:
+        computer.machine.pppd.script([out("Timeout waiting for PADO packets\n"), stay()])
+    guide.press("Connect").says(cause)
+    guide.press(button).at(page)
+    guide.skip_to("Connect")
+    computer.machine.pppd.script([*link_up(), stay()])
+    guide.press("Try now").says("^You are connected")
+
+
+def test_an_end_without_a_reason_leads_to_the_check_up(computer, desktop):
+    computer.plug()
+    guide = at_connect(computer, desktop)
+    computer.machine.pppd.script([out("something went wrong\n"), end(1)])
+    guide.press("Connect").says("The check-up tells why")
+    guide.press("Check-up…")
+    desktop.window.wait_text(re.compile("stop.? a connection"))
+
+
+def test_the_keyboard_alone_leads_through_the_pages(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_beginning(desktop)
+    guide.says("^You may use the modem")
+    for title in ("Modem", "Provider"):
+        desktop.keys("Return")
+        guide.at(title)
+    names = [name for _, name in desktop.window.focus_order()]
+    assert {"VPI", "VCI", "Back", "Skip", "Next"} <= set(names)
+
+

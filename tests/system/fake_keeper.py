@@ -1,0 +1,61 @@
+# SPDX-License-Identifier: MIT
+"""A keeper, or another name on the bus, that answers what it is told to, or nothing."""
+from jeepney import HeaderFields, MessageType, new_error, new_method_return
+
+from lab.machine import keeper_service
+from lab.machine.bus_client import Client
+
+CONNECTED = {
+    "State": ("s", "connected"), "Wanted": ("b", True), "Keep": ("b", True), "Reason": ("s", ""),
+    "Since": ("x", 1763800000), "NextAttempt": ("x", 0), "Attempts": ("u", 0),
+    "ForeignLinks": ("as", []), "History": ("s", "ok"), "LimitReached": ("b", False)}
+
+
+def policy(*names):
+    """Lets root own the names, and everybody talk to them."""
+    rules = "".join('<policy user="root"><allow own="%s"/></policy>'
+                    '<policy context="default"><allow send_destination="%s"/></policy>' % (name, name)
+                    for name in names)
+    return "<busconfig>%s</busconfig>\n" % rules
+
+
+class FakeService(Client):
+    """answers: by a method's name the signature and the values of its reply, or an error's name and
+    text, or nothing, for a method that hangs. All others are refused as unknown."""
+
+    def __init__(self, sock, uid):
+        self.answers = {}
+        self.asked = []
+        super().__init__(sock, uid)
+
+    @classmethod
+    def start(cls, machine, name, **answers):
+        service = machine.client(kind=cls)
+        service.answers.update(answers)
+        assert service.call_bus("RequestName", "su", name, 4) == 1
+        return service
+
+    def _take(self, message, now):
+        if message.header.message_type is not MessageType.method_call:
+            super()._take(message, now)
+            return
+        member = message.header.fields[HeaderFields.member]
+        self.asked.append((member, *message.body))
+        unknown = ("org.freedesktop.DBus.Error.UnknownMethod", "no such method")
+        answer = self.answers.get(member, unknown)
+        if answer is None:
+            return
+        kind, *values = answer
+        if "." in kind:
+            self.send(new_error(message, kind, "s", tuple(values)))
+        else:
+            self.send(new_method_return(message, kind, tuple(values)))
+
+
+def start_keeper(machine, **answers):
+    """A keeper that is connected and has nothing to tell but what is given."""
+    usual = {"GetAll": ("a{sv}", CONNECTED), "GetPlan": ("a{sv}", {"limit": ("t", 0),
+                                                                  "billing_day": ("u", 1)})}
+    usual.update({name: ("aa{sv}", []) for name in ("GetSessions", "GetAttempts", "GetDays",
+                                                    "GetMonths", "GetLineQuality")})
+    return FakeService.start(machine, keeper_service.NAME, **{**usual, **answers})

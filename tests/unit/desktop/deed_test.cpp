@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+// What the window's buttons do about findings, in which order findings stand, and what is sent on.
+#include "desktop/administrator.h"
+#include "desktop/model/checkup_list.h"
+#include "desktop/model/deed.h"
+#include "desktop/rights/findings_text.h"
+
+#include <QTest>
+
+using namespace desktop;
+
+namespace {
+
+Finding finding(const char *check, Verdict verdict, RemedyKind remedy = RemedyKind::None,
+    const char *text = "text")
+{
+    return {QString::fromLatin1(check), verdict, {{QString::fromUtf8(text), {}}}, {remedy, {}}};
+}
+
+QStringList names(const QList<Finding> &findings)
+{
+    QStringList result;
+    for (const Finding &one : findings) {
+        result.append(one.check);
+    }
+    return result;
+}
+
+constexpr int remedyCount = int(RemedyKind::ConnectLater) + 1;
+
+} // namespace
+
+Q_DECLARE_METATYPE(RemedyKind)
+Q_DECLARE_METATYPE(DeedKind)
+Q_DECLARE_METATYPE(RightsOutcome)
+
+class DeedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyRemedyHasAButtonAndAnExplanation()
+    {
+        for (int kind = int(RemedyKind::None) + 1; kind < remedyCount; ++kind) {
+            const Remedy remedy{RemedyKind(kind), QStringLiteral("detail")};
+            const Deed deed = deedOf(remedy);
+            QVERIFY2(deed.kind != DeedKind::None, qPrintable(QString::number(kind)));
+            QVERIFY2(!deed.button.isEmpty(), qPrintable(QString::number(kind)));
+            QVERIFY2(!deed.how.isEmpty(), qPrintable(QString::number(kind)));
+            QCOMPARE(deed.kind == DeedKind::OpenPage, deed.page != Action::None);
+        }
+        QVERIFY(deedOf({}).kind == DeedKind::None);
+    }
+
+    void whatWasDoneInVainIsOnlyExplained()
+    {
+        for (int kind = int(RemedyKind::None) + 1; kind < remedyCount; ++kind) {
+            const Deed deed = explanationOf({RemedyKind(kind), {}});
+            QVERIFY(deed.kind == DeedKind::ShowHow);
+            QVERIFY(!deed.how.isEmpty());
+        }
+    }
+
+    void aRemedyLeadsToItsDeed_data()
+    {
+        QTest::addColumn<RemedyKind>("remedy");
+        QTest::addColumn<DeedKind>("deed");
+        QTest::addColumn<QString>("word");
+        QTest::newRow("a missing peer file")
+            << RemedyKind::PlacePeer << DeedKind::Rights << "mend-files";
+        QTest::newRow("secrets in disorder")
+            << RemedyKind::MendSecrets << DeedKind::Rights << "mend-files";
+        QTest::newRow("a daemon that hangs")
+            << RemedyKind::RestartDaemon << DeedKind::Rights << "restart-daemon";
+        QTest::newRow("no companion")
+            << RemedyKind::StartCompanion << DeedKind::Rights << "start-hald";
+        QTest::newRow("no PPP in the kernel")
+            << RemedyKind::LoadPppModule << DeedKind::Rights << "load-modules";
+        QTest::newRow("hidden from this user")
+            << RemedyKind::LookAsRoot << DeedKind::Rights << "look";
+        QTest::newRow("no group") << RemedyKind::CreateGroup << DeedKind::Rights << "create-group";
+        QTest::newRow("no member") << RemedyKind::JoinGroup << DeedKind::Join << "";
+        QTest::newRow("a member since now")
+            << RemedyKind::LogInAgain << DeedKind::UseGroupNow << "";
+        QTest::newRow("no daemon") << RemedyKind::StartDaemon << DeedKind::StartDaemon << "";
+        QTest::newRow("a new modem")
+            << RemedyKind::ReplugAndAdoptModem << DeedKind::OpenAssistant << "modem";
+        QTest::newRow("no account") << RemedyKind::SetAccount << DeedKind::OpenPage << "";
+        QTest::newRow("no values") << RemedyKind::SetLine << DeedKind::OpenPage << "";
+        QTest::newRow("ready") << RemedyKind::Connect << DeedKind::Connect << "";
+        QTest::newRow("two connections")
+            << RemedyKind::EndOtherConnection << DeedKind::ShowHow << "";
+    }
+
+    void aRemedyLeadsToItsDeed()
+    {
+        QFETCH(RemedyKind, remedy);
+        QFETCH(DeedKind, deed);
+        QFETCH(QString, word);
+        const Deed found = deedOf({remedy, {}});
+        QVERIFY(found.kind == deed);
+        if (deed == DeedKind::Rights) {
+            QCOMPARE(QString::fromLatin1(verbWord(found.verb)), word);
+        }
+        if (deed == DeedKind::OpenAssistant) {
+            QCOMPARE(stepWord(found.step), word);
+        }
+    }
+
+    void headersComeWithWhatPacksModules()
+    {
+        QCOMPARE(deedOf({RemedyKind::InstallHeadersAndPacker, QStringLiteral("6.1.0 xz-utils")})
+                     .commands.constFirst(),
+            QStringLiteral("sudo apt install linux-headers-6.1.0 xz-utils"));
+    }
+
+    void aVerbIsTakenByItsWholeWordOnly()
+    {
+        for (const Verb verb : allVerbs) {
+            QVERIFY(verbNamed(verbWord(verb)) == verb);
+        }
+        for (const char *word : {"", "LOOK", "look ", " look", "loo", "lookk", "mend"}) {
+            QVERIFY(!verbNamed(word));
+        }
+    }
+
+    void whatPkexecEndsWithIsUnderstood_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("errors");
+        QTest::addColumn<RightsOutcome>("outcome");
+        const QByteArray head = "Error executing command as another user: ";
+        QTest::newRow("done") << 0 << QByteArray() << RightsOutcome::Done;
+        QTest::newRow("closed") << 126 << head + "Request dismissed\n" << RightsOutcome::Cancelled;
+        QTest::newRow("wrong password")
+            << 127 << head + "Not authorized\n\nThis incident has been reported.\n"
+            << RightsOutcome::Refused;
+        QTest::newRow("nobody to ask") << 127 << head + "No authentication agent found.\n"
+                                       << RightsOutcome::NoAgent;
+        QTest::newRow("nobody to decide")
+            << 127 << QByteArray("Error getting authority: Error initializing authority: …\n")
+            << RightsOutcome::NoPolkit;
+        QTest::newRow("nothing to run")
+            << 127
+            << QByteArray("Error executing /opt/norvix/libexec/x: No such file or directory\n")
+            << RightsOutcome::NoProgram;
+        QTest::newRow("no group") << 4 << QByteArray("…") << RightsOutcome::NoGroup;
+        QTest::newRow("a lacking tool") << 3 << QByteArray("…") << RightsOutcome::NoProgram;
+        QTest::newRow("in vain") << 1 << QByteArray("…") << RightsOutcome::Failed;
+    }
+
+    void whatPkexecEndsWithIsUnderstood()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, errors);
+        QFETCH(RightsOutcome, outcome);
+        QVERIFY(rightsOutcomeOf(status, errors) == outcome);
+        QCOMPARE(rightsOutcomeText(outcome).isEmpty(), outcome == RightsOutcome::Done);
+    }
+
+    void faultsStandFirstAndWhatIsWellIsApart()
+    {
+        const CheckupList list = checkupListOf({finding("a", Verdict::Good),
+            finding("b", Verdict::Doubtful), finding("c", Verdict::Fault),
+            finding("d", Verdict::NotChecked), finding("e", Verdict::Fault),
+            finding("f", Verdict::NotChecked, RemedyKind::LookAsRoot)});
+        QCOMPARE(names(list.bad).join(QLatin1Char(' ')), QStringLiteral("c e b"));
+        QCOMPARE(names(list.hidden).join(QLatin1Char(' ')), QStringLiteral("f"));
+        QCOMPARE(names(list.fine).join(QLatin1Char(' ')), QStringLiteral("a"));
+        QCOMPARE(names(list.unknown).join(QLatin1Char(' ')), QStringLiteral("d"));
+    }
+
+    void theTitleCountsWhatStopsAConnection()
+    {
+        QCOMPARE(checkupTitle({finding("a", Verdict::Good)}),
+            QStringLiteral("Nothing stops a connection"));
+        QCOMPARE(checkupTitle({finding("a", Verdict::Fault), finding("b", Verdict::Doubtful)}),
+            QStringLiteral("One thing stops a connection"));
+        QVERIFY(checkupTitle({finding("a", Verdict::Fault), finding("b", Verdict::Fault)})
+                    .startsWith(QLatin1Char('2')));
+    }
+
+    void whatRootHasSeenTakesThePlaceOfWhatWasHiddenOnly()
+    {
+        const QList<Finding> merged
+            = withSeenByRoot({finding("permission", Verdict::Fault),
+                                 finding("secrets", Verdict::NotChecked, RemedyKind::LookAsRoot)},
+                {finding("permission", Verdict::Good), finding("secrets", Verdict::Good)});
+        QVERIFY(merged.at(0).verdict == Verdict::Fault);
+        QVERIFY(merged.at(1).verdict == Verdict::Good);
+    }
+
+    void findingsComeOverAsTheyWere()
+    {
+        Finding peer = finding("peer", Verdict::Fault, RemedyKind::ReplacePeer, "ä “x”");
+        peer.facts.append({QStringLiteral("y"), {RemedyKind::SetAccount, QStringLiteral("z")}});
+        const QByteArray text = findingsText({peer, finding("line", Verdict::NotChecked)});
+        const auto found = findingsFrom(text);
+        QVERIFY(found);
+        QCOMPARE(found->size(), 2);
+        QCOMPARE(findingsText(*found), text);
+        QVERIFY(found->constFirst().facts.at(1).remedy.kind == RemedyKind::SetAccount);
+    }
+
+    void foreignFindingsAreNoFindings()
+    {
+        for (const char *text : {"", "x", "{}", "[1]", "[{}]", R"([{"verdict":9,"remedy":0}])",
+                 R"([{"verdict":0,"remedy":999}])", R"([{"verdict":0,"remedy":-1}])",
+                 R"([{"verdict":0,"remedy":0,"facts":[{"remedy":1000}]}])"}) {
+            QVERIFY2(!findingsFrom(text), text);
+        }
+    }
+
+    void aReportHoldsNeitherLoginNorPassword()
+    {
+        const QString report
+            = checkupReport({finding("last-attempt", Verdict::Doubtful, RemedyKind::None,
+                                "It said: sent [PAP AuthReq user=\"jo@isp\" password=\"pw\"], name "
+                                "\"jo\", jo@isp")},
+                {QStringLiteral("jo@isp")});
+        QVERIFY(report.contains(QStringLiteral("It said")));
+        for (const char *word : {"jo@isp", "\"pw\"", "\"jo\""}) {
+            QVERIFY2(!report.contains(QString::fromLatin1(word)), qPrintable(report));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(DeedTest)
+#include "deed_test.moc"
