@@ -41,7 +41,9 @@ PlotUnit rateUnit(double most)
 
 PlotUnit trafficUnit(double most)
 {
-    return most < 1e9 ? PlotUnit{1e6, Say::tr("MB")} : PlotUnit{1e9, Say::tr("GB")};
+    return most < 1e6 ? PlotUnit{1e3, Say::tr("kB")}
+        : most < 1e9  ? PlotUnit{1e6, Say::tr("MB")}
+                      : PlotUnit{1e9, Say::tr("GB")};
 }
 
 QVector<double> ValueAxis::lines() const

@@ -21,6 +21,8 @@ namespace desktop {
 namespace {
 
 constexpr int lookMs = 60000;
+// The keeper knows why a session ended a moment after it has told that it did.
+constexpr int lateLookMs = 3000;
 constexpr unsigned mostRows = 500;
 constexpr unsigned shownDays = 62;
 constexpr unsigned shownMonths = 12;
@@ -102,10 +104,12 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     m_choice->addItems({Say::tr("Traffic per day"), Say::tr("Traffic per month"),
         Say::tr("Line rate, last day"), Say::tr("Line rate, last 30 days"),
         Say::tr("Noise margin, last day"), Say::tr("Noise margin, last 30 days")});
-    m_choice->setAccessibleName(Say::tr("What the plot shows"));
     const int gap = fontMetrics().height();
     auto *head = new QHBoxLayout;
     head->addWidget(m_heading, 1);
+    auto *choiceLabel = new QLabel(Say::tr("S&how"));
+    choiceLabel->setBuddy(m_choice);
+    head->addWidget(choiceLabel, 0, Qt::AlignVCenter);
     head->addWidget(m_choice, 0, Qt::AlignTop);
     auto *column = new QVBoxLayout(scrolledContent(this));
     column->setSpacing(gap);
@@ -128,10 +132,14 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     connect(m_setUp, &QPushButton::clicked, this,
         [this] { this->controller().perform(Action::SetUp); });
     m_looks.setInterval(lookMs);
+    m_lateLook.setInterval(lateLookMs);
+    m_lateLook.setSingleShot(true);
+    connect(&m_lateLook, &QTimer::timeout, this, &HistoryPage::lookAgain);
     connect(&m_looks, &QTimer::timeout, this, &HistoryPage::lookAgain);
     connect(&controller, &Controller::happened, this, [this](const Event &event) {
         if (m_looks.isActive() && std::holds_alternative<event::KeeperTold>(event)) {
             lookAgain();
+            m_lateLook.start();
         }
     });
 }
@@ -170,8 +178,10 @@ void HistoryPage::setOnScreen(bool isOnScreen)
     if (isOnScreen) {
         m_looks.start();
         lookAgain();
+        m_lateLook.start();
     } else {
         m_looks.stop();
+        m_lateLook.stop();
     }
 }
 

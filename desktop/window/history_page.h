@@ -73,6 +73,7 @@ private:
     ErrorLabel *m_planOutcome;
     QWidget *m_planRow;
     QTimer m_looks;
+    QTimer m_lateLook;
     Answers m_answers;
     Failure m_failure; ///< of the newest round of questions
     int m_owed = 0; ///< answers

@@ -14,7 +14,7 @@ QWidget *scrolledContent(QWidget *page);
 /// Large enough to be hit: 32 pixels with the usual letters.
 template <typename Control> Control *comfortable(Control *control)
 {
-    constexpr double letters = 2.3;
+    constexpr double letters = 2.5;
     control->setMinimumHeight(qRound(control->fontMetrics().height() * letters));
     return control;
 }

@@ -41,23 +41,23 @@ def test_sessions_are_listed_with_why_they_ended(world):
     connect(world)
     disconnect(world)
     world.open("History")
-    world.window.find("table cell", "Somebody ended the connection.")
+    world.window.find("cell", "Somebody ended the connection.")
     connect(world)
-    world.window.find("table cell", "Still connected.")
+    world.window.find("cell", "Still connected.")
 
 
 def test_failed_attempts_are_listed_with_their_reason(world):
     world.refuse()
     world.open("History")
     world.machine.client().call("establishConnection")
-    world.window.find("table cell",
+    world.window.find("cell",
                       re.compile("attempt.* failed.*The provider refused login or password"))
 
 
 def test_limit_and_billing_day_are_stored_at_the_keeper(world):
     world.open("History")
-    world.window.find("spin button", "Limit in a billing month", {"sensitive"}).set_value(60)
-    world.window.find("spin button", "Billing month begins on day").set_value(15)
+    world.window.find("spin box", "Limit in a billing month", {"sensitive"}).set_value(60)
+    world.window.find("spin box", "Billing month begins on day").set_value(15)
     world.window.press_button("Store")
     world.window.wait_text("Stored.")
     assert plan(world) == {"limit": 60 * 10 ** 9, "billing_day": 15}
@@ -67,14 +67,13 @@ def test_limit_and_billing_day_are_stored_at_the_keeper(world):
 def test_what_the_plot_shows_can_be_chosen(world):
     world.open("History")
     world.window.find("chart", "Traffic, per day")
-    world.window.find("combo box", "What the plot shows").focus()
-    world.desktop.keys("Down", "Down")
+    world.window.choose("Show", "Line rate, last day")
     world.window.find("chart", "Line rate, last day")
 
 
 def test_a_keeper_that_hangs_is_waited_for_in_the_open(world):
     world.open("History")
-    world.window.find("spin button", "Limit in a billing month", {"sensitive"}).set_value(60)
+    world.window.find("spin box", "Limit in a billing month", {"sensitive"}).set_value(60)
     world.computer.keeper.process.signal(signal.SIGSTOP)
     world.window.press_button("Store")
     world.window.select("Pages", "Connection")

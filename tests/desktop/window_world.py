@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What tests of the window's pages share: a computer that is set up, and a provider."""
+from functools import cached_property
+
 from lab.machine.modem_families import FAMILIES
 from lab.machine.pppd_script import end, link_up, out, wait_for
 
@@ -25,6 +27,11 @@ class WindowWorld:
         computer.plug("speedtch")
         self._links = 0
         self.answer()
+
+    @cached_property
+    def client(self):
+        """Root's connection to the system bus."""
+        return self.machine.client()
 
     @property
     def window(self):
