@@ -56,34 +56,6 @@ std::optional<QByteArray> lastLinesOf(const QString &path, qint64 mostBytes)
     return end.mid(end.indexOf('\n') + 1);
 }
 
-std::optional<QString> defaultRouteInterface()
-{
-    const auto routes = fileContent(QStringLiteral("/proc/net/route"));
-    return routes ? std::optional<QString>(defaultRouteInterface(*routes)) : std::nullopt;
-}
-
-QString defaultRouteInterface(const QByteArray &routes)
-{
-    constexpr int mostColumns = 8;
-    QString best;
-    qlonglong least = 0;
-    for (const QByteArray &line : routes.split('\n')) {
-        // Interface, destination, gateway, flags, two counters, metric, mask.
-        const QList<QByteArray> columns = line.simplified().split(' ');
-        if (columns.size() < mostColumns || columns.at(1) != "00000000"
-            || columns.at(7) != "00000000") {
-            continue;
-        }
-        bool isNumber = false;
-        const qlonglong metric = columns.at(6).toLongLong(&isNumber);
-        if (isNumber && (best.isEmpty() || metric < least)) {
-            best = QString::fromLocal8Bit(columns.constFirst());
-            least = metric;
-        }
-    }
-    return best;
-}
-
 std::optional<Totals> interfaceTotals(const QString &interface)
 {
     if (interface.isEmpty() || interface.contains(QLatin1Char('/'))) {

@@ -56,14 +56,6 @@ std::optional<LineStatus> lineStatus();
 /// The carrier that an ATM device of the kernel reports; nothing without such a device.
 std::optional<bool> atmCarrier();
 
-/// The interface over which the Internet is reached, by the kernel's table of routes; empty when
-/// there is no default route, nothing when the table can not be read.
-std::optional<QString> defaultRouteInterface();
-
-/// The same from the text of /proc/net/route: of several default routes the one that costs least,
-/// and of equal ones the first.
-QString defaultRouteInterface(const QByteArray &routes);
-
 struct Resolver
 {
     QString path;

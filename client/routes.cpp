@@ -206,6 +206,16 @@ std::optional<Route> defaultRoute(const QList<Route> &routes)
     return taken;
 }
 
+std::optional<QString> defaultRouteInterface()
+{
+    const auto table = fileContent(QStringLiteral("/proc/net/route"));
+    if (!table) {
+        return std::nullopt;
+    }
+    const std::optional<Route> route = defaultRoute(routesOfIpv4(*table));
+    return route ? route->interface : QString();
+}
+
 RouteFacts gatherRouteFacts(const QString &link)
 {
     RouteFacts facts;

@@ -34,6 +34,10 @@ std::optional<Route> routeTowards(const QList<Route> &routes, const QByteArray &
 /// The default route that the kernel takes; nothing without one.
 std::optional<Route> defaultRoute(const QList<Route> &routes);
 
+/// The interface over which the Internet is reached now; empty when there is no default route,
+/// nothing when the table can not be read.
+std::optional<QString> defaultRouteInterface();
+
 /// What is looked at.
 struct RouteFacts
 {

@@ -31,11 +31,8 @@ QString plan(const ConnectionModel &model, qint64 now)
     if (seconds <= 0) {
         return Say::tr("The next try begins now.");
     }
-    if (seconds < 60) {
-        return Say::tr("Next try in %n second(s).", nullptr, int(seconds));
-    }
     if (seconds < 3600) {
-        return Say::tr("Next try in %n minute(s).", nullptr, int((seconds + 59) / 60));
+        return Say::tr("Next try in %1.").arg(durationText(seconds));
     }
     return Say::tr("Next try at %1.").arg(timeText(*model.keeper->nextAttempt));
 }
@@ -276,6 +273,14 @@ QString requestFailureText(const Failure &failure)
     case FailureKind::KeeperError:
     case FailureKind::ValueRefused:
         return failure.detail;
+    case FailureKind::KeeperMissing:
+        return Say::tr("The keeper is not installed.");
+    case FailureKind::KeeperStopped:
+        return Say::tr("The keeper is not running.");
+    case FailureKind::KeeperNoAnswer:
+        return Say::tr("The keeper does not answer.");
+    case FailureKind::KeeperNotUnderstood:
+        return Say::tr("What the keeper answers is not understood.");
     case FailureKind::FileForbidden:
     case FailureKind::FileUnreadable:
     case FailureKind::FileUnwritable:

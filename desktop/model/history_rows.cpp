@@ -6,6 +6,7 @@
 #include "desktop/model/connection_facts.h"
 #include "desktop/model/headline.h"
 
+#include <QLocale>
 #include <algorithm>
 #include <tuple>
 
@@ -39,8 +40,8 @@ HistoryRow attemptRow(const KeeperAttempts &attempts, qint64 now)
     const QString reason = keeperReasonFact(attempts.reason).text;
     row.reason = attempts.count == 1
         ? Say::tr("An attempt failed. %1").arg(reason)
-        : Say::tr("%n attempt(s) failed until %1. %2", nullptr, int(attempts.count))
-              .arg(momentText(attempts.last, now), reason);
+        : Say::tr("%1 attempts failed until %2. %3")
+              .arg(QLocale().toString(attempts.count), momentText(attempts.last, now), reason);
     return row;
 }
 

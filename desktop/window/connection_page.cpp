@@ -3,6 +3,7 @@
 
 #include "client/name_servers.h"
 #include "client/pppd_words.h"
+#include "client/routes.h"
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"

@@ -29,11 +29,11 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
     m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     auto *middle = new QWidget;
     auto *row = new QHBoxLayout(middle);
-    auto *assistant = new QPushButton(Say::tr("Assistant…"));
-    assistant->setMinimumHeight(fontMetrics().height() * 2);
+    auto *guide = new QPushButton(Say::tr("Assistant…"));
+    guide->setMinimumHeight(fontMetrics().height() * 2);
     auto *column = new QVBoxLayout;
     column->addWidget(m_list, 1);
-    column->addWidget(assistant);
+    column->addWidget(guide);
     row->addLayout(column);
     row->addWidget(m_pages, 1);
     setCentralWidget(middle);
@@ -56,7 +56,7 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
         }
     });
     connect(&controller, &Controller::pageWanted, this, &MainWindow::open);
-    connect(assistant, &QPushButton::clicked, this, [this] { open(Action::SetUp); });
+    connect(guide, &QPushButton::clicked, this, [this] { open(Action::SetUp); });
     connect(&controller, &Controller::assistantWanted, this,
         [this](AssistantStep step) { assistant()->showStep(step); });
     m_list->setCurrentRow(0);

@@ -66,8 +66,8 @@ def test_a_modem_that_was_unplugged_without_a_keeper_is_wanted_again(chain):
     kept.comes_back("plugged in")
 
 
-def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(chain):
-    kept = Kept(chain, "PPPoE").connect()
+def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(chain, protocol):
+    kept = Kept(chain, protocol).connect()
     chain.modem.is_mute = True
     chain.wait_kernel_log("polling disabled")
     chain.modem.is_mute = False
@@ -78,6 +78,12 @@ def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(chain):
     kept.client.wait_signal("restartModemFinished", timeout=STUCK_SECONDS)
     kept.note("modem restarted after", time.monotonic() - began)
     assert "restarting the modem" in kept.keeper.errors()
+    if protocol == "PPPoE":
+        # The lost link's bridge outlives the device that it was made for, and no other can be made
+        # beside it. Ending the connection ends it; the keeper may not, for somebody's pppd would end, too.
+        kept.client.call("terminateConnection")
+        kept.wait("idle")
+        kept.client.call("establishConnection")
     kept.comes_back("restarted")
 
 
@@ -125,10 +131,17 @@ def test_what_the_user_ends_in_any_state_stays_ended(chain, protocol):
 
 
 def ends_what_comes_up(kept, mark, when):
-    up = kept.client.wait_signal("connectionEstablished", timeout=60, after=mark)
-    over = kept.client.wait_signal("connectionTerminated", timeout=60, after=mark, count=2)
-    kept.note(f"disconnected {when}: the link that came up was ended after", over.time - up.time)
-    assert over.time - up.time < 3  # a second on a computer that is none
+    """The link may be gone before the daemon has told of it: only the keeper has seen it then."""
+    def states():
+        return [(moment, changes["State"]) for moment, changes in kept.keeper.told()
+                if "State" in changes][-2:]
+
+    kept.client.wait_signal("connectionTerminated", timeout=90, after=mark, count=2)
+    wait_until(lambda: [state for _, state in states()] == ["connected", "idle"], what="it was up",
+               detail=states)
+    (up, _), (over, _) = states()
+    kept.note(f"disconnected {when}: the link that came up was ended after", over - up)
+    assert over - up < 3  # a second on a computer that is none
     kept.stays_quiet(kept.attempts())
 
 

@@ -173,7 +173,7 @@ def test_only_its_own_words_are_taken(machine):
 SERVICES = {"start-daemon": "start norvix-daemon.service",
             "restart-daemon": "restart norvix-daemon.service",
             "start-hald": "restart norvix-hald.service",
-            "start-keeper": "start norvix-keeper.service"}
+            "start-keeper": "restart norvix-keeper.service"}
 
 
 @pytest.mark.parametrize("verb", SERVICES)

@@ -184,7 +184,7 @@ private slots:
             noon);
         QCOMPARE(reasonsOf(rows),
             (QStringList{"Still connected.",
-                "17 attempt(s) failed until today, 10:43. No concentrator of the provider "
+                "17 attempts failed until today, 10:43. No concentrator of the provider "
                 "answered.",
                 "The line lost its synchronisation.",
                 "An attempt failed. The provider refused login or password."}));

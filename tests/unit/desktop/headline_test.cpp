@@ -116,7 +116,7 @@ private slots:
         QTest::addColumn<Action>("secondary");
         const auto row = [](const char *name, const Change &change, S standing, const char *title,
                              const char *reason, A primary, A secondary = A::None) {
-            QTest::newRow(name) << change << standing << QString::fromLatin1(title)
+            QTest::newRow(name) << change << standing << QString::fromUtf8(title)
                                 << QString::fromUtf8(reason) << primary << secondary;
         };
         const auto up = stateIs(ConnectionUp);
@@ -192,7 +192,7 @@ private slots:
         row("refused, kept",
             both(trouble(T::AccountRefused),
                 keeper(KeeperPhase::waiting, KeeperReason::accountRefused, 720)),
-            S::Attention, "Not connected", "refused login or password. Next try in 12 minute(s).",
+            S::Attention, "Not connected", "refused login or password. Next try in 12 min.",
             A::CheckAccount, A::TryNow);
         row("provider silent", trouble(T::ProviderSilent), S::Attention, "Not connected",
             "does not answer", A::CheckLine, A::Connect);
@@ -202,7 +202,7 @@ private slots:
             A::CheckUp, A::Connect);
         row("not up, the keeper knows why",
             both(trouble(T::NotUp), keeper(KeeperPhase::waiting, KeeperReason::noConcentrator, 5)),
-            S::Attention, "Not connected", "Next try in 5 second(s).", A::CheckLine, A::TryNow);
+            S::Attention, "Not connected", "Next try in 5 s.", A::CheckLine, A::TryNow);
         row("lost", trouble(T::Lost), S::Attention, "Not connected",
             "10:59: The connection was lost.", A::Connect);
         row("lost, with a reason",
@@ -210,8 +210,7 @@ private slots:
                 [](ConnectionModel &model) { model.lossReason = QStringLiteral("hung-up"); }),
             S::Attention, "Not connected", "10:59: The provider hung up.", A::Connect);
         row("kept, of before the window", keeper(KeeperPhase::waiting, KeeperReason::hungUp, 30),
-            S::Attention, "Not connected", "The provider hung up. Next try in 30 second(s).",
-            A::TryNow);
+            S::Attention, "Not connected", "The provider hung up. Next try in 30 s.", A::TryNow);
         row("kept, next try far away",
             keeper(KeeperPhase::waiting, KeeperReason::accountRefused, 4 * 3600), S::Attention,
             "Not connected", "Next try at 15:00.", A::CheckAccount, A::TryNow);
