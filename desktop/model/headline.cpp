@@ -273,14 +273,6 @@ QString requestFailureText(const Failure &failure)
     case FailureKind::KeeperError:
     case FailureKind::ValueRefused:
         return failure.detail;
-    case FailureKind::KeeperMissing:
-        return Say::tr("The keeper is not installed.");
-    case FailureKind::KeeperStopped:
-        return Say::tr("The keeper is not running.");
-    case FailureKind::KeeperNoAnswer:
-        return Say::tr("The keeper does not answer.");
-    case FailureKind::KeeperNotUnderstood:
-        return Say::tr("What the keeper answers is not understood.");
     case FailureKind::FileForbidden:
     case FailureKind::FileUnreadable:
     case FailureKind::FileUnwritable:
