@@ -1763,10 +1763,6 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Nächster Versuch in %1.</translation>
     </message>
     <message>
-        <source>What the keeper answers is not understood.</source>
-        <translation>Was der Wächter antwortet, ist nicht zu verstehen.</translation>
-    </message>
-    <message>
         <source>%1 attempts failed until %2. %3</source>
         <translation>%1 Versuche schlugen bis %2 fehl. %3</translation>
     </message>
