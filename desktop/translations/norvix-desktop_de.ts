@@ -808,20 +808,6 @@
         <source>The next try begins now.</source>
         <translation>Der nächste Versuch beginnt jetzt.</translation>
     </message>
-    <message numerus="yes">
-        <source>Next try in %n second(s).</source>
-        <translation>
-            <numerusform>Nächster Versuch in %n Sekunde.</numerusform>
-            <numerusform>Nächster Versuch in %n Sekunden.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>Next try in %n minute(s).</source>
-        <translation>
-            <numerusform>Nächster Versuch in %n Minute.</numerusform>
-            <numerusform>Nächster Versuch in %n Minuten.</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Next try at %1.</source>
         <translation>Nächster Versuch um %1.</translation>
@@ -1037,13 +1023,6 @@
     <message>
         <source>An attempt failed. %1</source>
         <translation>Ein Versuch schlug fehl. %1</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n attempt(s) failed until %1. %2</source>
-        <translation>
-            <numerusform>%n Versuch schlug bis %1 fehl. %2</numerusform>
-            <numerusform>%n Versuche schlugen bis %1 fehl. %2</numerusform>
-        </translation>
     </message>
     <message>
         <source>No connection</source>
@@ -1778,6 +1757,14 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>Assistant…</source>
         <translation>Assistent …</translation>
+    </message>
+    <message>
+        <source>Next try in %1.</source>
+        <translation>Nächster Versuch in %1.</translation>
+    </message>
+    <message>
+        <source>%1 attempts failed until %2. %3</source>
+        <translation>%1 Versuche schlugen bis %2 fehl. %3</translation>
     </message>
 </context>
 </TS>

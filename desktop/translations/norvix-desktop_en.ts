@@ -24,26 +24,5 @@
             <numerusform>%n had nothing to look at yet</numerusform>
         </translation>
     </message>
-    <message numerus="yes">
-        <source>Next try in %n second(s).</source>
-        <translation>
-            <numerusform>Next try in %n second.</numerusform>
-            <numerusform>Next try in %n seconds.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>Next try in %n minute(s).</source>
-        <translation>
-            <numerusform>Next try in %n minute.</numerusform>
-            <numerusform>Next try in %n minutes.</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n attempt(s) failed until %1. %2</source>
-        <translation>
-            <numerusform>%n attempt failed until %1. %2</numerusform>
-            <numerusform>%n attempts failed until %1. %2</numerusform>
-        </translation>
-    </message>
 </context>
 </TS>
