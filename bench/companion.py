@@ -67,9 +67,9 @@ class Running:
         return times
 
     def dirty_memory(self):
-        """Private dirty memory in kB."""
+        """Private dirty memory in kB, but for pages of files (see measure.py)."""
         rollup = self.machine.read("/proc/%d/smaps_rollup" % self.process.pid).decode()
-        return int(rollup.split("Private_Dirty:")[1].split()[0])
+        return int(rollup.split("Anonymous:")[1].split()[0])
 
 
 def measure(machine, usb, path, command, effort):
