@@ -246,8 +246,12 @@ QByteArray closedText(QByteArray text)
     for (int i = 0; i < text.size(); ++i) {
         if (text.at(i) == '"') {
             isQuoted = !isQuoted;
-        } else if (text.at(i) == '\\' && ++i == text.size()) {
-            text.chop(1);
+        } else if (text.at(i) == '\\') {
+            ++i;
+            // An escaped carriage return would make one line end with the line feed behind it.
+            if (i == text.size() || (i + 1 == text.size() && text.at(i) == '\r')) {
+                text.truncate(i - 1);
+            }
         }
     }
     return isQuoted ? text + '"' : text;

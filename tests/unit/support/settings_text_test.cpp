@@ -167,8 +167,9 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
 void TestSettingsText::whatTheEndOfTheFileCutsOffTakesNoOtherLineIn_data()
 {
     QTest::addColumn<QByteArray>("cutOff");
-    for (const char *text : {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\",
-             "@Variant(x), a \\", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
+    for (const char *text :
+        {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\", "@Variant(x), a \\",
+            "@Variant(x), a\\\r", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
         QTest::newRow(text) << QByteArray(text);
     }
 }
