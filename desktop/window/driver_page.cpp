@@ -107,6 +107,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     column->addWidget(m_progress);
     column->addWidget(m_outputTitle);
     column->addWidget(m_output, 1);
+    column->addStretch(0); // keeps the rows together while there is no output
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
     connect(m_restart, &QPushButton::clicked, this, &DriverPage::askToRestart);

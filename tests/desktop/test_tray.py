@@ -110,9 +110,9 @@ def test_the_item_tells_the_connection_and_quitting_leaves_it(computer, desktop)
     item = desktop.tray.item()
     item.wait(tooltip="Not connected")
     item.press("Connect")
-    desktop.wait_on_bus(lambda: item.tooltip.startswith("Connected"), what="the item says so",
-                        detail=lambda: item.tooltip)
-    assert "Address: 10.64.0.100" in item.tooltip
+    desktop.wait_on_bus(  # the address is told a moment later
+        lambda: item.tooltip.startswith("Connected") and "Address: 10.64.0.100" in item.tooltip,
+        what="the item says so", detail=lambda: item.tooltip)
     assert [entry.label for entry in item.menu()][-1] == "Quit (the connection stays)"
     item.press("Quit (the connection stays)")
     assert program.wait() == 0
