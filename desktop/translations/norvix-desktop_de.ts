@@ -1471,10 +1471,6 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Störabstand, letzte 30 Tage</translation>
     </message>
     <message>
-        <source>What the plot shows</source>
-        <translation>Was das Bild zeigt</translation>
-    </message>
-    <message>
         <source> GB</source>
         <translation> GB</translation>
     </message>
@@ -1765,6 +1761,14 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>%1 attempts failed until %2. %3</source>
         <translation>%1 Versuche schlugen bis %2 fehl. %3</translation>
+    </message>
+    <message>
+        <source>kB</source>
+        <translation>kB</translation>
+    </message>
+    <message>
+        <source>S&amp;how</source>
+        <translation>&amp;Zeigen</translation>
     </message>
 </context>
 </TS>
