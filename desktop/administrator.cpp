@@ -47,7 +47,8 @@ RightsOutcome rightsOutcomeOf(int status, const QByteArray &errors)
     if (errors.contains("No such file")) {
         return RightsOutcome::NoProgram;
     }
-    return errors.contains("ot authorized") ? RightsOutcome::Refused : RightsOutcome::NoPolkit;
+    return errors.toLower().contains("not authorized") ? RightsOutcome::Refused
+                                                       : RightsOutcome::NoPolkit;
 }
 
 QString rightsOutcomeText(RightsOutcome outcome)

@@ -39,7 +39,7 @@ const Event waitsForLine = told(DaemonSignal::synchronizing);
 const Event comesUp = told(DaemonSignal::connectionEstablished);
 const Event isEnded = told(DaemonSignal::connectionTerminated);
 const Event endsDown = told(DaemonSignal::connectionState, {2});
-const Event endsUp = told(DaemonSignal::connectionState, {0});
+const Event finishesUp = told(DaemonSignal::connectionState, {0});
 
 /// A model to which all of it has happened, a second apart.
 ConnectionModel after(const QVector<Event> &events)
@@ -208,7 +208,7 @@ private slots:
     void disconnectingIsNoTrouble()
     {
         const ConnectionModel model
-            = afterOffline({comesUp, endsUp, ev::Requested{Request::Disconnect}, isEnded,
+            = afterOffline({comesUp, finishesUp, ev::Requested{Request::Disconnect}, isEnded,
                 ev::RequestTaken{Request::Disconnect}, endsDown});
         QCOMPARE(*model.state, int(ConnectionDown));
         QCOMPARE(model.trouble, Trouble::None);
@@ -253,7 +253,7 @@ private slots:
     void aLossThatNobodyTellsIsFoundByAsking()
     {
         const ConnectionModel model
-            = afterOffline({comesUp, endsUp, answeredState(ConnectionDown)});
+            = afterOffline({comesUp, finishesUp, answeredState(ConnectionDown)});
         QCOMPARE(*model.state, int(ConnectionDown));
         QCOMPARE(model.trouble, Trouble::Lost);
         QVERIFY(model.lossReason.isEmpty());
@@ -262,7 +262,7 @@ private slots:
     void anotherDialIsFoundByAsking()
     {
         const ConnectionModel model
-            = afterOffline({comesUp, endsUp, answeredState(ConnectionConnecting)});
+            = afterOffline({comesUp, finishesUp, answeredState(ConnectionConnecting)});
         QCOMPARE(*model.state, int(ConnectionConnecting));
         QVERIFY(model.step == ConnectingStep::Started);
     }
@@ -273,7 +273,7 @@ private slots:
         for (const QVector<Event> &order :
             {QVector<Event>{lost}, QVector<Event>{lost, answeredState(2)},
                 QVector<Event>{answeredState(2), lost}, QVector<Event>{lost, endsDown}}) {
-            const ConnectionModel model = afterOffline(QVector<Event>{comesUp, endsUp} + order);
+            const ConnectionModel model = afterOffline(QVector<Event>{comesUp, finishesUp} + order);
             QCOMPARE(*model.state, int(ConnectionDown));
             QCOMPARE(model.trouble, Trouble::Lost);
             QCOMPARE(model.lossReason, QStringLiteral("hung-up"));
@@ -308,10 +308,10 @@ private slots:
     void theEndOfTheThreadDoesNotEndALinkThatIsUp()
     {
         ConnectionModel model
-            = afterOffline({comesUp, told(DaemonSignal::settingOpenDNS, {false}), endsUp});
+            = afterOffline({comesUp, told(DaemonSignal::settingOpenDNS, {false}), finishesUp});
         QCOMPARE(*model.state, int(ConnectionUp));
         QCOMPARE(model.trouble, Trouble::ResolverWrong);
-        model = afterOffline({comesUp, told(DaemonSignal::settingOpenDNS, {true}), endsUp});
+        model = afterOffline({comesUp, told(DaemonSignal::settingOpenDNS, {true}), finishesUp});
         QCOMPARE(model.trouble, Trouble::None);
     }
 
@@ -397,10 +397,10 @@ private slots:
 
     void everySignalCanComeAtAnyTime()
     {
-        const QVector<QVector<Event>> befores{{}, {ev::DaemonLeft()}, {ev::BusLost()},
+        const QVector<QVector<Event>> earlier{{}, {ev::DaemonLeft()}, {ev::BusLost()},
             {ev::DaemonAppeared(), comesUp}, {ev::DaemonAppeared(), attemptBegins},
             {ev::DaemonAppeared(), attemptBegins, isEnded}};
-        for (const QVector<Event> &before : befores) {
+        for (const QVector<Event> &before : earlier) {
             for (const BusSignal &signal : daemonSignals) {
                 ConnectionModel model = after(before);
                 model.apply(ev::DaemonTold{QLatin1String(signal.name), {}}, noon);
