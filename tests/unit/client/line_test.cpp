@@ -173,31 +173,6 @@ private slots:
         QVERIFY(!isOurCommandLine(words("pppd linkname norvix2")));
     }
 
-    void theDefaultRouteIsTheOneThatCostsLeast_data()
-    {
-        QTest::addColumn<QByteArray>("routes");
-        QTest::addColumn<QString>("interface");
-        const QByteArray head = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\t"
-                                "MTU\tWindow\tIRTT\n";
-        const QByteArray line = "ppp0\t00000000\t00000000\t0001\t0\t0\t0\t00000000\t0\t0\t0\n";
-        const QByteArray wifi = "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\t0\t0\n";
-        const QByteArray cable = "eth0\t00000000\t0101A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
-        const QByteArray local = "eth0\t0001A8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\t0\t0\n";
-        const QByteArray half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\t0\t0\n";
-        QTest::newRow("nothing") << QByteArray() << QString();
-        QTest::newRow("none") << head + local << QString();
-        QTest::newRow("one") << head + local + line << "ppp0";
-        QTest::newRow("the cheaper one, wherever") << head + wifi + line << "ppp0";
-        QTest::newRow("of equal ones the first") << head + cable + line << "eth0";
-        QTest::newRow("half of the world is no default") << head + half + wifi << "wlan0";
-        QTest::newRow("cut off") << head + "ppp0\t00000000\t0000" << QString();
-    }
-    void theDefaultRouteIsTheOneThatCostsLeast()
-    {
-        QFETCH(QByteArray, routes);
-        QTEST(defaultRouteInterface(routes), "interface");
-    }
-
     void resolverLinesAreRead()
     {
         QCOMPARE(
