@@ -247,7 +247,7 @@ def test_each_side_of_midnight_has_its_own_file(bus_machine):
 @ROOT_ONLY
 def test_on_a_full_disk_there_are_whole_lines_or_none(bus_machine):
     """The log lies on a disk of two pages, so that one line crosses the end of the last."""
-    bus_machine.start_daemon()
+    bus_machine.start_daemon().wait_started()  # its lines are not to be found there
     client = bus_machine.client()
     bus_machine.path("/run/small").mkdir()
     mount(bus_machine, "-t", "tmpfs", "-o", "size=8k", "tmpfs", "/run/small")
