@@ -159,6 +159,9 @@ def unpack(archive, image):
         elif (target / name).is_dir():
             shutil.copytree(target / name, target / "usr" / name, symlinks=True, dirs_exist_ok=True)
             shutil.rmtree(target / name)
+    for name in ("var/run", "var/lock"):
+        if (target / name).is_dir() and not (target / name).is_symlink():
+            (target / name).rmdir()  # the links to /run come with the system below
     shutil.copytree(target, image.root, symlinks=True, dirs_exist_ok=True)
     shutil.rmtree(target)
 
