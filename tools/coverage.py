@@ -12,8 +12,10 @@ import subprocess
 import sys
 from pathlib import Path
 
-ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client", "ctl", "keeper")
+ROOMS = ("support", "daemon", "connection", "driver", "network", "dbus", "hal", "client", "ctl", "keeper",
+         "desktop")
 PROGRAMS = ("bin/norvix-daemon", "bin/norvixctl", "bin/norvix-hald", "bin/norvix-keeper",
+            "bin/norvix-desktop", "libexec/norvix-desktop-join", "libexec/norvix-desktop-mend",
             "lib/libnorvix-support.so")
 LEAST_COVERED = 12
 
