@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The lab's desktops themselves, seen with a small window of the tests' own."""
 import os
+import platform
 import re
 
 import pytest
@@ -146,6 +147,9 @@ def test_a_program_is_started_in_german(desktop):
     assert desktop.run(["/usr/bin/locale", "decimal_point"])[1] == ",\n"
 
 
+# Qt 5.15.15 is refused by the accessibility bus there as soon as there is no X; why is not known.
+@pytest.mark.skipif(platform.freedesktop_os_release().get("VERSION_ID") == "13",
+                    reason="without X, Debian 13's toolkit does not reach the accessibility bus")
 def test_on_wayland_the_same_can_be_done(new_desktop, probe, tmp_path):
     desktop = new_desktop(wayland=True)
     desktop.tray.start()
