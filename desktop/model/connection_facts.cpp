@@ -35,7 +35,7 @@ QString nameServerText(const Surroundings &surroundings)
     if (surroundings.nameServers.isEmpty()) {
         return Say::tr("none");
     }
-    const QString servers = printable(surroundings.nameServers.join(QStringLiteral(", ")));
+    QString servers = printable(surroundings.nameServers.join(QStringLiteral(", ")));
     if (!surroundings.isNameAnswered) {
         return servers;
     }

@@ -49,9 +49,9 @@ QColor withContrast(const QColor &colour, const QColor &background, double least
 
 PlotColours plotColours(const QPalette &palette)
 {
-    const QColor ground = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::WindowText);
-    const QColor window = palette.color(QPalette::Window);
+    const QColor &ground = palette.color(QPalette::Base);
+    const QColor &text = palette.color(QPalette::WindowText);
+    const QColor &window = palette.color(QPalette::Window);
     QColor first = palette.color(QPalette::Highlight).toHsl();
     if (first.hslHue() < 0 || first.hslSaturationF() < 0.3) { // a grey highlight
         first = QColor(0x2a, 0x7f, 0xd4).toHsl();

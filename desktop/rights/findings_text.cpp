@@ -46,7 +46,7 @@ std::optional<Finding> findingIn(const QJsonObject &object)
         return std::nullopt;
     }
     Finding finding{object.value(checkKey).toString(), Verdict(*verdict), {}, *remedy};
-    for (const QJsonValue &value : object.value(factsKey).toArray()) {
+    for (const auto &value : object.value(factsKey).toArray()) {
         const std::optional<Remedy> own = remedyIn(value.toObject());
         if (!own) {
             return std::nullopt;
@@ -83,7 +83,7 @@ std::optional<QList<Finding>> findingsFrom(const QByteArray &text)
         return std::nullopt;
     }
     QList<Finding> findings;
-    for (const QJsonValue &value : document.array()) {
+    for (const auto &value : document.array()) {
         const std::optional<Finding> finding = findingIn(value.toObject());
         if (!finding) {
             return std::nullopt;
