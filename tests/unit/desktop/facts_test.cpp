@@ -77,8 +77,8 @@ private slots:
         ConnectionModel model = connectedModel();
         model.line = event::LineSeen{{Line::Up, 8128, 832, {}}, 11.5, 14.0};
         Surroundings around;
-        around.routeInterface = QStringLiteral("ppp0");
-        around.nameServers = QStringList{QStringLiteral("192.0.2.53")};
+        around.routeInterface.emplace(QStringLiteral("ppp0"));
+        around.nameServers.append(QStringLiteral("192.0.2.53"));
         around.isNameAnswered = true;
         around.today = KeeperTraffic{QDate(), QDate(), 1800000000, 0};
         around.month = KeeperTraffic{QDate(), QDate(), 31000000000, 400000000};
