@@ -5,8 +5,11 @@
 function(norvix_desktop_test name library)
   norvix_unit_test(desktop_${name} desktop/${name}_test.cpp)
   target_link_libraries(unit-desktop_${name} PRIVATE ${library})
+  # Whose leak it is shows only in whole stacks.
   set_property(TEST ${kind}.desktop_${name}
-    APPEND PROPERTY ENVIRONMENT_MODIFICATION QT_QPA_PLATFORM=set:offscreen)
+    APPEND PROPERTY ENVIRONMENT_MODIFICATION QT_QPA_PLATFORM=set:offscreen
+      ASAN_OPTIONS=set:fast_unwind_on_malloc=0
+      LSAN_OPTIONS=set:suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp)
 endfunction()
 
 norvix_desktop_test(connection_model norvix-desktop-model)
