@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray text(reinterpret_cast<const char *>(data), int(size));
     keeper::causeInLog(text);
-    keeper::lastDisconnectInLog(text);
+    keeper::unheardInLog(text, 0, "usb_device_572_cb00_1", true);
     keeper::cellsReceived(text);
     keeper::linkFileFrom(text);
     keeper::versionInHeader(text);
