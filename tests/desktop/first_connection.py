@@ -63,25 +63,36 @@ class Guide:
         self.window.press_button(re.compile("^(Set up|Assistant)…$"))
         return self.at("May I?")
 
+    @staticmethod
+    def number(title):
+        return "%d of 5" % (STEPS.index(title) + 1)
+
     def at(self, title):
         """Waits for a page of the assistant."""
-        self.window.wait_text("%d of 5" % (STEPS.index(title) + 1))
+        self.window.wait_text(self.number(title))
         return self
 
     def says(self, text):
         return self.window.wait_text(re.compile(text) if isinstance(text, str) else text)
 
-    def press(self, *names):
-        for name in names:
-            self.window.press_button(name)
+    def press(self, name):
+        """One at a time: a button that is pressed again while it is still down takes both for one."""
+        self.window.press_button(name)
         return self
 
     def next(self, title):
         return self.press("Next").at(title)
 
+    def back_to(self, title):
+        """From where it is, page by page."""
+        here = next(step for step in STEPS if self.number(step) in self.window.texts())
+        for step in reversed(STEPS[STEPS.index(title):STEPS.index(here)]):
+            self.press("Back").at(step)
+        return self
+
     def skip_to(self, title):
         """From where it is, without storing anything."""
-        while "%d of 5" % (STEPS.index(title) + 1) not in self.window.texts():
+        while self.number(title) not in self.window.texts():
             before = set(self.window.texts())
             self.press("Skip")
             self.window.wait(lambda: set(self.window.texts()) != before, what="the next page")

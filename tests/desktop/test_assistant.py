@@ -240,7 +240,7 @@ def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
     stranger.window.fill("Login", "me")
     stranger.window.fill("Password", "very-secret")
     guide.press("Next").says("You are not allowed to use the modem yet")
-    guide.press("Back", "Back", "Back").at("May I?")
+    guide.back_to("May I?")
     guide.press("Let me use it…").says("^You may use the modem")  # begun anew
     guide.skip_to("Account").next("Connect")
     assert secrets(computer.machine) == ['"me" * "very-secret" *'] * 2
