@@ -156,13 +156,13 @@ private slots:
     void eachFactIsJudged_data()
     {
         QTest::addColumn<QString>("id");
-        QTest::addColumn<Spoil>("spoil");
         QTest::addColumn<QString>("verdict");
         QTest::addColumn<QString>("words"); // in text or remedy
-        const auto row = [](const char *name, const char *id, const Spoil &spoil,
-                             const char *verdict, const char *words) {
-            QTest::newRow(name) << QString::fromLatin1(id) << spoil << QString::fromLatin1(verdict)
-                                << QString::fromUtf8(words);
+        QTest::addColumn<Spoil>("spoil");
+        const auto row = [](const char *name, const char *id, const char *verdict,
+                             const char *words, const Spoil &spoil) {
+            QTest::newRow(name) << QString::fromLatin1(id) << QString::fromLatin1(verdict)
+                                << QString::fromUtf8(words) << spoil;
         };
         row("no bus", "daemon", "fault", "start dbus", [](Facts &f) { f.isBusThere = false; });
         row("no daemon", "daemon", "fault", "start norvix-daemon",
@@ -356,9 +356,9 @@ private slots:
     void eachFactIsJudged()
     {
         QFETCH(QString, id);
-        QFETCH(Spoil, spoil);
         QFETCH(QString, verdict);
         QFETCH(QString, words);
+        QFETCH(Spoil, spoil);
         Facts facts = soundFacts();
         spoil(facts);
         for (const Finding &finding : examine(facts)) {
