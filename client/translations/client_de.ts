@@ -859,5 +859,17 @@
         <source>In the billing month until %1: %2 of %3; what is left is %4 a day.</source>
         <translation>Im Abrechnungsmonat bis %1: %2 von %3; es bleiben %4 je Tag.</translation>
     </message>
+    <message>
+        <source>loaded</source>
+        <translation>geladen</translation>
+    </message>
+    <message>
+        <source>there, not loaded</source>
+        <translation>vorhanden, nicht geladen</translation>
+    </message>
+    <message>
+        <source>missing for this kernel</source>
+        <translation>fehlt für diesen Kernel</translation>
+    </message>
 </context>
 </TS>

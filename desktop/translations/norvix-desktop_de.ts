@@ -1327,22 +1327,6 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Der Dienst wird gestartet.</translation>
     </message>
     <message>
-        <source>loaded</source>
-        <translation>geladen</translation>
-    </message>
-    <message>
-        <source>there, not loaded</source>
-        <translation>vorhanden, nicht geladen</translation>
-    </message>
-    <message>
-        <source>missing for this kernel</source>
-        <translation>fehlt für diesen Kernel</translation>
-    </message>
-    <message>
-        <source>unknown</source>
-        <translation>unbekannt</translation>
-    </message>
-    <message>
         <source>none needed</source>
         <translation>keine nötig</translation>
     </message>
