@@ -2,8 +2,10 @@
 // What every client makes of numbers, foreign text and the daemon's signals.
 #include "client/signal_text.h"
 #include "client/text_format.h"
+#include "client/translation.h"
 #include "dbus/contract.h"
 
+#include <QDir>
 #include <QTest>
 
 class ClientTextTest : public QObject
@@ -11,6 +13,22 @@ class ClientTextTest : public QObject
     Q_OBJECT
 
 private slots:
+    void everyTranslationIsOneOfTheSpokenLanguages()
+    {
+        speakUsersLanguage(QStringLiteral("none"), true);
+        const QStringList files = QDir(QStringLiteral(":/translations")).entryList();
+        QVERIFY(!files.isEmpty());
+        for (const QString &file : files) {
+            const QString language
+                = file.section(QLatin1Char('_'), 1).section(QLatin1Char('.'), 0, 0);
+            QVERIFY2(isSpoken(language), qPrintable(file));
+        }
+        QVERIFY(isSpoken(QStringLiteral("en")));
+        for (const char *other : {"", "fr", "de_DE", "DE", "../de"}) {
+            QVERIFY2(!isSpoken(QString::fromLatin1(other)), other);
+        }
+    }
+
     void bytesHaveTheUnitThatFits_data()
     {
         QTest::addColumn<double>("bytes");
