@@ -43,7 +43,7 @@ bool isSpoken(const QString &language)
 QString usersLanguage()
 {
     for (const QString &liked : QLocale().uiLanguages()) {
-        const QString language = liked.section(QLatin1Char('-'), 0, 0);
+        QString language = liked.section(QLatin1Char('-'), 0, 0);
         if (isSpoken(language)) {
             return language;
         }
