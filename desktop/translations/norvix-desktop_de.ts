@@ -1682,5 +1682,9 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <source>S&amp;how</source>
         <translation>&amp;Zeigen</translation>
     </message>
+    <message>
+        <source>The connection was lost at %1, back after %2.</source>
+        <translation>Die Verbindung ging um %1 verloren und stand nach %2 wieder.</translation>
+    </message>
 </context>
 </TS>

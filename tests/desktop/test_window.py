@@ -72,6 +72,8 @@ def test_a_lost_link_is_told_with_the_keepers_reason_and_comes_back(world):
     world.answer()
     world.window.press_button("Try now")
     world.window.find("label", "Connected")
+    world.window.wait_text(
+        re.compile(r"^For \d+ s\. The connection was lost at \d\d:\d\d.*, back after \d+ s\.$"))
 
 
 def test_without_a_keeper_a_lost_link_is_found_by_asking(world):
