@@ -182,6 +182,9 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
         headline.reason = requestFailureText(model.requestFailure);
         if (model.requestFailure.kind == FailureKind::NotPermitted) {
             headline.primary = Action::SetUp;
+        } else if (model.requestFailure.kind == FailureKind::KeeperNoAnswer) {
+            headline.secondary = headline.primary;
+            headline.primary = Action::CheckUp; // where it is restarted
         }
         return headline;
     }

@@ -238,6 +238,10 @@ private slots:
             S::Offline, "Not connected", "", A::Connect);
         row("not allowed", failure(FailureKind::NotPermitted), S::Attention, "Not connected",
             "not allowed", A::SetUp);
+        row("the keeper hangs",
+            both(keeper(KeeperPhase::waiting, KeeperReason::hungUp),
+                failure(FailureKind::KeeperNoAnswer)),
+            S::Attention, "Not connected", "The keeper does not answer.", A::CheckUp, A::TryNow);
         for (const FailureKind kind : {FailureKind::NoBus, FailureKind::NoDaemon,
                  FailureKind::NotStarted, FailureKind::NoAnswer, FailureKind::DaemonError,
                  FailureKind::DaemonRefused, FailureKind::FileUnreadable}) {
