@@ -283,8 +283,7 @@ void HistoryPage::showMessage()
         text = Say::tr("Only members of the group “norvix” may see the history.");
         canJoin = true;
     } else if (m_failure) {
-        text = m_failure.kind == FailureKind::NoAnswer ? Say::tr("The keeper does not answer.")
-                                                       : requestFailureText(m_failure);
+        text = requestFailureText(m_failure);
     } else {
         text = keeperHistoryText(keeper->history);
     }
@@ -371,7 +370,7 @@ void HistoryPage::storePlan()
     const auto finish = [this](const Failure &failure) {
         m_store->setEnabled(true);
         if (failure) {
-            m_planOutcome->complain(failure.kind == FailureKind::NoAnswer
+            m_planOutcome->complain(failure.kind == FailureKind::KeeperNoAnswer
                     ? Say::tr("The keeper does not answer; nothing was stored.")
                     : requestFailureText(failure));
             return;
