@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QDateTime>
@@ -66,6 +67,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
 {
     auto *facts = new QFormLayout;
     facts->setLabelAlignment(Qt::AlignTrailing);
+    facts->setHorizontalSpacing(fontMetrics().height());
     facts->setRowWrapPolicy(QFormLayout::WrapLongRows);
     facts->addRow(Say::tr("Modem"), m_modem);
     facts->addRow(Say::tr("USB id"), m_id);
@@ -75,8 +77,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     facts->addRow(Say::tr("Kernel"), m_kernel);
     auto *buttons = new QHBoxLayout;
     for (QPushButton *button : {m_restart, m_build}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
-        buttons->addWidget(button);
+        buttons->addWidget(comfortable(button));
     }
     buttons->addStretch(1);
     m_building->setWordWrap(true);
