@@ -6,7 +6,7 @@ import re
 import sqlite3
 from datetime import date, datetime, timedelta, timezone
 
-from first_connection import PEER, SECRETS, Guide, furnish, show_in_sysfs
+from first_connection import PEER, SECRETS, furnish, show_in_sysfs
 
 from lab.desktop.bus_service import BusService
 from lab.machine.bus_client import SERVICE
@@ -29,10 +29,7 @@ GIGABYTE, MEGABYTE = 10 ** 9, 10 ** 6
 LOG = "".join("20-05-2026 %s\n" % line for line in (
     "18:00:48 NorvixDaemon::NorvixDaemon(): ctor invoked.",
     "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: modem = Thomson Speedtouch 330",
-    "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: product_id = 16481",
-    "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: protocol = PPPoE",
     "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: vci = 35",
-    "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: vendor_id = 1721",
     "18:00:48 NorvixDaemon::NorvixDaemon(): daemon.ini: vpi = 8",
     "18:00:48 NorvixDaemon::NorvixDaemon(): norvix.conf exists.",
     "18:00:48 NorvixDaemon::NorvixDaemon(): successfully connected to DBus.",
@@ -171,7 +168,8 @@ class Scenes:
     # ---- the scenes
 
     def turn_to(self, page):
-        self.window.select(self.translated("Pages"), self.translated(page))
+        pages = self.window.find("list", self.translated("Pages"))
+        self.desktop.click(pages.find("list item", self.translated(page)))
 
     def start(self):
         """All is set up and nothing is connected."""
@@ -202,17 +200,28 @@ class Scenes:
         self.window.wait_text("192.0.2.53")
 
     def guide_to_provider(self):
-        guide = Guide(self.desktop)
-        self.window.press_button(self.translated("Assistant…"))
-        guide.at("May I?").next("Modem").next("Provider")
-        self.window.choose("Country", "Italy")
-        self.window.choose("Provider", "TIM (Alice)")
-        self.window.find("push button", "Next").focus()
+        say = self.translated
+        self.window.press_button(say("Assistant…"))
+        self._wait_step(1)
+        for step in (2, 3):
+            self.window.press_button(say("Next"))
+            self._wait_step(step)
+        self.window.choose(say("Country"), say("Italy"))
+        self.window.choose(say("Provider"), "TIM (Alice)")
+        self.window.find("push button", say("Next")).focus()
 
     def guide_to_connection(self):
+        say = self.translated
         self.machine.pppd.script([*link_up(), stay()])
-        guide = Guide(self.desktop)
-        guide.skip_to("Connect").press("Connect").says("^You are connected")
+        for step in (4, 5):
+            self.window.press_button(say("Skip"))
+            self._wait_step(step)
+        self.window.press_button(say("Connect"))
+        self.window.wait_gone("push button", say("Skip"))
+        self.window.wait_text(say("You are connected. “Close” leads to the window; the connection stays."))
+
+    def _wait_step(self, number):
+        self.window.wait_text(self.translated("%1 of %2").replace("%1", str(number)).replace("%2", "5"))
 
     def show_log(self):
         self.turn_to("Log")
