@@ -107,9 +107,9 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     const int gap = fontMetrics().height();
     auto *head = new QHBoxLayout;
     head->addWidget(m_heading, 1);
-    auto *choiceLabel = new QLabel(Say::tr("S&how"));
+    auto *choiceLabel = comfortable(new QLabel(Say::tr("S&how")));
     choiceLabel->setBuddy(m_choice);
-    head->addWidget(choiceLabel, 0, Qt::AlignVCenter);
+    head->addWidget(choiceLabel, 0, Qt::AlignTop);
     head->addWidget(m_choice, 0, Qt::AlignTop);
     auto *column = new QVBoxLayout(scrolledContent(this));
     column->setSpacing(gap);
@@ -158,6 +158,7 @@ QWidget *HistoryPage::planRow()
     form->addRow(Say::tr("&Limit in a billing month"), m_limit);
     form->addRow(Say::tr("Billing month begins on &day"), m_billingDay);
     form->addRow(QString(), m_store);
+    alignNames(form);
     const auto edit = [this] {
         m_isPlanEdited = true;
         m_planOutcome->inform(QString());
