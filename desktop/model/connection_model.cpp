@@ -164,6 +164,14 @@ std::optional<qint64> ConnectionModel::connectedSeconds(qint64 now) const
         : std::nullopt;
 }
 
+bool ConnectionModel::doesTimeShow() const
+{
+    const bool isWaiting = daemon == DaemonPresence::Silent || pending || isBuilding || isRestarting
+        || (keeper && keeper->nextAttempt);
+    const bool isLinkThere = state && *state != ConnectionDown;
+    return isWaiting || isLinkThere || !speeds.samples().isEmpty();
+}
+
 /// The state, told by a signal or answered to a question.
 void ConnectionModel::takeState(int newState, qint64 now)
 {

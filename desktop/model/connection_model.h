@@ -78,6 +78,9 @@ public:
     /// How long the connection has been up. The daemon's own count begins anew after a day.
     std::optional<qint64> connectedSeconds(qint64 now) const;
 
+    /// Whether what is shown of it becomes another with time alone: a count, or a plot that moves.
+    bool doesTimeShow() const;
+
 private:
     struct Taker;
 

@@ -418,6 +418,31 @@ private slots:
         model.apply(waitsForLine, noon + 6000);
         QCOMPARE(model.waitSince, noon + 6000);
     }
+
+    void timeShowsOnlyWhereSomethingIsCountedOrMoves()
+    {
+        QVERIFY(!ConnectionModel().doesTimeShow());
+        QVERIFY(!afterOffline({}).doesTimeShow());
+        QVERIFY(!after({ev::DaemonLeft()}).doesTimeShow());
+        QVERIFY(afterOffline({attemptBegins}).doesTimeShow());
+        QVERIFY(afterOffline({comesUp}).doesTimeShow());
+        QVERIFY(!afterOffline({comesUp, isEnded}).doesTimeShow());
+        QVERIFY(afterOffline({told(DaemonSignal::compilingDriver)}).doesTimeShow());
+        QVERIFY(afterOffline({ev::DaemonSilent()}).doesTimeShow());
+        QVERIFY(after({ev::DaemonLeft(), ev::Requested{Request::Connect}}).doesTimeShow());
+        KeeperState waiting;
+        waiting.nextAttempt = noon / 1000 + 60;
+        QVERIFY(afterOffline({ev::KeeperTold{waiting}}).doesTimeShow());
+    }
+
+    void aPlotMovesUntilItIsEmpty()
+    {
+        ConnectionModel model
+            = afterOffline({comesUp, told(DaemonSignal::transmissionSpeed, {1U, 1U}), isEnded});
+        QVERIFY(model.doesTimeShow());
+        model.apply(ev::Ticked(), noon + 10 * 60 * 1000);
+        QVERIFY(!model.doesTimeShow());
+    }
 };
 
 QTEST_APPLESS_MAIN(ConnectionModelTest)
