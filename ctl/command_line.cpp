@@ -173,3 +173,8 @@ std::optional<int> wholeNumber(const QString &text, int least, int most)
     }
     return number;
 }
+
+std::optional<int> linesWanted(const Invocation &invocation, int usual, int most)
+{
+    return invocation.has("lines") ? wholeNumber(invocation.value("lines"), 0, most) : usual;
+}

@@ -39,3 +39,6 @@ bool isGroup(const QString &word);
 
 /// A whole number of at least @p least and at most @p most, in decimal digits only.
 std::optional<int> wholeNumber(const QString &text, int least, int most);
+
+/// The number after --lines, 0 to @p most; @p usual without the option, nothing for other words.
+std::optional<int> linesWanted(const Invocation &invocation, int usual, int most);

@@ -2,6 +2,7 @@
 #include "desktop/administrator.h"
 
 #include "client/say.h"
+#include "client/translation.h"
 
 #include <QDateTime>
 #include <QProcessEnvironment>
@@ -114,7 +115,11 @@ Administrator::~Administrator()
 
 void Administrator::perform(Verb verb, const Then &then)
 {
-    start(mendProgram, {QLatin1String(verbWord(verb))}, then);
+    QStringList words{QLatin1String(verbWord(verb))};
+    if (verb == Verb::Look) {
+        words.append(usersLanguage());
+    }
+    start(mendProgram, words, then);
 }
 
 void Administrator::join(const Then &then)

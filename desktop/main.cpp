@@ -12,7 +12,6 @@
 
 #include <QApplication>
 #include <QLibraryInfo>
-#include <QLocale>
 #include <QTextStream>
 #include <QTranslator>
 #include <algorithm>
@@ -57,7 +56,7 @@ int showText(int argc, char *argv[])
 void speakToolkitsSentences()
 {
     auto *translator = new QTranslator(qApp);
-    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+    if (translator->load(QStringLiteral("qtbase_") + usersLanguage(),
             QLibraryInfo::location(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(translator);
     }

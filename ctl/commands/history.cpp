@@ -86,26 +86,22 @@ Story storyOf(const QList<KeeperSession> &sessions, const QList<KeeperAttempts> 
 
 int runHistory(const Invocation &invocation, const Terminal &terminal)
 {
-    int most = usualEntries;
-    if (invocation.has("lines")) {
-        const auto number = wholeNumber(invocation.value("lines"), 0, mostEntries);
-        if (!number) {
-            return terminal.fail(BadUsage, Say::tr("--lines takes a whole number."));
-        }
-        most = *number;
+    const auto most = linesWanted(invocation, usualEntries, mostEntries);
+    if (!most) {
+        return terminal.fail(BadUsage, Say::tr("--lines takes a whole number."));
     }
     const DaemonBus bus;
     const KeeperBus keeper(bus);
     // One more than is shown: the daily hang-up is told by the one before it.
-    const auto sessions = keeper.sessions(quint32(most) + 1);
+    const auto sessions = keeper.sessions(quint32(*most) + 1);
     if (!sessions.ok()) {
         return terminal.fail(sessions.failure);
     }
-    const auto attempts = keeper.attempts(quint32(most));
+    const auto attempts = keeper.attempts(quint32(*most));
     if (!attempts.ok()) {
         return terminal.fail(attempts.failure);
     }
-    const Story story = storyOf(sessions.value, attempts.value, most);
+    const Story story = storyOf(sessions.value, attempts.value, *most);
     if (terminal.form != Form::Human) {
         story.machine.print(terminal);
     } else if (story.person.isEmpty()) {

@@ -130,16 +130,12 @@ int runUsage(const Invocation &invocation, const Terminal &terminal)
         }
         plan.billingDay = *day;
     }
-    int most = usualEntries;
-    if (invocation.has("lines")) {
-        const auto number = wholeNumber(invocation.value("lines"), 0, mostEntries);
-        if (!number) {
-            return terminal.fail(BadUsage, Say::tr("--lines takes a whole number."));
-        }
-        most = *number;
+    const auto most = linesWanted(invocation, usualEntries, mostEntries);
+    if (!most) {
+        return terminal.fail(BadUsage, Say::tr("--lines takes a whole number."));
     }
     const DaemonBus bus;
     const KeeperBus keeper(bus);
     return plan.limit || plan.billingDay ? change(plan, keeper, terminal)
-                                         : show(invocation.has("month"), most, keeper, terminal);
+                                         : show(invocation.has("month"), *most, keeper, terminal);
 }

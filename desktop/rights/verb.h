@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the window can have done with an administrator's rights. The list is closed: who asks gives
-// one of these words and nothing else. Knows no Qt.
+// one of these words and nothing else, but that a look is told in which language. Knows no Qt.
 #pragma once
 
 #include <array>

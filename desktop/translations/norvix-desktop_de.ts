@@ -240,78 +240,6 @@
         <translation>Sie sind jetzt Mitglied, aber dieses Programm konnte nicht neu gestartet werden. Melden Sie sich ab und wieder an.</translation>
     </message>
     <message>
-        <source>Austria</source>
-        <translation>Österreich</translation>
-    </message>
-    <message>
-        <source>Australia</source>
-        <translation>Australien</translation>
-    </message>
-    <message>
-        <source>Belgium</source>
-        <translation>Belgien</translation>
-    </message>
-    <message>
-        <source>Brazil</source>
-        <translation>Brasilien</translation>
-    </message>
-    <message>
-        <source>Switzerland</source>
-        <translation>Schweiz</translation>
-    </message>
-    <message>
-        <source>Czechia</source>
-        <translation>Tschechien</translation>
-    </message>
-    <message>
-        <source>Germany</source>
-        <translation>Deutschland</translation>
-    </message>
-    <message>
-        <source>Denmark</source>
-        <translation>Dänemark</translation>
-    </message>
-    <message>
-        <source>Spain</source>
-        <translation>Spanien</translation>
-    </message>
-    <message>
-        <source>France</source>
-        <translation>Frankreich</translation>
-    </message>
-    <message>
-        <source>United Kingdom</source>
-        <translation>Vereinigtes Königreich</translation>
-    </message>
-    <message>
-        <source>Italy</source>
-        <translation>Italien</translation>
-    </message>
-    <message>
-        <source>Netherlands</source>
-        <translation>Niederlande</translation>
-    </message>
-    <message>
-        <source>Poland</source>
-        <translation>Polen</translation>
-    </message>
-    <message>
-        <source>Portugal</source>
-        <translation>Portugal</translation>
-    </message>
-    <message>
-        <source>Russia</source>
-        <translation>Russland</translation>
-    </message>
-    <message>
-        <source>Ukraine</source>
-        <translation>Ukraine</translation>
-    </message>
-    <message>
-        <source>United States</source>
-        <translation>Vereinigte Staaten</translation>
-    </message>
-    <message>
         <source>Put a fitting file in place…</source>
         <translation>Eine passende Datei hinlegen …</translation>
     </message>
@@ -1325,22 +1253,6 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>The daemon is being started.</source>
         <translation>Der Dienst wird gestartet.</translation>
-    </message>
-    <message>
-        <source>loaded</source>
-        <translation>geladen</translation>
-    </message>
-    <message>
-        <source>there, not loaded</source>
-        <translation>vorhanden, nicht geladen</translation>
-    </message>
-    <message>
-        <source>missing for this kernel</source>
-        <translation>fehlt für diesen Kernel</translation>
-    </message>
-    <message>
-        <source>unknown</source>
-        <translation>unbekannt</translation>
     </message>
     <message>
         <source>none needed</source>

@@ -23,21 +23,6 @@ namespace {
 constexpr int readMs = 1000;
 constexpr qint64 mostOutput = 1 << 17;
 
-QString stateText(Module module)
-{
-    switch (module) {
-    case Module::Loaded:
-        return Say::tr("loaded");
-    case Module::Available:
-        return Say::tr("there, not loaded");
-    case Module::Missing:
-        return Say::tr("missing for this kernel");
-    case Module::Unknown:
-        break;
-    }
-    return Say::tr("unknown");
-}
-
 QString firmwareText(const Facts &facts)
 {
     if (facts.firmware.isEmpty()) {
@@ -178,7 +163,7 @@ DriverPage::Seen DriverPage::look()
     seen.id = id.vendor == 0 ? QString() : idText(id);
     seen.firmware = firmwareText(facts);
     seen.driver = facts.driver;
-    seen.state = facts.driver.isEmpty() ? QString() : stateText(facts.driverModule);
+    seen.state = facts.driver.isEmpty() ? QString() : moduleText(facts.driverModule);
     seen.kernel = facts.kernel;
     return seen;
 }

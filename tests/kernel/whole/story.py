@@ -2,6 +2,7 @@
 """Runs inside the emulated computer, beside the whole system that systemd has booted: what a connection
 lives through there. Arguments are the names of stories, told one after the other."""
 import json
+import os
 import pathlib
 import random
 import shutil
@@ -344,10 +345,29 @@ def lives_beside_resolved(connection):
     write("/etc/resolv.conf", system.GOOD_RESOLVER)
 
 
+def restarts_the_modem_after_a_loss(connection):
+    """udev, in the confinement that the distribution gives it, ends the bridge with the device."""
+    shipped = (THERE / "etc/norvix-keeper.conf").read_text(encoding="utf-8")
+    write("/etc/norvix-keeper.conf", "pause_hung_up = 20\n")  # time to restart it while nothing is tried
+    inside("systemctl", "restart", "norvix-keeper")
+    connection.connect()
+    connection.provider.say_goodbye()
+    connection.keeper.wait_for(PATIENCE, State="waiting", Reason="hung-up")
+    assert system.processes("br2684ctl_amd64")
+    mark = connection.client.mark()
+    connection.client.call("restartModem")
+    connection.client.wait_signal("restartModemFinished", timeout=PATIENCE, after=mark)
+    connection.comes_up(mark)
+    assert "killall" not in inside("journalctl", "--no-pager", "-b", "-u", "systemd-udevd")
+    connection.disconnect()
+    write("/etc/norvix-keeper.conf", shipped)
+    inside("systemctl", "restart", "norvix-keeper")
+
+
 # ---- beside others that keep a connection
 
 PERSISTENT = pathlib.Path("/usr/local/sbin/persistent-ppp")  # the daemon ends everything called pppd
-MOMENTS = 20
+MOMENTS = int(os.environ.get("NORVIX_MOMENTS") or 20)
 # A whole period of its attempts, so that the provider comes back at any moment of one.
 AWAY = (15, 58)
 SPENT_SECONDS = 200  # four tries of NetworkManager's

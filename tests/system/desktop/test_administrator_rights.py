@@ -162,7 +162,9 @@ def test_only_its_own_words_are_taken(machine):
     plant(machine, "systemctl", "modprobe", "groupadd")
     hostile = [[], [""], ["restart-daemon "], ["Restart-Daemon"], ["restart"], ["--help"],
                ["restart-daemon", "ssh"], ["/etc/shadow"], ["../look"], ["look\n"], ["-platform"],
-               ["restart-daemon;id"], ["mend-files", "/etc/passwd"], ["start-hald"] * 2]
+               ["restart-daemon;id"], ["mend-files", "/etc/passwd"], ["start-hald"] * 2,
+               ["look", ""], ["look", "fr"], ["look", "../de"], ["look", "de_DE"], ["look", "de\n"],
+               ["look", "DE"], ["look", "de", "de"], ["de"], ["mend-files", "de"]]
     before = files_of(machine.path("/etc"))
     for words in hostile:
         assert run(machine, MEND, *words).status == MISUSED, words
@@ -210,6 +212,18 @@ def test_looking_tells_findings_and_no_password(bus_machine):
     found = {row["check"]: row for row in json.loads(result.stdout)}
     assert found["secrets"]["facts"][0]["text"] == "order and modes are right"
     assert "mysecret" not in result.stdout + result.stderr
+
+
+def test_looking_speaks_the_language_that_it_is_told(bus_machine):
+    for name in (PAP, "/etc/ppp/chap-secrets"):
+        bus_machine.path(name).write_text('"mylogin" * "mysecret" *\n', encoding="ascii")
+    texts = {}
+    for language in ("de", "en"):
+        result = run(bus_machine, MEND, "look", language)
+        assert result.status == DONE
+        texts[language] = {row["check"]: row["facts"][0]["text"] for row in json.loads(result.stdout)}
+    assert texts["de"]["secrets"] == "Reihenfolge und Rechte stimmen"
+    assert texts["en"]["secrets"] == "order and modes are right"
 
 
 def test_modules_are_loaded_as_far_as_the_kernel_has_them(machine):

@@ -48,6 +48,12 @@ def traces_of(state):
     return left + processes_inside(state.name)
 
 
+def test_the_readmes_example_runs_as_it_stands():
+    readme = (REPOSITORY / "lab/machine/README.md").read_text(encoding="utf-8")
+    example = readme.partition("```python\n")[2].partition("```")[0]
+    subprocess.run([sys.executable, "-B", "-"], cwd=REPOSITORY, input=example, check=True, text=True)
+
+
 def test_the_host_is_untouched_by_files_interfaces_and_mounts(new_machine):
     before = host_state("/run", "/opt", "/etc", "/var/log", "/usr/local/sbin")
     machine = new_machine()

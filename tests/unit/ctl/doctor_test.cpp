@@ -64,7 +64,30 @@ Neighbour withItsFile(Answer answer)
     return neighbour;
 }
 
+/// A neighbour whose file is hidden by another.
+Neighbour withAHiddenFile()
+{
+    Neighbour neighbour = withItsFile(Answer::Unknown);
+    neighbour.hiddenBy = "/etc/x.conf";
+    return neighbour;
+}
+
+Neighbour withoutItsFile(bool isFileOurs = true)
+{
+    Neighbour neighbour;
+    neighbour.isPresent = true;
+    neighbour.file = "/usr/lib/x";
+    neighbour.isFileOurs = isFileOurs;
+    return neighbour;
+}
+
 using Spoil = std::function<void(Facts &)>;
+
+/// Lets this neighbour be there.
+Spoil beside(Neighbour Neighbours::*which, const Neighbour &neighbour)
+{
+    return [which, neighbour](Facts &facts) { facts.neighbours.*which = neighbour; };
+}
 
 } // namespace
 
@@ -133,365 +156,209 @@ private slots:
     void eachFactIsJudged_data()
     {
         QTest::addColumn<QString>("id");
-        QTest::addColumn<Spoil>("spoil");
         QTest::addColumn<QString>("verdict");
         QTest::addColumn<QString>("words"); // in text or remedy
-        const auto row = [](const char *name, const char *id, const Spoil &spoil,
-                             const char *verdict, const char *words) {
-            QTest::newRow(name) << QString::fromLatin1(id) << spoil << QString::fromLatin1(verdict)
-                                << QString::fromUtf8(words);
+        QTest::addColumn<Spoil>("spoil");
+        const auto row = [](const char *name, const char *id, const char *verdict,
+                             const char *words, const Spoil &spoil) {
+            QTest::newRow(name) << QString::fromLatin1(id) << QString::fromLatin1(verdict)
+                                << QString::fromUtf8(words) << spoil;
         };
-        row(
-            "no bus", "daemon", [](Facts &f) { f.isBusThere = false; }, "fault", "start dbus");
-        row(
-            "no daemon", "daemon", [](Facts &f) { f.isDaemonRunning = false; }, "fault",
-            "start norvix-daemon");
-        row(
-            "a daemon that hangs", "daemon", [](Facts &f) { f.doesDaemonAnswer = false; }, "fault",
-            "restart norvix-daemon");
-        row(
-            "no companion", "companion", [](Facts &f) { f.isHalAnswering = Answer::No; }, "fault",
-            "norvix-hald");
-        row(
-            "no policy", "policy", [](Facts &f) { f.hasPolicy = false; }, "fault", "reload dbus");
-        row(
-            "no group", "permission",
-            [](Facts &f) {
-                f.isUserAllowed = Answer::No;
-                f.hasGroup = f.isMember = false;
-            },
-            "fault", "groupadd");
-        row(
-            "not in the group", "permission",
-            [](Facts &f) {
-                f.isUserAllowed = Answer::No;
-                f.isMember = false;
-            },
-            "fault", "usermod -a -G");
-        row(
-            "a session from before", "permission", [](Facts &f) { f.isUserAllowed = Answer::No; },
-            "fault", "Log out");
-        row(
-            "no modem", "modem", [](Facts &f) { f.modems.clear(); }, "fault", "Plug it in");
-        row(
-            "another modem", "modem",
-            [](Facts &f) {
-                f.configured = {0, 0};
-            },
-            "fault", "adopt");
-        row(
-            "a modem that the daemon does not see", "modem",
-            [](Facts &f) { f.doesDaemonSeeModem = Answer::No; }, "warning", "does not see it");
-        row(
-            "no driver", "driver", [](Facts &f) { f.driverModule = Module::Missing; }, "fault",
-            "full kernel");
-        row(
-            "a kernel without ATM", "driver",
-            [](Facts &f) {
+        row("no bus", "daemon", "fault", "start dbus", [](Facts &f) { f.isBusThere = false; });
+        row("no daemon", "daemon", "fault", "start norvix-daemon",
+            [](Facts &f) { f.isDaemonRunning = false; });
+        row("a daemon that hangs", "daemon", "fault", "restart norvix-daemon",
+            [](Facts &f) { f.doesDaemonAnswer = false; });
+        row("no companion", "companion", "fault", "norvix-hald",
+            [](Facts &f) { f.isHalAnswering = Answer::No; });
+        row("no policy", "policy", "fault", "reload dbus", [](Facts &f) { f.hasPolicy = false; });
+        row("no group", "permission", "fault", "groupadd", [](Facts &f) {
+            f.isUserAllowed = Answer::No;
+            f.hasGroup = f.isMember = false;
+        });
+        row("not in the group", "permission", "fault", "usermod -a -G", [](Facts &f) {
+            f.isUserAllowed = Answer::No;
+            f.isMember = false;
+        });
+        row("a session from before", "permission", "fault", "Log out",
+            [](Facts &f) { f.isUserAllowed = Answer::No; });
+        row("no modem", "modem", "fault", "Plug it in", [](Facts &f) { f.modems.clear(); });
+        row("another modem", "modem", "fault", "adopt", [](Facts &f) { f.configured = {0, 0}; });
+        row("a modem that the daemon does not see", "modem", "warning", "does not see it",
+            [](Facts &f) { f.doesDaemonSeeModem = Answer::No; });
+        row("no driver", "driver", "fault", "full kernel",
+            [](Facts &f) { f.driverModule = Module::Missing; });
+        row("a kernel without ATM", "driver", "fault",
+            "atm, usbatm, cxacru. Install the distribution's full kernel", [](Facts &f) {
                 f.atmModule = f.usbatmModule = f.driverModule = Module::Missing;
                 f.hasDriverSource = true; // which could not be built either
-            },
-            "fault", "atm, usbatm, cxacru. Install the distribution's full kernel");
-        row(
-            "a driver without what it stands on", "driver",
-            [](Facts &f) { f.usbatmModule = Module::Missing; }, "fault", "needs: usbatm.");
-        row(
-            "a driver that can be built", "driver",
-            [](Facts &f) {
-                f.driverModule = Module::Missing;
-                f.hasDriverSource = true;
-            },
-            "fault", "linux-headers-6.1.0");
-        row(
-            "a driver that is being built", "driver", [](Facts &f) { f.isCompiling = true; },
-            "warning", "being built");
-        row(
-            "before the firmware", "firmware",
-            [](Facts &f) {
-                f.modems = {{{0x1110, 0x9042}, familyOf({0x1110, 0x9042}), QString()}};
-            },
-            "fault", "1110:9042");
-        row(
-            "firmware that failed", "firmware",
-            [](Facts &f) {
-                f.line = LineStatus{Line::FirmwareFailed, {}, {}, QString()};
-            },
-            "fault", "/lib/firmware");
-        row(
-            "firmware that is missing", "firmware",
-            [](Facts &f) { f.firmware = QStringLiteral("speedtch-2.bin"); }, "warning",
-            "speedtch-2.bin is missing");
-        row(
-            "a line that trains", "line",
-            [](Facts &f) {
-                f.line = LineStatus{Line::Synchronising, {}, {}, QString()};
-            },
-            "warning", "synchronising");
-        row(
-            "a line that is down", "line",
-            [](Facts &f) {
-                f.line = LineStatus{Line::Down, {}, {}, QString()};
-            },
-            "fault", "telephone cable");
-        row(
-            "a log that is not readable, and no carrier", "line",
+            });
+        row("a driver without what it stands on", "driver", "fault", "needs: usbatm.",
+            [](Facts &f) { f.usbatmModule = Module::Missing; });
+        row("a driver that can be built", "driver", "fault", "linux-headers-6.1.0", [](Facts &f) {
+            f.driverModule = Module::Missing;
+            f.hasDriverSource = true;
+        });
+        row("a driver that is being built", "driver", "warning", "being built",
+            [](Facts &f) { f.isCompiling = true; });
+        row("before the firmware", "firmware", "fault", "1110:9042", [](Facts &f) {
+            f.modems = {{{0x1110, 0x9042}, familyOf({0x1110, 0x9042}), QString()}};
+        });
+        row("firmware that failed", "firmware", "fault", "/lib/firmware", [](Facts &f) {
+            f.line = LineStatus{Line::FirmwareFailed, {}, {}, QString()};
+        });
+        row("firmware that is missing", "firmware", "warning", "speedtch-2.bin is missing",
+            [](Facts &f) { f.firmware = QStringLiteral("speedtch-2.bin"); });
+        row("a line that trains", "line", "warning", "synchronising", [](Facts &f) {
+            f.line = LineStatus{Line::Synchronising, {}, {}, QString()};
+        });
+        row("a line that is down", "line", "fault", "telephone cable", [](Facts &f) {
+            f.line = LineStatus{Line::Down, {}, {}, QString()};
+        });
+        row("a log that is not readable, and no carrier", "line", "warning", "no carrier",
             [](Facts &f) {
                 f.line.reset();
                 f.carrier = false;
-            },
-            "warning", "no carrier");
-        row(
-            "a log that is not readable", "line", [](Facts &f) { f.line.reset(); }, "not-checked",
-            "sudo");
-        row(
-            "no line settings", "line-settings",
-            [](Facts &f) { f.protocol = f.vpi = f.vci = QString(); }, "fault", "line set");
-        row(
-            "PPPoE without VCI", "line-settings", [](Facts &f) { f.vci.clear(); }, "fault",
-            "line set");
-        row(
-            "0.0", "line-settings", [](Facts &f) { f.vpi = f.vci = QStringLiteral("0"); }, "fault",
-            "both 0");
-        row(
-            "a protocol nobody knows", "line-settings",
-            [](Facts &f) { f.protocol = QStringLiteral("pppoe"); }, "warning", "means PPPoA");
-        row(
-            "no pppd", "ppp", [](Facts &f) { f.hasPppd = false; }, "fault", "apt install ppp");
-        row(
-            "a kernel without PPP", "ppp", [](Facts &f) { f.pppModule = Module::Missing; }, "fault",
-            "needs: ppp_generic.");
-        row(
-            "a kernel without PPP over ATM", "ppp",
-            [](Facts &f) {
-                f.protocol = QStringLiteral("PPPoA");
-                f.protocolModule = Module::Missing;
-            },
-            "fault", "needs: pppoatm.");
-        row(
-            "a kernel without PPP over Ethernet", "ppp",
-            [](Facts &f) { f.protocolModule = Module::Missing; }, "fault", "needs: pppoe.");
-        row(
-            "no bridge program", "bridge", [](Facts &f) { f.hasBridgeTool = false; }, "fault",
-            "ln -s /usr/sbin/br2684ctl");
-        row(
-            "no bridge module", "bridge", [](Facts &f) { f.bridgeModule = Module::Missing; },
-            "fault", "br2684");
-        row(
-            "no peer file", "peer", [](Facts &f) { f.peer.exists = false; }, "fault", "missing");
-        row(
-            "nothing to put in place of a peer file", "peer",
-            [](Facts &f) { f.peer.exists = f.hasShippedPeers = false; }, "fault",
-            "install norvix again");
-        row(
-            "a peer file that detaches at once", "peer",
-            [](Facts &f) { f.peer.content->replace("updetach\n", ""); }, "fault", "updetach");
-        row(
-            "a peer file that is not readable", "peer", [](Facts &f) { f.peer.content.reset(); },
-            "not-checked", "sudo");
-        row(
-            "no secrets", "secrets", [](Facts &f) { f.papSecrets.exists = false; }, "fault",
-            "doctor --fix");
-        row(
-            "secrets for all to read", "secrets", [](Facts &f) { f.chapSecrets.mode = 0644; },
-            "fault", "doctor --fix");
-        row(
-            "secrets of another user", "secrets", [](Facts &f) { f.papSecrets.owner = 1000; },
-            "fault", "doctor --fix");
-        row(
-            "comments before the entry", "secrets",
-            [](Facts &f) { f.chapSecrets.content->prepend("# comment\n"); }, "fault",
-            "does not begin");
-        row(
-            "no account yet", "secrets",
-            [](Facts &f) {
-                f.papSecrets.content = f.chapSecrets.content = "\"login\" * \"password\" *\n";
-            },
-            "fault", "account set");
-        row(
-            "no user line", "peer", [](Facts &f) { f.peer.content->replace("user \"me\"\n", ""); },
-            "fault",
-            "peers/norvix: There is no “user” line: set the account with “norvixctl account");
-        row(
-            "another login in the peer file", "secrets",
-            [](Facts &f) { f.peer.content->replace("\"me\"", "\"you\""); }, "fault",
-            "is not the login");
-        row(
-            "no server", "resolver", [](Facts &f) { f.resolver.servers.clear(); }, "warning",
-            "names no server");
-        row(
-            "another pppd", "other-pppd",
-            [](Facts &f) {
-                f.pppds = {{77, QString(), false}};
-            },
-            "warning", "77");
-        row(
-            "a refused account", "last-attempt",
-            [](Facts &f) {
-                f.log.content = "x Norvix_Daemon::debugConnecting(): CHAP authentication failed\n";
-            },
-            "warning", "account set");
-        row(
-            "another default route", "route", [](Facts &f) { f.routes = linkBeside(600); },
-            "warning", "through wlan0. Choose: end the connection of wlan0");
-        row(
-            "another default route that cannot be outdone", "route",
-            [](Facts &f) { f.routes = linkBeside(0); }, "warning",
-            "End the connection of wlan0, then");
-        row(
-            "no default route", "route",
-            [](Facts &f) {
-                f.routes = linkBeside(600);
-                f.routes.ipv4.clear();
-            },
-            "warning", "ip route add default dev ppp0");
-        row(
-            "the link's default route", "route",
-            [](Facts &f) {
-                f.routes = linkBeside(600);
-                f.routes.ipv4.first().interface = f.routes.link;
-            },
-            "ok", "through ppp0");
-        row(
-            "routes that cannot be read", "route", [](Facts &f) { f.routes.isReadable = false; },
-            "not-checked", "can not be read");
-        row(
-            "the provider's server through another connection", "resolver",
-            [](Facts &f) {
+            });
+        row("a log that is not readable", "line", "not-checked", "sudo",
+            [](Facts &f) { f.line.reset(); });
+        row("no line settings", "line-settings", "fault", "line set",
+            [](Facts &f) { f.protocol = f.vpi = f.vci = QString(); });
+        row("PPPoE without VCI", "line-settings", "fault", "line set",
+            [](Facts &f) { f.vci.clear(); });
+        row("0.0", "line-settings", "fault", "both 0",
+            [](Facts &f) { f.vpi = f.vci = QStringLiteral("0"); });
+        row("a protocol nobody knows", "line-settings", "warning", "means PPPoA",
+            [](Facts &f) { f.protocol = QStringLiteral("pppoe"); });
+        row("no pppd", "ppp", "fault", "apt install ppp", [](Facts &f) { f.hasPppd = false; });
+        row("a kernel without PPP", "ppp", "fault", "needs: ppp_generic.",
+            [](Facts &f) { f.pppModule = Module::Missing; });
+        row("a kernel without PPP over ATM", "ppp", "fault", "needs: pppoatm.", [](Facts &f) {
+            f.protocol = QStringLiteral("PPPoA");
+            f.protocolModule = Module::Missing;
+        });
+        row("a kernel without PPP over Ethernet", "ppp", "fault", "needs: pppoe.",
+            [](Facts &f) { f.protocolModule = Module::Missing; });
+        row("no bridge program", "bridge", "fault", "ln -s /usr/sbin/br2684ctl",
+            [](Facts &f) { f.hasBridgeTool = false; });
+        row("no bridge module", "bridge", "fault", "br2684",
+            [](Facts &f) { f.bridgeModule = Module::Missing; });
+        row("no peer file", "peer", "fault", "missing", [](Facts &f) { f.peer.exists = false; });
+        row("nothing to put in place of a peer file", "peer", "fault", "install norvix again",
+            [](Facts &f) { f.peer.exists = f.hasShippedPeers = false; });
+        row("a peer file that detaches at once", "peer", "fault", "updetach",
+            [](Facts &f) { f.peer.content->replace("updetach\n", ""); });
+        row("a peer file that is not readable", "peer", "not-checked", "sudo",
+            [](Facts &f) { f.peer.content.reset(); });
+        row("no secrets", "secrets", "fault", "doctor --fix",
+            [](Facts &f) { f.papSecrets.exists = false; });
+        row("secrets for all to read", "secrets", "fault", "doctor --fix",
+            [](Facts &f) { f.chapSecrets.mode = 0644; });
+        row("secrets of another user", "secrets", "fault", "doctor --fix",
+            [](Facts &f) { f.papSecrets.owner = 1000; });
+        row("comments before the entry", "secrets", "fault", "does not begin",
+            [](Facts &f) { f.chapSecrets.content->prepend("# comment\n"); });
+        row("no account yet", "secrets", "fault", "account set", [](Facts &f) {
+            f.papSecrets.content = f.chapSecrets.content = "\"login\" * \"password\" *\n";
+        });
+        row("no user line", "peer", "fault",
+            "peers/norvix: There is no “user” line: set the account with “norvixctl account",
+            [](Facts &f) { f.peer.content->replace("user \"me\"\n", ""); });
+        row("another login in the peer file", "secrets", "fault", "is not the login",
+            [](Facts &f) { f.peer.content->replace("\"me\"", "\"you\""); });
+        row("no server", "resolver", "warning", "names no server",
+            [](Facts &f) { f.resolver.servers.clear(); });
+        row("another pppd", "other-pppd", "warning", "77", [](Facts &f) {
+            f.pppds = {{77, QString(), false}};
+        });
+        row("a refused account", "last-attempt", "warning", "account set", [](Facts &f) {
+            f.log.content = "x Norvix_Daemon::debugConnecting(): CHAP authentication failed\n";
+        });
+        row("another default route", "route", "warning",
+            "through wlan0. Choose: end the connection of wlan0",
+            [](Facts &f) { f.routes = linkBeside(600); });
+        row("another default route that cannot be outdone", "route", "warning",
+            "End the connection of wlan0, then", [](Facts &f) { f.routes = linkBeside(0); });
+        row("no default route", "route", "warning", "ip route add default dev ppp0", [](Facts &f) {
+            f.routes = linkBeside(600);
+            f.routes.ipv4.clear();
+        });
+        row("the link's default route", "route", "ok", "through ppp0", [](Facts &f) {
+            f.routes = linkBeside(600);
+            f.routes.ipv4.first().interface = f.routes.link;
+        });
+        row("routes that cannot be read", "route", "not-checked", "can not be read",
+            [](Facts &f) { f.routes.isReadable = false; });
+        row("the provider's server through another connection", "resolver", "warning",
+            "203.0.113.1 is the provider's, but is asked through wlan0", [](Facts &f) {
                 f.routes = linkBeside(600);
                 f.routes.servers = f.routes.providersServers = QStringList{"203.0.113.1"};
-            },
-            "warning", "203.0.113.1 is the provider's, but is asked through wlan0");
-        row(
-            "networkmanager without its file", "networkmanager",
-            [](Facts &f) {
-                f.neighbours.networkManager.isPresent = true;
-                f.neighbours.networkManager.file = "/usr/lib/x";
-                f.neighbours.networkManager.isFileOurs = true;
-            },
-            "warning", "/usr/lib/x is missing");
-        row(
-            "networkd without its file", "networkd",
-            [](Facts &f) {
-                f.neighbours.networkd.isPresent = true;
-                f.neighbours.networkd.file = "/usr/lib/x";
-                f.neighbours.networkd.isFileOurs = true;
-            },
-            "warning", "/usr/lib/x is missing");
-        row(
-            "resolved without its file", "resolved",
-            [](Facts &f) {
-                f.neighbours.resolved.isPresent = true;
-                f.neighbours.resolved.file = "/usr/lib/x";
-                f.neighbours.resolved.isFileOurs = true;
-            },
-            "warning", "/usr/lib/x is missing");
-        row(
-            "resolvconf without its file", "resolvconf",
-            [](Facts &f) {
-                f.neighbours.resolvconf.isPresent = true;
-                f.neighbours.resolvconf.file = "/usr/lib/x";
-                f.neighbours.resolvconf.isFileOurs = false;
-            },
-            "warning", "--reinstall resolvconf");
-        row(
-            "a file that hides networkmanager's", "networkmanager",
-            [](Facts &f) {
-                f.neighbours.networkManager = withItsFile(Answer::Unknown);
-                f.neighbours.networkManager.hiddenBy = "/etc/x.conf";
-            },
-            "warning", "Give /etc/x.conf another name");
-        row(
-            "networkmanager that manages the modem's interfaces", "networkmanager",
-            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::No); }, "warning",
-            "disconnect and connect again");
-        row(
-            "networkmanager that does as it is told", "networkmanager",
-            [](Facts &f) { f.neighbours.networkManager = withItsFile(Answer::Yes); }, "ok",
-            "alone");
-        row(
-            "a file that hides networkd's", "networkd",
-            [](Facts &f) {
-                f.neighbours.networkd = withItsFile(Answer::Unknown);
-                f.neighbours.networkd.hiddenBy = "/etc/x.conf";
-            },
-            "warning", "Give /etc/x.conf another name");
-        row(
-            "networkd that manages the modem's interfaces", "networkd",
-            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::No); }, "warning",
-            "disconnect and connect again");
-        row(
-            "networkd that does as it is told", "networkd",
-            [](Facts &f) { f.neighbours.networkd = withItsFile(Answer::Yes); }, "ok", "alone");
-        row(
-            "resolved without the provider's servers", "resolved",
-            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::No); }, "warning",
-            "norvixctl connect");
-        row(
-            "resolved with its file, and no link", "resolved",
-            [](Facts &f) { f.neighbours.resolved = withItsFile(Answer::Unknown); }, "ok",
-            "is told");
-        row(
-            "resolvconf with its hook", "resolvconf",
-            [](Facts &f) { f.neighbours.resolvconf = withItsFile(Answer::Unknown); }, "ok",
-            "is told");
-        row(
-            "no keeper", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperMissing; }, "warning",
-            "apt install norvix-keeper");
-        row(
-            "a keeper that is stopped", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperStopped; }, "warning",
-            "enable --now norvix-keeper");
-        row(
-            "a keeper that hangs", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNoAnswer; }, "warning",
-            "restart norvix-keeper");
-        row(
-            "a keeper that talks nonsense", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNotUnderstood; }, "warning",
-            "not understood");
-        row(
-            "a keeper that answers with an error", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperError; }, "warning",
-            "not understood");
-        row(
-            "a keeper that one may not ask", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::NotPermitted; }, "warning",
-            "reload dbus");
-        row(
-            "no bus to a keeper", "keeper",
-            [](Facts &f) { f.keeper.failure.kind = FailureKind::NoBus; }, "not-checked",
-            "without the system bus");
-        row(
-            "a keeper that the daemon refuses", "keeper",
-            [](Facts &f) { f.keeper.value.reason = "request-refused"; }, "warning",
-            "usermod -a -G norvix norvix-keeper");
-        row(
-            "a keeper that waits after a failure", "keeper",
-            [](Facts &f) {
+            });
+        row("networkmanager without its file", "networkmanager", "warning", "/usr/lib/x is missing",
+            beside(&Neighbours::networkManager, withoutItsFile()));
+        row("networkd without its file", "networkd", "warning", "/usr/lib/x is missing",
+            beside(&Neighbours::networkd, withoutItsFile()));
+        row("resolved without its file", "resolved", "warning", "/usr/lib/x is missing",
+            beside(&Neighbours::resolved, withoutItsFile()));
+        row("resolvconf without its file", "resolvconf", "warning", "--reinstall resolvconf",
+            beside(&Neighbours::resolvconf, withoutItsFile(false)));
+        row("a file that hides networkmanager's", "networkmanager", "warning",
+            "Give /etc/x.conf another name",
+            beside(&Neighbours::networkManager, withAHiddenFile()));
+        row("networkmanager that manages the modem's interfaces", "networkmanager", "warning",
+            "disconnect and connect again",
+            beside(&Neighbours::networkManager, withItsFile(Answer::No)));
+        row("networkmanager that does as it is told", "networkmanager", "ok", "alone",
+            beside(&Neighbours::networkManager, withItsFile(Answer::Yes)));
+        row("a file that hides networkd's", "networkd", "warning", "Give /etc/x.conf another name",
+            beside(&Neighbours::networkd, withAHiddenFile()));
+        row("networkd that manages the modem's interfaces", "networkd", "warning",
+            "disconnect and connect again", beside(&Neighbours::networkd, withItsFile(Answer::No)));
+        row("networkd that does as it is told", "networkd", "ok", "alone",
+            beside(&Neighbours::networkd, withItsFile(Answer::Yes)));
+        row("resolved without the provider's servers", "resolved", "warning", "norvixctl connect",
+            beside(&Neighbours::resolved, withItsFile(Answer::No)));
+        row("resolved with its file, and no link", "resolved", "ok", "is told",
+            beside(&Neighbours::resolved, withItsFile(Answer::Unknown)));
+        row("resolvconf with its hook", "resolvconf", "ok", "is told",
+            beside(&Neighbours::resolvconf, withItsFile(Answer::Unknown)));
+        row("no keeper", "keeper", "warning", "apt install norvix-keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperMissing; });
+        row("a keeper that is stopped", "keeper", "warning", "enable --now norvix-keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperStopped; });
+        row("a keeper that hangs", "keeper", "warning", "restart norvix-keeper",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNoAnswer; });
+        row("a keeper that talks nonsense", "keeper", "warning", "not understood",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperNotUnderstood; });
+        row("a keeper that answers with an error", "keeper", "warning", "not understood",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::KeeperError; });
+        row("a keeper that one may not ask", "keeper", "warning", "reload dbus",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::NotPermitted; });
+        row("no bus to a keeper", "keeper", "not-checked", "without the system bus",
+            [](Facts &f) { f.keeper.failure.kind = FailureKind::NoBus; });
+        row("a keeper that the daemon refuses", "keeper", "warning",
+            "usermod -a -G norvix norvix-keeper",
+            [](Facts &f) { f.keeper.value.reason = "request-refused"; });
+        row("a keeper that waits after a failure", "keeper", "warning",
+            "refused login or password. Now: waiting for the next attempt", [](Facts &f) {
                 f.keeper.value.isWanted = true;
                 f.keeper.value.phase = "waiting";
                 f.keeper.value.reason = "account-refused";
-            },
-            "warning", "refused login or password. Now: waiting for the next attempt");
-        row(
-            "a keeper that is switched off", "keeper",
-            [](Facts &f) {
-                f.keeper.value.isKeeping = false;
-                f.keeper.value.phase = "off";
-                f.keeper.value.reason = "hung-up";
-            },
-            "ok", "switched off");
-        row(
-            "a keeper whose history is of another version", "keeper",
-            [](Facts &f) { f.keeper.value.history = "newer"; }, "warning", "newer version");
+            });
+        row("a keeper that is switched off", "keeper", "ok", "switched off", [](Facts &f) {
+            f.keeper.value.isKeeping = false;
+            f.keeper.value.phase = "off";
+            f.keeper.value.reason = "hung-up";
+        });
+        row("a keeper whose history is of another version", "keeper", "warning", "newer version",
+            [](Facts &f) { f.keeper.value.history = "newer"; });
     }
     void eachFactIsJudged()
     {
         QFETCH(QString, id);
-        QFETCH(Spoil, spoil);
         QFETCH(QString, verdict);
         QFETCH(QString, words);
+        QFETCH(Spoil, spoil);
         Facts facts = soundFacts();
         spoil(facts);
         for (const Finding &finding : examine(facts)) {
