@@ -16,8 +16,8 @@
         <translation>Kein Programm dieser Sitzung kann nach dem Passwort eines Verwalters fragen. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
-        <source>The administrator&apos;s password was not accepted. Nothing was changed.</source>
-        <translation>Das Passwort des Verwalters wurde nicht angenommen. Nichts wurde geändert.</translation>
+        <source>An administrator&apos;s rights were not given: the password was wrong, or this system does not allow it. Nothing was changed.</source>
+        <translation>Die Rechte eines Verwalters wurden nicht erteilt: Das Passwort war falsch, oder dieses System erlaubt es nicht. Nichts wurde geändert.</translation>
     </message>
     <message>
         <source>The password was not entered. Nothing was changed.</source>
