@@ -139,6 +139,7 @@ void ConnectionModel::forgetDaemon()
     isModemPlugged.reset();
     announcedModem.clear();
     isBuilding = false;
+    buildResult.reset();
     isRestarting = false;
 }
 
@@ -331,8 +332,10 @@ void ConnectionModel::takeSignal(const QString &signal, const QVariantList &argu
         announcedModem.clear();
     } else if (is(DaemonSignal::compilingDriver)) {
         isBuilding = true;
+        buildResult.reset();
     } else if (is(DaemonSignal::compilationFinished)) {
         isBuilding = false;
+        buildResult = first().toBool();
     } else if (is(DaemonSignal::restartModemStarted)) {
         isRestarting = true;
     } else if (is(DaemonSignal::restartModemFinished)) {

@@ -69,6 +69,7 @@ public:
     QString modemName; ///< empty until somebody has told it
     QString announcedModem; ///< a modem that could be adopted
     bool isBuilding = false;
+    std::optional<bool> buildResult; ///< whether the last build that was seen went well
     bool isRestarting = false;
 
     std::optional<KeeperState> keeper; ///< nothing without a keeper

@@ -8,6 +8,18 @@
         <translation>Das Programm pkexec, das nach dem Passwort eines Verwalters fragt, ist nicht installiert. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
+        <source>The modem&apos;s driver could not be built.</source>
+        <translation>Der Treiber des Modems konnte nicht gebaut werden.</translation>
+    </message>
+    <message>
+        <source>The build has ended without an error.</source>
+        <translation>Der Bau ist ohne Fehler zu Ende gegangen.</translation>
+    </message>
+    <message>
+        <source>The driver could not be built. The end of the output tells why, and the check-up what is missing; then build it anew.</source>
+        <translation>Der Treiber konnte nicht gebaut werden. Das Ende der Ausgabe sagt, warum, und die Überprüfung, was fehlt; danach bauen Sie ihn neu.</translation>
+    </message>
+    <message>
         <source>The service that decides about administrator&apos;s rights does not answer. This command does the same:</source>
         <translation>Der Dienst, der über Verwalterrechte entscheidet, antwortet nicht. Dieser Befehl tut dasselbe:</translation>
     </message>

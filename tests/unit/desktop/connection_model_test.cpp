@@ -386,6 +386,14 @@ private slots:
         QVERIFY(!afterOffline(
             {told(DaemonSignal::compilingDriver), told(DaemonSignal::compilationFinished, {false})})
                      .isBuilding);
+        const Event begins = told(DaemonSignal::compilingDriver);
+        const Event fails = told(DaemonSignal::compilationFinished, {false});
+        const Event ends = told(DaemonSignal::compilationFinished, {true});
+        QVERIFY(!afterOffline({begins}).buildResult);
+        QVERIFY(afterOffline({begins, ends}).buildResult == true);
+        QVERIFY(afterOffline({begins, fails}).buildResult == false);
+        QVERIFY(!afterOffline({begins, fails, begins}).buildResult);
+        QVERIFY(!after({ev::DaemonAppeared(), begins, fails, ev::DaemonLeft()}).buildResult);
         QVERIFY(afterOffline({told(DaemonSignal::restartModemStarted)}).isRestarting);
         QVERIFY(!afterOffline(
             {told(DaemonSignal::restartModemStarted), told(DaemonSignal::restartModemFinished)})
