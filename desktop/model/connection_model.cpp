@@ -166,6 +166,7 @@ void ConnectionModel::forgetDaemon()
     isModemPlugged.reset();
     announcedModem.clear();
     isBuilding = false;
+    buildResult.reset();
     isRestarting = false;
 }
 
@@ -190,6 +191,14 @@ std::optional<qint64> ConnectionModel::connectedSeconds(qint64 now) const
     return upSince && state == ConnectionUp
         ? std::optional<qint64>(qMax(qint64(0), now - *upSince) / 1000)
         : std::nullopt;
+}
+
+bool ConnectionModel::doesTimeShow() const
+{
+    const bool isWaiting = daemon == DaemonPresence::Silent || pending || isBuilding || isRestarting
+        || (keeper && keeper->nextAttempt);
+    const bool isLinkThere = state && *state != ConnectionDown;
+    return isWaiting || isLinkThere || !speeds.samples().isEmpty();
 }
 
 /// The state, told by a signal or answered to a question.
@@ -351,8 +360,10 @@ void ConnectionModel::takeSignal(const QString &signal, const QVariantList &argu
         announcedModem.clear();
     } else if (is(DaemonSignal::compilingDriver)) {
         isBuilding = true;
+        buildResult.reset();
     } else if (is(DaemonSignal::compilationFinished)) {
         isBuilding = false;
+        buildResult = first().toBool();
     } else if (is(DaemonSignal::restartModemStarted)) {
         isRestarting = true;
     } else if (is(DaemonSignal::restartModemFinished)) {

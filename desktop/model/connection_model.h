@@ -76,6 +76,7 @@ public:
     QString modemName; ///< empty until somebody has told it
     QString announcedModem; ///< a modem that could be adopted
     bool isBuilding = false;
+    std::optional<bool> buildResult; ///< whether the last build that was seen went well
     bool isRestarting = false;
 
     std::optional<KeeperState> keeper; ///< nothing without a keeper
@@ -85,6 +86,9 @@ public:
 
     /// How long the connection has been up. The daemon's own count begins anew after a day.
     std::optional<qint64> connectedSeconds(qint64 now) const;
+
+    /// Whether what is shown of it becomes another with time alone: a count, or a plot that moves.
+    bool doesTimeShow() const;
 
 private:
     struct Taker;

@@ -196,6 +196,13 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
         headline.secondary = Action::CheckUp;
         return headline;
     }
+    if (model.buildResult == false) {
+        headline.standing = Standing::Attention;
+        headline.reason = Say::tr("The modem's driver could not be built.");
+        headline.secondary = headline.primary;
+        headline.primary = Action::ShowBuild;
+        return headline;
+    }
     const Cause cause = causeOf(model);
     if (!cause.text.isEmpty() || isKept) {
         headline.standing = Standing::Attention;

@@ -8,6 +8,18 @@
         <translation>Das Programm pkexec, das nach dem Passwort eines Verwalters fragt, ist nicht installiert. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
+        <source>The modem&apos;s driver could not be built.</source>
+        <translation>Der Treiber des Modems konnte nicht gebaut werden.</translation>
+    </message>
+    <message>
+        <source>The build has ended without an error.</source>
+        <translation>Der Bau ist ohne Fehler zu Ende gegangen.</translation>
+    </message>
+    <message>
+        <source>The driver could not be built. The end of the output tells why, and the check-up what is missing; then build it anew.</source>
+        <translation>Der Treiber konnte nicht gebaut werden. Das Ende der Ausgabe sagt, warum, und die Überprüfung, was fehlt; danach bauen Sie ihn neu.</translation>
+    </message>
+    <message>
         <source>The service that decides about administrator&apos;s rights does not answer. This command does the same:</source>
         <translation>Der Dienst, der über Verwalterrechte entscheidet, antwortet nicht. Dieser Befehl tut dasselbe:</translation>
     </message>
@@ -16,8 +28,8 @@
         <translation>Kein Programm dieser Sitzung kann nach dem Passwort eines Verwalters fragen. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
-        <source>The administrator&apos;s password was not accepted. Nothing was changed.</source>
-        <translation>Das Passwort des Verwalters wurde nicht angenommen. Nichts wurde geändert.</translation>
+        <source>An administrator&apos;s rights were not given: the password was wrong, or this system does not allow it. Nothing was changed.</source>
+        <translation>Die Rechte eines Verwalters wurden nicht erteilt: Das Passwort war falsch, oder dieses System erlaubt es nicht. Nichts wurde geändert.</translation>
     </message>
     <message>
         <source>The password was not entered. Nothing was changed.</source>

@@ -386,6 +386,14 @@ private slots:
         QVERIFY(!afterOffline(
             {told(DaemonSignal::compilingDriver), told(DaemonSignal::compilationFinished, {false})})
                      .isBuilding);
+        const Event begins = told(DaemonSignal::compilingDriver);
+        const Event fails = told(DaemonSignal::compilationFinished, {false});
+        const Event ends = told(DaemonSignal::compilationFinished, {true});
+        QVERIFY(!afterOffline({begins}).buildResult);
+        QVERIFY(afterOffline({begins, ends}).buildResult == true);
+        QVERIFY(afterOffline({begins, fails}).buildResult == false);
+        QVERIFY(!afterOffline({begins, fails, begins}).buildResult);
+        QVERIFY(!after({ev::DaemonAppeared(), begins, fails, ev::DaemonLeft()}).buildResult);
         QVERIFY(afterOffline({told(DaemonSignal::restartModemStarted)}).isRestarting);
         QVERIFY(!afterOffline(
             {told(DaemonSignal::restartModemStarted), told(DaemonSignal::restartModemFinished)})
@@ -463,6 +471,31 @@ private slots:
         QCOMPARE(model.waitSince, noon + 2000);
         model.apply(waitsForLine, noon + 6000);
         QCOMPARE(model.waitSince, noon + 6000);
+    }
+
+    void timeShowsOnlyWhereSomethingIsCountedOrMoves()
+    {
+        QVERIFY(!ConnectionModel().doesTimeShow());
+        QVERIFY(!afterOffline({}).doesTimeShow());
+        QVERIFY(!after({ev::DaemonLeft()}).doesTimeShow());
+        QVERIFY(afterOffline({attemptBegins}).doesTimeShow());
+        QVERIFY(afterOffline({comesUp}).doesTimeShow());
+        QVERIFY(!afterOffline({comesUp, isEnded}).doesTimeShow());
+        QVERIFY(afterOffline({told(DaemonSignal::compilingDriver)}).doesTimeShow());
+        QVERIFY(afterOffline({ev::DaemonSilent()}).doesTimeShow());
+        QVERIFY(after({ev::DaemonLeft(), ev::Requested{Request::Connect}}).doesTimeShow());
+        KeeperState waiting;
+        waiting.nextAttempt = noon / 1000 + 60;
+        QVERIFY(afterOffline({ev::KeeperTold{waiting}}).doesTimeShow());
+    }
+
+    void aPlotMovesUntilItIsEmpty()
+    {
+        ConnectionModel model
+            = afterOffline({comesUp, told(DaemonSignal::transmissionSpeed, {1U, 1U}), isEnded});
+        QVERIFY(model.doesTimeShow());
+        model.apply(ev::Ticked(), noon + 10 * 60 * 1000);
+        QVERIFY(!model.doesTimeShow());
     }
 };
 

@@ -163,6 +163,9 @@ private slots:
             "built", [](ConnectionModel &model) { model.isBuilding = true; }, S::Connecting,
             "Driver is built", "some minutes", A::ShowBuild);
         row(
+            "not built", [](ConnectionModel &model) { model.buildResult = false; }, S::Attention,
+            "Not connected", "could not be built", A::ShowBuild, A::Connect);
+        row(
             "restarted", [](ConnectionModel &model) { model.isRestarting = true; }, S::Connecting,
             "Modem restarts", "loaded anew", A::None);
         row("attempt", stateIs(1, ConnectingStep::Started), S::Connecting, "Connecting",
