@@ -2,6 +2,7 @@
 #include "client/doctor_facts.h"
 
 #include "client/daemon_bus.h"
+#include "client/say.h"
 #include "client/settings_file.h"
 #include "dbus/contract.h"
 
@@ -179,6 +180,21 @@ void lookAtPpp(Facts &facts)
 }
 
 } // namespace
+
+QString moduleText(Module module)
+{
+    switch (module) {
+    case Module::Loaded:
+        return Say::tr("loaded");
+    case Module::Available:
+        return Say::tr("there, not loaded");
+    case Module::Missing:
+        return Say::tr("missing for this kernel");
+    case Module::Unknown:
+        break;
+    }
+    return Say::tr("unknown");
+}
 
 Module moduleState(
     const QByteArray &name, bool isLoaded, const std::optional<QByteArray> &installed)

@@ -33,6 +33,9 @@ enum class Module
     Unknown, ///< the list of modules can not be read
 };
 
+/// The same in the user's language.
+QString moduleText(Module module);
+
 struct Facts // NOLINT(clang-analyzer-optin.performance.Padding): in the order of the checks
 {
     bool isBusThere = false;

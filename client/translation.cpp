@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTranslator>
+#include <algorithm>
+#include <array>
 
 static void useResources()
 {
@@ -12,14 +14,18 @@ static void useResources()
 
 namespace {
 
-void speak(const QString &name, bool isPlain)
+constexpr std::array<const char *, 2> languages = {"en", "de"};
+
+QString plainLanguage()
+{
+    return QLatin1String(languages.front());
+}
+
+void speakBy(const QString &name, const QString &language)
 {
     auto *translator = new QTranslator(QCoreApplication::instance());
-    const QString folder = QStringLiteral(":/translations");
-    const bool isTranslated
-        = !isPlain && translator->load(QLocale(), name, QStringLiteral("_"), folder);
-    // English has files of its own for its plurals.
-    if (isTranslated || translator->load(name + QStringLiteral("_en"), folder)) {
+    // English, as it stands in the source, has files of its own only for its plurals.
+    if (translator->load(QStringLiteral(":/translations/%1_%2").arg(name, language))) {
         QCoreApplication::installTranslator(translator);
     } else {
         delete translator;
@@ -28,9 +34,34 @@ void speak(const QString &name, bool isPlain)
 
 } // namespace
 
+bool isSpoken(const QString &language)
+{
+    return std::any_of(languages.begin(), languages.end(),
+        [&language](const char *spoken) { return language == QLatin1String(spoken); });
+}
+
+QString usersLanguage()
+{
+    for (const QString &liked : QLocale().uiLanguages()) {
+        QString language = liked.section(QLatin1Char('-'), 0, 0);
+        if (isSpoken(language)) {
+            return language;
+        }
+    }
+    return plainLanguage();
+}
+
 void speakUsersLanguage(const QString &program, bool isPlain)
 {
     useResources();
-    speak(QStringLiteral("client"), isPlain);
-    speak(program, isPlain);
+    const QString language = isPlain ? plainLanguage() : usersLanguage();
+    speakBy(QStringLiteral("client"), language);
+    speakBy(program, language);
+}
+
+void speak(const QString &language)
+{
+    useResources();
+    QLocale::setDefault(QLocale(language));
+    speakBy(QStringLiteral("client"), language);
 }

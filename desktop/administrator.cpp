@@ -2,6 +2,7 @@
 #include "desktop/administrator.h"
 
 #include "client/say.h"
+#include "client/translation.h"
 
 #include <QDateTime>
 #include <QProcessEnvironment>
@@ -66,7 +67,9 @@ QString rightsOutcomeText(RightsOutcome outcome)
         return Say::tr("No program of this session can ask for an administrator's password. This "
                        "command does the same:");
     case RightsOutcome::Refused:
-        return Say::tr("The administrator's password was not accepted. Nothing was changed.");
+        // Of a rule that allows it to nobody polkit says the same as of a wrong password.
+        return Say::tr("An administrator's rights were not given: the password was wrong, or this "
+                       "system does not allow it. Nothing was changed.");
     case RightsOutcome::Cancelled:
         return Say::tr("The password was not entered. Nothing was changed.");
     case RightsOutcome::GivenUp:
@@ -114,7 +117,11 @@ Administrator::~Administrator()
 
 void Administrator::perform(Verb verb, const Then &then)
 {
-    start(mendProgram, {QLatin1String(verbWord(verb))}, then);
+    QStringList words{QLatin1String(verbWord(verb))};
+    if (verb == Verb::Look) {
+        words.append(usersLanguage());
+    }
+    start(mendProgram, words, then);
 }
 
 void Administrator::join(const Then &then)

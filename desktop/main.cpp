@@ -12,7 +12,6 @@
 
 #include <QApplication>
 #include <QLibraryInfo>
-#include <QLocale>
 #include <QTextStream>
 #include <QTranslator>
 #include <algorithm>
@@ -57,7 +56,7 @@ int showText(int argc, char *argv[])
 void speakToolkitsSentences()
 {
     auto *translator = new QTranslator(qApp);
-    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+    if (translator->load(QStringLiteral("qtbase_") + usersLanguage(),
             QLibraryInfo::location(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(translator);
     }
@@ -69,6 +68,8 @@ int showWindow(int argc, char *argv[])
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    // Nothing here is drawn by a graphics card; its libraries would be most of this program's memory.
+    qputenv("QT_XCB_GL_INTEGRATION", "none");
     StopSignals::hold();
     const QApplication application(argc, argv);
     const StopSignals stop;

@@ -274,6 +274,7 @@ void Keeper::beginSession()
     }
     m_countedUntil = momentNow().ms;
     m_attemptMark = m_log.end();
+    m_hasDevice = !atmDeviceFolder().isEmpty();
     m_bridge.clear();
     for (const char *name : {"nas0", "dsl0"}) {
         if (m_bridge.isEmpty() && m_links.table().named(QLatin1String(name))) {
@@ -350,6 +351,8 @@ Cause Keeper::lossCause() const
     if (!folder.isEmpty()) {
         facts.carrier = readLineQuality(folder).carrier;
     }
+    facts.hadDevice = m_hasDevice;
+    facts.hasDevice = !folder.isEmpty();
     facts.hadBridge = !m_bridge.isEmpty();
     facts.hasBridge = m_links.table().named(m_bridge).has_value();
     const std::optional<quint64> counter = bridgeCounter();

@@ -99,6 +99,7 @@ private:
     LinkIdentity m_session; ///< the link of the running session
     QString m_sessionName;
     qint64 m_countedUntil = 0; ///< ms since boot, of its length
+    bool m_hasDevice = false; ///< the running session goes through an ATM device
     QString m_bridge; ///< the interface below the link; empty over ATM
     Stillness m_stillness;
 

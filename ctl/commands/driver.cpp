@@ -31,21 +31,6 @@ QString moduleWord(Module module)
     return QStringLiteral("unknown");
 }
 
-QString moduleText(Module module)
-{
-    switch (module) {
-    case Module::Loaded:
-        return Say::tr("loaded");
-    case Module::Available:
-        return Say::tr("there, not loaded");
-    case Module::Missing:
-        return Say::tr("missing for this kernel");
-    case Module::Unknown:
-        break;
-    }
-    return Say::tr("unknown");
-}
-
 } // namespace
 
 int runDriverShow(const Invocation &, const Terminal &terminal)

@@ -232,18 +232,6 @@
         <translation>Nur root darf richten: „sudo norvixctl doctor --fix“.</translation>
     </message>
     <message>
-        <source>loaded</source>
-        <translation>geladen</translation>
-    </message>
-    <message>
-        <source>there, not loaded</source>
-        <translation>vorhanden, nicht geladen</translation>
-    </message>
-    <message>
-        <source>missing for this kernel</source>
-        <translation>fehlt für diesen Kernel</translation>
-    </message>
-    <message>
         <source>Driver</source>
         <translation>Treiber</translation>
     </message>

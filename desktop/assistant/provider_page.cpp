@@ -8,6 +8,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QComboBox>
@@ -22,33 +23,6 @@
 namespace desktop {
 
 namespace {
-
-struct Country
-{
-    const char *code;
-    const char *name;
-};
-
-constexpr Country countries[] = {
-    {"AT", QT_TRANSLATE_NOOP("Say", "Austria")},
-    {"AU", QT_TRANSLATE_NOOP("Say", "Australia")},
-    {"BE", QT_TRANSLATE_NOOP("Say", "Belgium")},
-    {"BR", QT_TRANSLATE_NOOP("Say", "Brazil")},
-    {"CH", QT_TRANSLATE_NOOP("Say", "Switzerland")},
-    {"CZ", QT_TRANSLATE_NOOP("Say", "Czechia")},
-    {"DE", QT_TRANSLATE_NOOP("Say", "Germany")},
-    {"DK", QT_TRANSLATE_NOOP("Say", "Denmark")},
-    {"ES", QT_TRANSLATE_NOOP("Say", "Spain")},
-    {"FR", QT_TRANSLATE_NOOP("Say", "France")},
-    {"GB", QT_TRANSLATE_NOOP("Say", "United Kingdom")},
-    {"IT", QT_TRANSLATE_NOOP("Say", "Italy")},
-    {"NL", QT_TRANSLATE_NOOP("Say", "Netherlands")},
-    {"PL", QT_TRANSLATE_NOOP("Say", "Poland")},
-    {"PT", QT_TRANSLATE_NOOP("Say", "Portugal")},
-    {"RU", QT_TRANSLATE_NOOP("Say", "Russia")},
-    {"UA", QT_TRANSLATE_NOOP("Say", "Ukraine")},
-    {"US", QT_TRANSLATE_NOOP("Say", "United States")},
-};
 
 enum class Fit
 {
@@ -73,16 +47,6 @@ Fit peerFileFit(PeerKind kind, const QString &circuit)
 }
 
 } // namespace
-
-QString countryName(const QString &code)
-{
-    for (const Country &country : countries) {
-        if (code == QLatin1String(country.code)) {
-            return Say::tr(country.name);
-        }
-    }
-    return code;
-}
 
 ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent)
     : AssistantPage(controller, draft, parent)
@@ -110,6 +74,7 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
         makeComfortable(row.second);
         form->addRow(row.first, row.second);
     }
+    alignNames(form);
     makeComfortable(m_mend);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(
@@ -145,15 +110,8 @@ void ProviderPage::fillCountries()
 {
     m_isFilling = true;
     m_country->addItem(Say::tr("choose"), QString());
-    QList<QPair<QString, QString>> named;
-    for (const Country &country : countries) {
-        named.append({Say::tr(country.name), QString::fromLatin1(country.code)});
-    }
-    std::sort(named.begin(), named.end(), [](const auto &one, const auto &other) {
-        return QString::localeAwareCompare(one.first, other.first) < 0;
-    });
-    for (const auto &[name, code] : named) {
-        m_country->addItem(name, code);
+    for (const QString &code : countriesByName()) {
+        m_country->addItem(countryName(code), code);
     }
     m_isFilling = false;
 }
@@ -163,7 +121,7 @@ void ProviderPage::fillProviders()
     m_isFilling = true;
     m_provider->clear();
     m_provider->addItem(Say::tr("own values"), QString());
-    for (const Provider &provider : commonProviders()) {
+    for (const Provider &provider : providersByName()) {
         if (draft().country == QLatin1String(provider.country)) {
             m_provider->addItem(QString::fromUtf8(provider.name), QString::fromUtf8(provider.name));
         }

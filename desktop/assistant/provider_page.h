@@ -14,9 +14,6 @@ namespace desktop {
 
 class RightsPanel;
 
-/// A country's name in the user's language, by the table's code.
-QString countryName(const QString &code);
-
 class ProviderPage : public AssistantPage
 {
     Q_OBJECT

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // norvix-desktop-mend VERB: does for the window what needs an administrator's rights.
+// norvix-desktop-mend look LANGUAGE: what it tells is in this language, by its two letters.
 #include "client/daemon_bus.h"
 #include "client/ppp_mend.h"
+#include "client/translation.h"
 #include "desktop/rights/caller.h"
 #include "desktop/rights/findings_text.h"
 #include "desktop/rights/verb.h"
@@ -77,9 +79,11 @@ int perform(Verb verb)
         return run({"systemctl", "start", "norvix-daemon.service"});
     case Verb::RestartDaemon:
         return run({"systemctl", "restart", "norvix-daemon.service"});
-    case Verb::StartCompanion:
+    case Verb::RestartCompanion:
         return run({"systemctl", "restart", "norvix-hald.service"});
     case Verb::StartKeeper:
+        return run({"systemctl", "start", "norvix-keeper.service"});
+    case Verb::RestartKeeper:
         return run({"systemctl", "restart", "norvix-keeper.service"});
     case Verb::LoadModules:
         return loadModules();
@@ -96,13 +100,18 @@ int main(int argc, char *argv[])
     if (!desktop::beginWithRights(program)) {
         return desktop::RightsMisused;
     }
-    const std::optional<Verb> verb = argc == 2 ? desktop::verbNamed(argv[1]) : std::nullopt;
-    if (!verb) {
+    const std::optional<Verb> verb = argc >= 2 ? desktop::verbNamed(argv[1]) : std::nullopt;
+    const QString language = argc == 3 ? QString::fromLatin1(argv[2]) : QString();
+    const bool isLanguageRight = argc == 2 || (verb == Verb::Look && isSpoken(language));
+    if (!verb || argc > 3 || !isLanguageRight) {
         std::fprintf(stderr, "%s: takes one of its own words and nothing else\n", program);
         return desktop::RightsMisused;
     }
     // The words were looked at; Qt would read options of its own from what follows them.
     int one = 1;
     const QCoreApplication application(one, argv);
+    if (!language.isEmpty()) {
+        speak(language);
+    }
     return perform(*verb);
 }

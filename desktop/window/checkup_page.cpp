@@ -8,6 +8,7 @@
 #include "desktop/errand.h"
 #include "desktop/rights/findings_text.h"
 #include "desktop/window/deed_runner.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QClipboard>
@@ -75,13 +76,15 @@ CheckupPage::CheckupPage(Controller &controller, QWidget *parent)
     column->addLayout(buttons);
     m_copy->setEnabled(false);
     for (QPushButton *button : {m_copy, m_again}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
     }
     connect(m_again, &QPushButton::clicked, this, [this] {
         m_doneVerbs.clear();
         check();
     });
     connect(m_copy, &QPushButton::clicked, this, &CheckupPage::copyReport);
+    m_clock.setInterval(1000);
+    connect(&m_clock, &QTimer::timeout, this, &CheckupPage::refresh);
     connect(m_runner, &DeedRunner::done, this, &CheckupPage::takeDone);
     connect(m_runner, &DeedRunner::newBeginningWanted, this, [this] {
         beginAnewInGroup({}, this, [this] {
@@ -139,6 +142,7 @@ void CheckupPage::check()
         return;
     }
     m_since = QDateTime::currentMSecsSinceEpoch();
+    m_clock.start();
     refresh();
     inBackground<Seen>(this, look, [this](const Seen &seen) { take(seen); });
 }
@@ -146,6 +150,7 @@ void CheckupPage::check()
 void CheckupPage::take(const Seen &seen)
 {
     m_since = 0;
+    m_clock.stop();
     m_seen = seen;
     m_copy->setEnabled(true);
     showFindings();
@@ -202,7 +207,7 @@ void CheckupPage::showFindings()
     fold->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     fold->setAutoRaise(true);
     fold->setCheckable(true);
-    fold->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(fold);
     auto *rest = new QWidget;
     auto *restGrid = new QGridLayout(rest);
     restGrid->setColumnStretch(2, 1);
@@ -248,7 +253,7 @@ void CheckupPage::addRow(QGridLayout *grid, const Finding &finding)
     const Deed deed = isWell ? Deed() : helpFor(finding.remedy);
     if (deed.kind != DeedKind::None) {
         auto *button = new QPushButton(deed.button);
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
         button->setAccessibleDescription(checkTitle(finding.check));
         const QString heading = checkTitle(finding.check);
         connect(button, &QPushButton::clicked, this,

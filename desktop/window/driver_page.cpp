@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QDateTime>
@@ -23,21 +24,6 @@ namespace {
 constexpr int readMs = 1000;
 constexpr qint64 mostOutput = 1 << 17;
 
-QString stateText(Module module)
-{
-    switch (module) {
-    case Module::Loaded:
-        return Say::tr("loaded");
-    case Module::Available:
-        return Say::tr("there, not loaded");
-    case Module::Missing:
-        return Say::tr("missing for this kernel");
-    case Module::Unknown:
-        break;
-    }
-    return Say::tr("unknown");
-}
-
 QString firmwareText(const Facts &facts)
 {
     if (facts.firmware.isEmpty()) {
@@ -47,10 +33,10 @@ QString firmwareText(const Facts &facts)
                              : Say::tr("%1, missing").arg(facts.firmware);
 }
 
-QLabel *factLabel(const QString &name)
+/// Its text is its name for a screen reader; the label before it is its buddy.
+QLabel *factLabel()
 {
     auto *label = new QLabel;
-    label->setAccessibleName(name);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setWordWrap(true);
     return label;
@@ -65,30 +51,34 @@ void setFact(QLabel *label, const QString &text)
 
 DriverPage::DriverPage(Controller &controller, QWidget *parent)
     : Page(controller, parent)
-    , m_modem(factLabel(Say::tr("Modem")))
-    , m_id(factLabel(Say::tr("USB id")))
-    , m_firmware(factLabel(Say::tr("Firmware")))
-    , m_driver(factLabel(Say::tr("Driver")))
-    , m_state(factLabel(Say::tr("State")))
-    , m_kernel(factLabel(Say::tr("Kernel")))
+    , m_modem(factLabel())
+    , m_id(factLabel())
+    , m_firmware(factLabel())
+    , m_driver(factLabel())
+    , m_state(factLabel())
+    , m_kernel(factLabel())
     , m_restart(new QPushButton(Say::tr("Restart the modem…")))
     , m_build(new QPushButton(Say::tr("Build the driver anew…")))
     , m_panel(new RightsPanel)
     , m_building(new QLabel)
     , m_progress(new QProgressBar)
+    , m_help(new QPushButton(actionText(Action::CheckUp)))
     , m_outputTitle(new QLabel(Say::tr("Output of the last build:")))
     , m_output(new QPlainTextEdit)
 {
     auto *facts = new QFormLayout;
     facts->setLabelAlignment(Qt::AlignTrailing);
+    facts->setHorizontalSpacing(fontMetrics().height());
     facts->setRowWrapPolicy(QFormLayout::WrapLongRows);
-    for (QLabel *fact : {m_modem, m_id, m_firmware, m_driver, m_state, m_kernel}) {
-        facts->addRow(fact->accessibleName(), fact);
-    }
+    facts->addRow(Say::tr("Modem"), m_modem);
+    facts->addRow(Say::tr("USB id"), m_id);
+    facts->addRow(Say::tr("Firmware"), m_firmware);
+    facts->addRow(Say::tr("Driver"), m_driver);
+    facts->addRow(Say::tr("State"), m_state);
+    facts->addRow(Say::tr("Kernel"), m_kernel);
     auto *buttons = new QHBoxLayout;
-    for (QPushButton *button : {m_restart, m_build}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
-        buttons->addWidget(button);
+    for (QPushButton *button : {m_restart, m_build, m_help}) {
+        buttons->addWidget(comfortable(button));
     }
     buttons->addStretch(1);
     m_building->setWordWrap(true);
@@ -110,6 +100,8 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     column->addStretch(0); // keeps the rows together while there is no output
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
+    connect(m_help, &QPushButton::clicked, this,
+        [this] { this->controller().perform(Action::CheckUp); });
     connect(m_restart, &QPushButton::clicked, this, &DriverPage::askToRestart);
     connect(m_build, &QPushButton::clicked, this, [this] {
         m_panel->perform(Verb::RestartDaemon, [this](const QByteArray &) {
@@ -146,11 +138,7 @@ void DriverPage::refresh()
         m_buildingSince = model.isBuilding ? now : 0;
         lookAgain();
     }
-    m_building->setVisible(model.isBuilding || model.isRestarting);
-    m_building->setText(model.isBuilding
-            ? Say::tr("The driver is being built, for %1 already. Connections wait until then.")
-                  .arg(durationText((now - m_buildingSince) / 1000))
-            : Say::tr("The driver is loaded anew; this takes up to a minute."));
+    showBuild();
     // Who wants no movement is told by the words above alone.
     const bool doesMove = style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0;
     m_progress->setVisible(model.isBuilding && doesMove);
@@ -162,6 +150,27 @@ void DriverPage::refresh()
     } else {
         m_reading.stop();
     }
+}
+
+void DriverPage::showBuild()
+{
+    const ConnectionModel &model = controller().model();
+    QString text;
+    if (model.isBuilding) {
+        const qint64 since = QDateTime::currentMSecsSinceEpoch() - m_buildingSince;
+        text = Say::tr("The driver is being built, for %1 already. Connections wait until then.")
+                   .arg(durationText(since / 1000));
+    } else if (model.isRestarting) {
+        text = Say::tr("The driver is loaded anew; this takes up to a minute.");
+    } else if (model.buildResult) {
+        text = *model.buildResult
+            ? Say::tr("The build has ended without an error.")
+            : Say::tr("The driver could not be built. The end of the output tells why, and the "
+                      "check-up what is missing; then build it anew.");
+    }
+    m_building->setVisible(!text.isEmpty());
+    m_building->setText(text);
+    m_help->setVisible(!model.isBuilding && model.buildResult == false);
 }
 
 DriverPage::Seen DriverPage::look()
@@ -178,7 +187,7 @@ DriverPage::Seen DriverPage::look()
     seen.id = id.vendor == 0 ? QString() : idText(id);
     seen.firmware = firmwareText(facts);
     seen.driver = facts.driver;
-    seen.state = facts.driver.isEmpty() ? QString() : stateText(facts.driverModule);
+    seen.state = facts.driver.isEmpty() ? QString() : moduleText(facts.driverModule);
     seen.kernel = facts.kernel;
     return seen;
 }
@@ -192,6 +201,7 @@ DriverPage::Output DriverPage::readOutput()
 
 void DriverPage::lookAgain()
 {
+    m_isReadingOwed = m_isReading;
     if (m_isReading) {
         return;
     }
@@ -200,6 +210,9 @@ void DriverPage::lookAgain()
     inBackground<Output>(this, readOutput, [this](const Output &output) {
         m_isReading = false;
         showOutput(output);
+        if (m_isReadingOwed) {
+            lookAgain();
+        }
     });
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/window/line_form.h"
 
-#include "client/providers.h"
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
@@ -38,12 +37,13 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     , m_outcome(new ErrorLabel)
 {
     m_provider->addItem(Say::tr("choose to fill in its usual values"));
-    for (const Provider &provider : commonProviders()) {
+    for (const Provider &provider : m_providers) {
         m_provider->addItem(Say::tr("%1: %2").arg(
-            QLatin1String(provider.country), QString::fromUtf8(provider.name)));
+            countryName(QLatin1String(provider.country)), QString::fromUtf8(provider.name)));
     }
     m_provider->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_provider->setMinimumContentsLength(20);
+    m_provider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_vpi->setRange(0, mostVpi);
     m_vci->setRange(0, mostVci);
     m_service->setMaxLength(mostService);
@@ -63,6 +63,7 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     form->addRow(Say::tr("Servic&e (only noted)"), m_service);
     form->addRow(m_outcome);
     form->addRow(QString(), m_store);
+    alignNames(form);
 
     connect(m_provider, QOverload<int>::of(&QComboBox::activated), this, &LineForm::takeProvider);
     connect(m_vpi, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);
@@ -84,7 +85,7 @@ void LineForm::takeProvider()
     if (place < 0) {
         return;
     }
-    const Provider &provider = commonProviders().at(size_t(place));
+    const Provider &provider = m_providers.at(size_t(place));
     m_vpi->setValue(provider.vpi);
     m_vci->setValue(provider.vci);
     m_protocol->setCurrentIndex(m_protocol->findData(QString::fromLatin1(provider.protocol)));

@@ -2,6 +2,8 @@
 // The values of the line.
 #pragma once
 
+#include "client/providers.h"
+
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -30,6 +32,7 @@ private:
     void store();
 
     Controller &m_controller;
+    const std::vector<Provider> m_providers = providersByName(); ///< as they are shown
     QComboBox *m_provider;
     QSpinBox *m_vpi;
     QSpinBox *m_vci;

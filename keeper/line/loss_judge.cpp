@@ -13,6 +13,9 @@ constexpr qint64 keptMs = 60'000;
 
 Cause judgeLoss(const LossFacts &facts)
 {
+    if (facts.hadDevice && !facts.hasDevice) {
+        return Cause::Unplugged;
+    }
     if (facts.carrier == false) {
         return Cause::LineLost;
     }

@@ -14,12 +14,15 @@ namespace keeper {
 struct LossFacts
 {
     std::optional<bool> carrier; ///< of the ATM device; nothing without one
+    bool hadDevice = false; ///< the link ran over an ATM device
+    bool hasDevice = false; ///< which is still there
     bool hadBridge = false; ///< the link ran over a bridge interface
     bool hasBridge = false; ///< which is still there
     bool isStill = false; ///< nothing has come in for 25 s
 };
 
-/// The most telling of the facts. The end of the modem itself is told by the daemon.
+/// The most telling of the facts. The end of the modem itself is told by the daemon, too, but what
+/// goes with the modem may be seen first.
 Cause judgeLoss(const LossFacts &facts);
 
 /// Remembers for how long a counter has not moved.

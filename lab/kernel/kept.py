@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """A connection that norvix-keeper keeps, in a scenario's world."""
 
+import json
 import time
 
 from ..waiting import wait_until
@@ -32,7 +33,7 @@ class Kept:
         self.client.call("establishConnection")
         self.wait("connected", reason="")
         # The daemon takes requests again a moment later.
-        wait_until(lambda: self.client.named("connectionState"), what="the attempt is over")
+        self.client.wait_signal("connectionState")
         return self
 
     def wait(self, state, reason=None, seconds=BACK_SECONDS):
@@ -45,10 +46,13 @@ class Kept:
     def wait_lost(self, *reasons, seconds=BACK_SECONDS):
         """Until so many losses were told; they must be these. How long the last one took."""
         began = time.monotonic()
-        wait_until(lambda: len(self.keeper.losses()) >= len(reasons), seconds, f"losses {reasons}",
-                   self.keeper.properties)
-        assert self.keeper.losses() == list(reasons)
+        assert self.keeper.wait_losses(len(reasons), seconds) == list(reasons)
         return time.monotonic() - began
+
+    def wait_unheard(self):
+        """Until what the daemon logs is news to the next keeper; both tell whole seconds."""
+        memory = json.loads((system.KEEPER_STATE / "memory.json").read_text(encoding="utf-8"))
+        wait_until(lambda: time.time() >= memory["heard_until"] + 1, what="another second")
 
     def attempts(self):
         return self.client.names().count("establishingConnection")
@@ -65,9 +69,6 @@ class Kept:
 
     def stays_quiet(self, attempts, state="idle"):
         """Nothing is tried, and no link is there."""
-        end = time.monotonic() + QUIET_SECONDS
-        while time.monotonic() < end:
-            assert self.keeper.properties()["State"] == state
-            time.sleep(0.5)
+        self.keeper.stays(QUIET_SECONDS, lambda now: now["State"] == state)
         assert self.attempts() == attempts
         assert system.run("ip", "-o", "-4", "addr", "show", "dev", "ppp0", check=False).stdout == ""

@@ -136,6 +136,7 @@ def install_files():
     os.symlink("/usr/sbin/br2684ctl", "/opt/norvix/bin/br2684ctl_amd64")
     for policy in (REPOSITORY / "packaging").glob("*.conf"):
         shutil.copy(policy, "/etc/dbus-1/system.d")
+    shutil.copy(REPOSITORY / "packaging/norvix-daemon.rules", "/usr/lib/udev/rules.d/60-norvix-daemon.rules")
     run("groupadd", "--system", "norvix", check=False)
     run("useradd", "--system", "--no-create-home", "norvix-hal", check=False)
     run("useradd", "--system", "--no-create-home", "--groups", "norvix", keeper_service.USER,

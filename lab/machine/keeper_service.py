@@ -4,13 +4,14 @@ import array
 import os
 import select
 import socket
+import time
 from pathlib import Path
 
 from jeepney import DBusAddress, HeaderFields, MessageType, new_method_return, new_signal
 
 from .bus_client import Client
 from .furnishing import NORVIX_GROUP
-from ..waiting import PATIENCE, wait_until
+from ..waiting import PATIENCE, NotHappened, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = "/opt/norvix/bin/norvix-keeper"
@@ -75,10 +76,48 @@ class KeeperOnTheBus:
 
     def wait_for(self, timeout=PATIENCE, **wanted):
         """Waits until properties have these values."""
-        return wait_until(
-            lambda: all(self.properties()[name] == value for name, value in wanted.items()),
-            timeout, "the keeper says %s" % wanted,
-            lambda: (self.properties(), self.errors()))
+        self.wait_properties(lambda now: all(now[name] == value for name, value in wanted.items()),
+                             timeout, "the keeper says %s" % wanted)
+
+    def wait_properties(self, is_wanted, timeout=PATIENCE, what="properties that fit"):
+        """Waits until is_wanted, a function, says so of the properties; looks at them whenever the
+        keeper announces a change, and returns them."""
+        deadline = time.monotonic() + timeout
+        heard = len(self.client.signals)
+        while not is_wanted(now := self.properties()):
+            heard = self._next(heard, "PropertiesChanged", deadline)
+            if heard is None:
+                raise NotHappened("not within %g s: %s\n%s" % (timeout, what, (now, self.errors())))
+        return now
+
+    def wait_losses(self, count, timeout=PATIENCE):
+        """Waits until so many losses were told, and returns the reasons of all."""
+        deadline = time.monotonic() + timeout
+        heard = 0
+        for _ in range(count):
+            heard = self._next(heard, "LinkLost", deadline)
+            if heard is None:
+                raise NotHappened("not within %g s: %d losses, told were %s\n%s" % (
+                    timeout, count, self.losses(), self.properties()))
+        return self.losses()
+
+    def _next(self, position, name, deadline):
+        """The position in the client's signals behind the next one of that name from the keeper, from a
+        position on; None when none comes before the deadline (time.monotonic)."""
+        while (signal := self.client.signal_at(position, deadline - time.monotonic())) is not None:
+            position += 1
+            if signal.name == name and signal.path == PATH:
+                return position
+        return None
+
+    def stays(self, seconds, is_wanted):
+        """Fails as soon as is_wanted, a function, denies it of the properties: now, or at a change that
+        the keeper announces within that time."""
+        try:
+            now = self.wait_properties(lambda now: not is_wanted(now), seconds)
+        except NotHappened:
+            return
+        raise AssertionError("it did not stay so: %s" % now)
 
     def losses(self):
         """The reasons of all losses told so far."""

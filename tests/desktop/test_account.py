@@ -89,12 +89,26 @@ def test_nothing_typed_is_lost_to_a_daemon_that_goes(world):
 
 def test_a_provider_fills_in_the_line_and_the_daemon_stores_it(world):
     world.open(PAGE)
-    world.window.choose("Provider", "GB: BT and resellers")
+    world.window.choose("Provider", "United Kingdom: BT and resellers")
     world.window.wait(lambda: field(world, "VCI", "spin box").value == 38, what="the VCI is there")
     world.window.press_button("Store line")
     world.window.wait_text("The line is stored. It counts from the next connection on.")
     stored = settings(world)
     assert (stored["vpi"], stored["vci"], stored["protocol"]) == (0, 38, "PPPoA")
+
+
+def test_the_providers_stand_by_the_names_of_their_countries_as_the_users_language_sorts_them(world):
+    world.desktop.speak("de_DE")
+    world.desktop.start()
+    world.window.select("Seiten", "Konto und Leitung")
+    combo = world.window.find("combo box", "Anbieter")
+    shown = [row.name for row in combo.children()[0].children()][1:]
+    assert len(shown) == 20
+    countries = [row.partition(": ")[0] for row in shown]
+    assert countries[:3] == ["Australien", "Belgien", "Brasilien"]
+    place = shown.index("Österreich: A1 Telekom Austria")
+    assert (countries[place - 1], countries[place + 1]) == ("Niederlande", "Polen")
+    assert shown.index("Frankreich: Free") < shown.index("Frankreich: Orange")
 
 
 def test_what_somebody_else_stores_is_shown_unless_one_is_editing(world):

@@ -58,12 +58,24 @@ def test_what_only_an_administrator_sees_is_looked_at_with_a_password(computer, 
     open_page(desktop)
     desktop.window.wait_text(re.compile("Only an administrator can look at this: .*Account files"))
     desktop.window.press_button("Look as administrator…")
-    assert desktop.pkexec.wait_call()[-2:] == [MEND, "look"]
+    assert desktop.pkexec.wait_call()[-3:] == [MEND, "look", "en"]
     desktop.window.wait_text(re.compile("does not begin with the account's entry"))
     desktop.window.press_button("Put yours first…")
     assert desktop.pkexec.wait_call(2)[-2:] == [MEND, "mend-files"]
     desktop.window.wait_gone(None, re.compile("does not begin with"))
     assert computer.machine.path(SECRETS[0]).read_text().startswith('"me" * "topsecret" *')
+
+
+def test_what_the_administrator_sees_is_told_in_the_users_language(computer, desktop):
+    for path in SECRETS:
+        computer.machine.path(path).write_text('# nothing first\n"me" * "topsecret" *\n')
+    computer.plug()
+    computer.start_daemon()
+    desktop.speak("de_DE")
+    desktop.start()
+    desktop.window.select("Seiten", "Überprüfung")
+    desktop.window.press_button("Als Verwalter nachsehen …")
+    desktop.window.wait_text(re.compile("beginnt nicht mit dem Eintrag des Kontos"))
 
 
 def test_a_missing_peer_file_is_put_back_by_its_button(computer, desktop):

@@ -10,7 +10,7 @@ OURS = ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvix-desktop", "norv
         "libnorvix-support")
 PLACES = ("/opt", "/etc/ppp", "/etc/dbus-1", "/etc/logrotate.d", "/var/log/norvix",
           "/usr/share/dbus-1", "/usr/share/norvix", "/usr/lib/sysusers.d", "/usr/lib/tmpfiles.d",
-          "/usr/lib/modules-load.d", "/etc/systemd/system", "/usr/bin/norvixctl")
+          "/usr/lib/modules-load.d", "/usr/lib/udev/rules.d", "/etc/systemd/system", "/usr/bin/norvixctl")
 # What package tools keep for themselves.
 BOOKS = ("/var/lib/dpkg", "/var/lib/apt", "/var/cache", "/var/log/apt", "/var/log/dpkg.log",
          "/var/log/alternatives.log", "/etc/ld.so.cache", "/proc", "/sys", "/dev", "/run", "/tmp",
@@ -81,6 +81,11 @@ def test_units_start_at_boot_and_are_sound(from_clone):
         said = from_clone.run("systemd-analyze", "security", "--offline=true", "--no-pager",
                               name + ".service").output
         assert float(re.search(r"exposure level.*: ([0-9.]+)", said)[1]) <= most
+
+
+def test_the_rule_of_udevs_is_sound(from_clone):
+    said = from_clone.run("udevadm", "verify", "/usr/lib/udev/rules.d/60-norvix-daemon.rules", check=False)
+    assert said.status == 0 or "Unknown command verb" in said.output  # Debian 12's cannot tell
 
 
 def test_manual_pages_and_completion_are_found(from_clone):

@@ -56,12 +56,8 @@ def test_a_provider_that_falls_silent_is_tried_for_until_it_answers(chain, proto
     kept = Kept(chain, protocol).connect()
     chain.line.cut = True  # up, but no cell gets through
     kept.note("silent, told after", kept.wait_lost("silent", seconds=ECHO_SECONDS))
-    gone = time.monotonic()
-    while time.monotonic() < gone + AWAY_SECONDS:
-        properties = kept.keeper.properties()
-        assert properties["State"] in ("connecting", "waiting"), properties
-        assert properties["NextAttempt"] - time.time() < 7, properties
-        time.sleep(0.5)
+    kept.keeper.stays(AWAY_SECONDS, lambda now: now["State"] in ("connecting", "waiting")
+                      and now["NextAttempt"] - time.time() < 7)
     assert 1 <= kept.keeper.properties()["Attempts"]
     chain.line.cut = False
     kept.comes_back("silent for %d s" % AWAY_SECONDS)
@@ -73,10 +69,10 @@ def test_a_line_that_is_lost_and_trains_anew_brings_the_link_back(chain, protoco
     kept = Kept(chain, protocol).connect()
     chain.line.comes_up = False
     chain.line.drop()
+    mark = kept.client.mark()
     kept.note("line lost, told after", kept.wait_lost("line-lost", seconds=ECHO_SECONDS))
+    kept.client.wait_signal("synchronizing", after=mark)  # the attempt has found that there is none
     kept.wait("waiting-for-line")
-    time.sleep(5)
-    assert kept.keeper.properties()["State"] == "waiting-for-line"
     chain.line.come_up()
     kept.comes_back("line up again")
 
@@ -85,13 +81,10 @@ def test_a_line_that_is_back_before_the_echoes_fail_keeps_its_session(chain, pro
     kept = Kept(chain, protocol).connect()
     chain.line.drop()
     chain.wait_kernel_log("ADSL line: down")
-    time.sleep(3)
+    time.sleep(3)  # so long it is away
     chain.line.come_up()
     chain.wait_kernel_log(world.UP_LINES["cxacru"], count=2)
-    end = time.monotonic() + 45  # by then echoes would have failed
-    while time.monotonic() < end:
-        assert kept.keeper.properties()["State"] == "connected"
-        time.sleep(0.5)
+    kept.keeper.stays(45, lambda now: now["State"] == "connected")  # by then echoes would have failed
     wait_until(world.carries_traffic, 60, "traffic passes")
     assert kept.keeper.losses() == [] and kept.attempts() == 1
 
@@ -101,9 +94,8 @@ def test_a_password_that_is_wrong_from_one_day_to_the_next_is_tried_seldom(chain
     kept = Kept(chain, protocol, "pause_refused_once = 2\n").connect()
     chain.provider.change_password("another")
     chain.provider.say_goodbye()
-    wait_until(lambda: kept.keeper.properties()["NextAttempt"] - time.time() > 600, BACK_SECONDS,
-               "the next attempt is far away", kept.keeper.properties)
-    properties = kept.keeper.properties()
+    properties = kept.keeper.wait_properties(
+        lambda now: now["NextAttempt"] - time.time() > 600, BACK_SECONDS, "the next attempt is far away")
     assert (properties["State"], properties["Reason"]) == ("waiting", "account-refused")
     attempts = kept.attempts()
     kept.note("password refused: %d attempts, the next in %d s" % (

@@ -13,6 +13,8 @@ from lab.waiting import wait_until
 
 # The daemon waits 35 s for the line; three times, with a modem restart and training after them.
 STUCK_SECONDS = 400
+# Time to do something to the modem while nothing is tried.
+LONG_PAUSE = "pause_hung_up = 20\n"
 
 
 @pytest.fixture(params=["PPPoE", "PPPoA"])
@@ -30,6 +32,7 @@ def test_a_modem_that_is_unplugged_and_plugged_again_connects(chain, protocol):
     kept.comes_back("plugged in")
 
 
+@pytest.mark.quick
 def test_a_killed_daemon_costs_no_link_and_a_lost_one_waits_for_it(chain):
     kept = Kept(chain, "PPPoE").connect()
     chain.daemon.end(signal.SIGKILL)
@@ -37,8 +40,7 @@ def test_a_killed_daemon_costs_no_link_and_a_lost_one_waits_for_it(chain):
     assert kept.keeper.properties()["State"] == "connected"
     chain.provider.say_goodbye()
     kept.wait("waiting-for-daemon", "hung-up")
-    time.sleep(5)
-    assert kept.keeper.properties()["State"] == "waiting-for-daemon"
+    kept.keeper.stays(5, lambda now: now["State"] == "waiting-for-daemon")
     chain.start_daemon()
     kept.comes_back("daemon started")
 
@@ -55,8 +57,8 @@ def test_a_link_that_is_lost_without_a_keeper_comes_back_with_the_next_one(chain
 
 def test_a_modem_that_was_unplugged_without_a_keeper_is_wanted_again(chain):
     kept = Kept(chain, "PPPoE").connect()
-    time.sleep(2.1)  # the log tells seconds
     kept.keeper.end(signal.SIGKILL)
+    kept.wait_unheard()
     chain.unplug()
     kept.client.wait_signal("modemUnplugged")
     kept.keeper = chain.start_keeper()
@@ -77,13 +79,31 @@ def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(chain, protocol)
     kept.client.wait_signal("restartModemFinished", timeout=STUCK_SECONDS)
     kept.note("modem restarted after", time.monotonic() - began)
     assert "restarting the modem" in kept.keeper.errors()
-    if protocol == "PPPoE":
-        # The lost link's bridge outlives the device that it was made for, and no other can be made
-        # beside it. Ending the connection ends it; the keeper may not, for somebody's pppd would end, too.
-        kept.client.call("terminateConnection")
-        kept.wait("idle")
-        kept.client.call("establishConnection")
     kept.comes_back("restarted")
+
+
+def test_a_modem_that_is_restarted_after_a_loss_connects(chain, protocol):
+    """The lost link's bridge outlives the link, but not the device that it was made for."""
+    kept = Kept(chain, protocol, LONG_PAUSE).connect()
+    chain.provider.say_goodbye()
+    kept.wait_lost("hung-up")
+    kept.wait("waiting", "hung-up")
+    kept.client.call("restartModem")
+    kept.client.wait_signal("restartModemFinished", timeout=90)
+    kept.comes_back("restarted after a loss")
+    assert kept.keeper.losses() == ["hung-up"] and kept.attempts() == 2
+
+
+def test_a_modem_that_is_plugged_anew_after_a_loss_connects(chain, protocol):
+    kept = Kept(chain, protocol, LONG_PAUSE).connect()
+    chain.provider.say_goodbye()
+    kept.wait_lost("hung-up")
+    kept.wait("waiting", "hung-up")
+    chain.unplug()
+    kept.wait("waiting-for-modem")
+    chain.plug("cxacru")
+    kept.comes_back("plugged in after a loss")
+    assert kept.keeper.losses() == ["hung-up"] and kept.attempts() == 2
 
 
 def test_what_the_user_ends_in_any_state_stays_ended(chain, protocol):

@@ -22,6 +22,7 @@ UNITS = ("norvix-daemon", "norvix-hald", "norvix-keeper")
 LATER = ("NetworkManager", "NetworkManager-wait-online", "NetworkManager-dispatcher",
          "systemd-networkd", "systemd-resolved")
 GUEST_SECONDS = 3000
+PASSED_ON = ("NORVIX_MOMENTS",)
 
 
 def put_norvix(system):
@@ -59,8 +60,9 @@ def tell(whole, tmp_path_factory):
     def run(*names):
         results = tmp_path_factory.mktemp("whole")
         story = REPOSITORY / "tests/kernel/whole/story.py"
+        chosen = {name: os.environ[name] for name in PASSED_ON if name in os.environ}
         status = guest.run(["/usr/bin/python3", "-B", str(story), *names], results, GUEST_SECONDS,
-                           clean=whole.path(""))
+                           chosen, clean=whole.path(""))
         told = (results / "output").read_text(encoding="utf-8", errors="replace")
         print(told)
         assert status == 0, told[-8000:]

@@ -11,6 +11,10 @@ def test_a_connection_lives_beside_the_distributions_own_network_services(tell):
     tell("lives_beside_resolved", "lives_beside_networkd", "lives_beside_networkmanager")
 
 
+def test_a_modem_that_is_restarted_after_a_loss_connects(tell):
+    tell("restarts_the_modem_after_a_loss")
+
+
 def test_a_link_is_back_about_as_soon_as_pppds_own_and_sooner_than_networkmanagers(tell):
-    """Half an hour."""
+    """Half an hour; NORVIX_MOMENTS=5 makes fewer moments of it."""
     tell("compares")

@@ -294,6 +294,12 @@ def test_the_locale_c_is_english_whatever_the_language_says(machine, env, is_ger
     assert Ctl(machine)("--help", env=env).stdout.startswith("Aufruf" if is_german else "Usage")
 
 
+def test_who_likes_english_better_than_german_reads_no_german(machine):
+    english = {"LANG": "en_GB.UTF-8"}
+    both = {"LANGUAGE": "en_GB:de", **english}
+    assert Ctl(machine)("doctor", env=both).stdout == Ctl(machine)("doctor", env=english).stdout
+
+
 def test_text_is_in_the_character_set_of_the_locale(set_up):
     env = {"LANG": "de_DE.ISO-8859-1", "LC_ALL": "", "LANGUAGE": ""}
     for name in ("norvix", "norvix_unicorn"):

@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """The files with which the daemon is installed: unit, activation, group, folders, and what the
 package does to pppd's files."""
+import fnmatch
 import os
 import re
+import shlex
 import shutil
 import time
 from pathlib import Path
@@ -12,11 +14,13 @@ from machine_fixtures import ROOT_ONLY
 from shipped_files import exposure, run, settings
 
 from lab.machine.private_machine import USUAL_PATH
+from lab.waiting import wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 PACKAGING = REPOSITORY / "packaging"
 UNIT = PACKAGING / "norvix-daemon.service"
 ACTIVATION = PACKAGING / "com.norvix.Daemon.service"
+RULES = PACKAGING / "norvix-daemon.rules"
 PAP, CHAP = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"
 PEERS = ("/etc/ppp/peers/norvix", "/etc/ppp/peers/norvix_unicorn")
 ENTRY = '"login" * "password" *\n'
@@ -114,6 +118,20 @@ def test_the_packages_version_is_the_projects():
                            (REPOSITORY / "CMakeLists.txt").read_text())
     [package, *_] = re.findall(r"^norvix \(([^)]+)\)", (REPOSITORY / "debian/changelog").read_text())
     assert package == project
+
+
+def test_a_bridge_ends_with_the_first_atm_device_and_no_other(machine):
+    rule = RULES.read_text(encoding="ascii")
+    [pattern] = re.findall(r'KERNEL=="([^"]+)"', rule)
+    names = ("cxacru0", "speedtch0", "ueagle-atm0", "cxacru1", "cxacru10", "speedtch20")
+    assert [name for name in names if fnmatch.fnmatchcase(name, pattern)] == list(names[:3])
+    [command] = re.findall(r'RUN\+="([^"]+)"', rule)
+    bridge = ["/opt/norvix/bin/br2684ctl_amd64", "-b", "-c", "0", "-e", "0", "-a", "8.35"]
+    assert machine.run(bridge).status == 0
+    for _ in range(2):  # none is there to be ended the second time, which is nobody's fault
+        done = machine.run(shlex.split(command))
+        assert (done.status, done.stdout, done.stderr) == (0, "", "")
+        wait_until(lambda: not machine.processes("br2684ctl_amd64"), what="the bridge has ended")
 
 
 def test_the_daily_logs_are_rotated_a_day_after_their_last_line(machine):

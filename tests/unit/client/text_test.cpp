@@ -1,16 +1,61 @@
 // SPDX-License-Identifier: MIT
 // What every client makes of numbers, foreign text and the daemon's signals.
+#include "client/providers.h"
 #include "client/signal_text.h"
 #include "client/text_format.h"
+#include "client/translation.h"
 #include "dbus/contract.h"
 
+#include <QDir>
 #include <QTest>
+#include <QTranslator>
 
 class ClientTextTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void everyTranslationIsOneOfTheSpokenLanguages()
+    {
+        speakUsersLanguage(QStringLiteral("none"), true);
+        const QStringList files = QDir(QStringLiteral(":/translations")).entryList();
+        QVERIFY(!files.isEmpty());
+        for (const QString &file : files) {
+            const QString language
+                = file.section(QLatin1Char('_'), 1).section(QLatin1Char('.'), 0, 0);
+            QVERIFY2(isSpoken(language), qPrintable(file));
+        }
+        QVERIFY(isSpoken(QStringLiteral("en")));
+        for (const char *other : {"", "fr", "de_DE", "DE", "../de"}) {
+            QVERIFY2(!isSpoken(QString::fromLatin1(other)), other);
+        }
+    }
+
+    void everyProvidersCountryHasAName()
+    {
+        for (const Provider &provider : commonProviders()) {
+            const QString code = QLatin1String(provider.country);
+            QVERIFY2(countryName(code) != code, provider.country);
+        }
+        QCOMPARE(providersByName().size(), commonProviders().size());
+        QCOMPARE(countryName(QStringLiteral("XX")), QStringLiteral("XX"));
+    }
+
+    void countriesStandInTheOrderOfTheLanguage()
+    {
+        const QString germany = QStringLiteral("DE");
+        const QString austria = QStringLiteral("AT");
+        const QStringList english = countriesByName();
+        QVERIFY(english.indexOf(austria) < english.indexOf(germany));
+        speak(QStringLiteral("de"));
+        const QStringList german = countriesByName();
+        qDeleteAll(QCoreApplication::instance()->findChildren<QTranslator *>());
+        QLocale::setDefault(QLocale::c());
+        QVERIFY(german.indexOf(germany) < german.indexOf(austria));
+        QVERIFY(german.indexOf(austria) < german.indexOf(QStringLiteral("PL")));
+        QCOMPARE(german.size(), english.size());
+    }
+
     void bytesHaveTheUnitThatFits_data()
     {
         QTest::addColumn<double>("bytes");

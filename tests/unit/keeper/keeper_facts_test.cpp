@@ -158,10 +158,22 @@ private slots:
 
     void aLossIsJudgedByWhatIsLeft()
     {
-        QCOMPARE(judgeLoss({false, true, true, true}), Cause::LineLost);
-        QCOMPARE(judgeLoss({true, true, false, true}), Cause::BridgeGone);
-        QCOMPARE(judgeLoss({true, true, true, true}), Cause::Silent);
-        QCOMPARE(judgeLoss({std::nullopt, false, false, false}), Cause::HungUp);
+        LossFacts facts;
+        QCOMPARE(judgeLoss(facts), Cause::HungUp);
+        facts.carrier = true;
+        facts.hadDevice = facts.hasDevice = true;
+        facts.hadBridge = facts.hasBridge = true;
+        QCOMPARE(judgeLoss(facts), Cause::HungUp);
+        facts.isStill = true;
+        QCOMPARE(judgeLoss(facts), Cause::Silent);
+        facts.hasBridge = false;
+        QCOMPARE(judgeLoss(facts), Cause::BridgeGone);
+        facts.carrier = false;
+        QCOMPARE(judgeLoss(facts), Cause::LineLost);
+        // The bridge is ended with the device that it was made for.
+        facts.carrier.reset();
+        facts.hasDevice = false;
+        QCOMPARE(judgeLoss(facts), Cause::Unplugged);
     }
 
     void aCounterIsStillAfterTwentyFiveSeconds()
