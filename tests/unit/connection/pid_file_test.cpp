@@ -122,7 +122,7 @@ void PidFileTest::aFileThatCannotBeReadGivesNone()
 
 void PidFileTest::anIdIsTheCodeOfOneCharacter_data()
 {
-    // utf8: empty: no character
+    // Without bytes: no character.
     const auto row = table<int, QByteArray>("id", "utf8");
     row("a digit", 48, "0");
     row("a letter", 955, "\xce\xbb");

@@ -20,7 +20,7 @@ private slots:
 
 void ProcessIdentityTest::theStartIsTheTwentySecondField_data()
 {
-    // start: -1: none
+    // A start of -1: none.
     const auto row = table<QByteArray, qint64>("stat", "start");
     const QByteArray fields = "S 1 42 42 0 -1 4194560 1 2 3 4 5 6 7 8 20 0 1 0 360047 5459968 512 "
                               "18446744073709551615\n";

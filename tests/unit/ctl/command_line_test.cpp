@@ -79,7 +79,7 @@ private slots:
 
     void numbersAreDigitsWithinTheirRange_data()
     {
-        // number: -1: refused
+        // -1: refused.
         const auto row = table<QString, int>("text", "number");
         row("least", "0", 0);
         row("most", "255", 255);

@@ -156,7 +156,7 @@ private slots:
 
     void eachFactIsJudged_data()
     {
-        // words: in text or remedy
+        // The words stand in text or remedy.
         const auto row = table<QString, QString, QString, Spoil>("id", "verdict", "words", "spoil");
         row("no bus", "daemon", "fault", "start dbus", [](Facts &f) { f.isBusThere = false; });
         row("no daemon", "daemon", "fault", "start norvix-daemon",

@@ -12,7 +12,7 @@ class HalTextTest : public QObject
 private slots:
     void hexadecimal_numbers_have_one_to_four_digits_and_nothing_else_data()
     {
-        // expected: -1: not a number
+        // -1: not a number.
         const auto row = table<QByteArray, int>("input", "expected");
         row("padded", "046d", 0x46d);
         row("not padded", "1", 1);

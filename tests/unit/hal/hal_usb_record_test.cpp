@@ -22,7 +22,7 @@ class HalUsbRecordTest : public QObject
 private slots:
     void the_product_text_of_an_event_is_three_hexadecimal_numbers_data()
     {
-        // vendor: -1: not understood
+        // A vendor of -1: not understood.
         const auto row = table<QByteArray, int, int>("input", "vendor", "product");
         row("as the kernel writes it", "1110/9041/1", 0x1110, 0x9041);
         row("not padded", "483/e/0", 0x483, 0xe);
