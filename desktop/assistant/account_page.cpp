@@ -3,7 +3,6 @@
 
 #include "client/account_rules.h"
 #include "client/say.h"
-#include "dbus/contract.h"
 #include "desktop/controller.h"
 
 #include <QCheckBox>
@@ -100,23 +99,22 @@ void AccountPage::proceed()
     }
     m_isStoring = true;
     emit storingChanged();
-    BusCall call = setupCall(SetupMethod::SetAccount, {login, password});
-    call.startsService = true;
-    controller().bus().ask(call, this, [this](const BusAnswer &answer) {
-        m_isStoring = false;
-        if (answer.ok()) {
-            m_login->clear();
-            m_password->clear();
-            m_text->clear();
-        } else {
-            m_text->setText(Say::tr("The account is not stored yet. %1")
-                                .arg(requestFailureText(answer.failure)));
-        }
-        emit storingChanged();
-        if (answer.ok()) {
-            emit goOn();
-        }
-    });
+    controller().bus().ask(
+        storeAccountCall(login, password), this, [this](const BusAnswer &answer) {
+            m_isStoring = false;
+            if (answer.ok()) {
+                m_login->clear();
+                m_password->clear();
+                m_text->clear();
+            } else {
+                m_text->setText(Say::tr("The account is not stored yet. %1")
+                                    .arg(requestFailureText(answer.failure)));
+            }
+            emit storingChanged();
+            if (answer.ok()) {
+                emit goOn();
+            }
+        });
 }
 
 } // namespace desktop

@@ -100,9 +100,7 @@ void AccountForm::store()
     m_outcome->inform(Say::tr("The account is being stored."));
     const QString login = m_login->text();
     const QString password = m_password->text();
-    BusCall call
-        = setupCall(SetupMethod::SetAccount, {encodedLogin(login), encodedPassword(password)});
-    call.startsService = true;
+    const BusCall call = storeAccountCall(login, password);
     m_controller.bus().ask(call, this, [this, login, password](const BusAnswer &answer) {
         m_isStoring = false;
         if (!answer.ok()) {
