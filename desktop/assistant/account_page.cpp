@@ -62,19 +62,11 @@ void AccountPage::takeTyped()
     m_text->setText(objection());
 }
 
-/// Why what was typed so far can not be stored; an empty field says nothing while one types.
+/// Why what was typed so far can not be stored.
 QString AccountPage::objection() const
 {
-    const QString login = m_login->text();
-    const QString password = m_password->text();
-    Failure failure = login.isEmpty() ? Failure() : loginObjection(login);
-    if (!failure && !password.isEmpty()) {
-        failure = passwordObjection(password);
-    }
-    if (!failure && !login.isEmpty() && !password.isEmpty()) {
-        failure = accountObjection(login, password);
-    }
-    return failure.detail;
+    const TypedAccount typed = typedAccount(m_login->text(), m_password->text());
+    return typed.loginObjection.isEmpty() ? typed.passwordObjection : typed.loginObjection;
 }
 
 void AccountPage::proceed()

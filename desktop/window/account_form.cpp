@@ -70,27 +70,18 @@ void AccountForm::askForLogin()
         });
 }
 
-/// What is not allowed is said while it is typed; that a field is still empty is not.
 void AccountForm::judge()
 {
-    const QString login = m_login->text();
     const QString password = m_password->text();
-    const Failure loginFailure = loginObjection(login);
-    const Failure passwordFailure = passwordObjection(password);
-    m_loginError->complain(login.isEmpty() ? QString() : loginFailure.detail);
-    QString objection = password.isEmpty() ? QString() : passwordFailure.detail;
-    const bool isEachGood = !loginFailure && !passwordFailure;
-    const Failure together = isEachGood ? accountObjection(login, password) : Failure();
-    if (together) {
-        objection = together.detail;
-    }
-    m_passwordError->complain(objection);
+    const TypedAccount typed = typedAccount(m_login->text(), password);
+    m_loginError->complain(typed.loginObjection);
+    m_passwordError->complain(typed.passwordObjection);
     m_outcome->inform(QString());
     m_reveal->setEnabled(!password.isEmpty());
     if (password.isEmpty()) {
         m_reveal->setChecked(false);
     }
-    m_store->setEnabled(isEachGood && !together && !m_isStoring);
+    m_store->setEnabled(typed.canBeStored && !m_isStoring);
 }
 
 void AccountForm::store()
