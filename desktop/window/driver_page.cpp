@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QDateTime>
@@ -72,7 +73,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     }
     auto *buttons = new QHBoxLayout;
     for (QPushButton *button : {m_restart, m_build}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
         buttons->addWidget(button);
     }
     buttons->addStretch(1);

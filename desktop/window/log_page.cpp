@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -129,7 +130,7 @@ LogPage::LogPage(Controller &controller, QWidget *parent)
     column->addWidget(m_view, 1);
     column->addLayout(bottom);
     for (QWidget *control : std::initializer_list<QWidget *>{m_which, m_filter, m_follow, m_copy}) {
-        control->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(control);
     }
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &LogPage::read);

@@ -10,13 +10,32 @@
 #include "desktop/window/driver_page.h"
 #include "desktop/window/history_page.h"
 #include "desktop/window/log_page.h"
+#include "desktop/window/pieces.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyledItemDelegate>
 
 namespace desktop {
+
+namespace {
+
+/// Rows that can be hit.
+class HighRows : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize least(0, comfortableHeight(option.fontMetrics));
+        return QStyledItemDelegate::sizeHint(option, index).expandedTo(least);
+    }
+};
+
+} // namespace
 
 MainWindow::MainWindow(Controller &controller, QWidget *parent)
     : QMainWindow(parent)
@@ -26,11 +45,12 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
 {
     setWindowTitle(Say::tr("ADSL modem"));
     m_list->setAccessibleName(Say::tr("Pages"));
+    m_list->setItemDelegate(new HighRows(m_list));
     m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     auto *middle = new QWidget;
     auto *row = new QHBoxLayout(middle);
     auto *guide = new QPushButton(Say::tr("Assistant…"));
-    guide->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(guide);
     auto *column = new QVBoxLayout;
     column->addWidget(m_list, 1);
     column->addWidget(guide);
@@ -43,10 +63,11 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
             new DriverPage(controller), new LogPage(controller)}) {
         add(page);
     }
-    // By what is selected: a screen reader selects without moving the keyboard's place.
+    // By what is selected: a screen reader does not move the keyboard's place with it.
     connect(m_list, &QListWidget::itemSelectionChanged, this, [this] {
         const QList<QListWidgetItem *> selected = m_list->selectedItems();
         if (!selected.isEmpty()) {
+            m_list->setCurrentItem(selected.constFirst(), QItemSelectionModel::NoUpdate);
             turnTo(m_list->row(selected.constFirst()));
         }
     });

@@ -8,6 +8,12 @@
 
 namespace desktop {
 
+int comfortableHeight(const QFontMetrics &metrics)
+{
+    constexpr double letters = 2.5;
+    return qRound(metrics.height() * letters);
+}
+
 QWidget *scrolledContent(QWidget *page)
 {
     auto *area = new QScrollArea;

@@ -11,11 +11,13 @@ namespace desktop {
 /// small: nothing is cut at any size of text.
 QWidget *scrolledContent(QWidget *page);
 
-/// Large enough to be hit: 32 pixels with the usual letters.
+/// The height of what can be hit: 32 pixels with the usual letters.
+int comfortableHeight(const QFontMetrics &metrics);
+
+/// Makes a control so high.
 template <typename Control> Control *comfortable(Control *control)
 {
-    constexpr double letters = 2.5;
-    control->setMinimumHeight(qRound(control->fontMetrics().height() * letters));
+    control->setMinimumHeight(comfortableHeight(control->fontMetrics()));
     return control;
 }
 

@@ -4,6 +4,7 @@
 #include "client/say.h"
 #include "desktop/controller.h"
 #include "desktop/tray/tray_facts.h"
+#include "desktop/window/pieces.h"
 
 #include <QCoreApplication>
 #include <QGroupBox>
@@ -16,7 +17,7 @@ namespace {
 /// High enough to be hit, whatever the style thinks.
 template <typename Control> Control *tall(Control *control)
 {
-    control->setMinimumHeight(control->fontMetrics().height() * 2);
+    comfortable(control);
     return control;
 }
 
