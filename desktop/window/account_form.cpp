@@ -71,27 +71,18 @@ void AccountForm::askForLogin()
         });
 }
 
-/// What is not allowed is said while it is typed; that a field is still empty is not.
 void AccountForm::judge()
 {
-    const QString login = m_login->text();
     const QString password = m_password->text();
-    const Failure loginFailure = loginObjection(login);
-    const Failure passwordFailure = passwordObjection(password);
-    m_loginError->complain(login.isEmpty() ? QString() : loginFailure.detail);
-    QString objection = password.isEmpty() ? QString() : passwordFailure.detail;
-    const bool isEachGood = !loginFailure && !passwordFailure;
-    const Failure together = isEachGood ? accountObjection(login, password) : Failure();
-    if (together) {
-        objection = together.detail;
-    }
-    m_passwordError->complain(objection);
+    const TypedAccount typed = typedAccount(m_login->text(), password);
+    m_loginError->complain(typed.loginObjection);
+    m_passwordError->complain(typed.passwordObjection);
     m_outcome->inform(QString());
     m_reveal->setEnabled(!password.isEmpty());
     if (password.isEmpty()) {
         m_reveal->setChecked(false);
     }
-    m_store->setEnabled(isEachGood && !together && !m_isStoring);
+    m_store->setEnabled(typed.canBeStored && !m_isStoring);
 }
 
 void AccountForm::store()
@@ -101,9 +92,7 @@ void AccountForm::store()
     m_outcome->inform(Say::tr("The account is being stored."));
     const QString login = m_login->text();
     const QString password = m_password->text();
-    BusCall call
-        = setupCall(SetupMethod::SetAccount, {encodedLogin(login), encodedPassword(password)});
-    call.startsService = true;
+    const BusCall call = storeAccountCall(login, password);
     m_controller.bus().ask(call, this, [this, login, password](const BusAnswer &answer) {
         m_isStoring = false;
         if (!answer.ok()) {

@@ -118,9 +118,7 @@ void LineForm::store()
         {QStringLiteral("vci"), m_vci->value()},
         {QStringLiteral("protocol"), m_protocol->currentData()},
         {QStringLiteral("service"), m_service->text()}};
-    BusCall call = setupCall(SetupMethod::SetSettings, {values});
-    call.startsService = true;
-    m_controller.bus().ask(call, this, [this](const BusAnswer &answer) {
+    m_controller.bus().ask(storeSettingsCall(values), this, [this](const BusAnswer &answer) {
         m_store->setEnabled(true);
         if (!answer.ok()) {
             m_outcome->complain(requestFailureText(answer.failure));
