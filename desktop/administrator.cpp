@@ -67,7 +67,9 @@ QString rightsOutcomeText(RightsOutcome outcome)
         return Say::tr("No program of this session can ask for an administrator's password. This "
                        "command does the same:");
     case RightsOutcome::Refused:
-        return Say::tr("The administrator's password was not accepted. Nothing was changed.");
+        // Of a rule that allows it to nobody polkit says the same as of a wrong password.
+        return Say::tr("An administrator's rights were not given: the password was wrong, or this "
+                       "system does not allow it. Nothing was changed.");
     case RightsOutcome::Cancelled:
         return Say::tr("The password was not entered. Nothing was changed.");
     case RightsOutcome::GivenUp:

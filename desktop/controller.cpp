@@ -7,6 +7,16 @@
 
 namespace desktop {
 
+namespace {
+
+// The daemon's messages of one moment come one by one, and are shown together.
+constexpr int announcementMs = 20;
+constexpr int clockMs = 1000 - announcementMs;
+// The daemon tells its figures each second; only one that does not is helped out.
+constexpr int connectedClockMs = 1500;
+
+} // namespace
+
 Controller::Controller(const QDBusConnection &systemBus, QObject *parent)
     : QObject(parent)
     , m_bus(systemBus)
@@ -14,9 +24,9 @@ Controller::Controller(const QDBusConnection &systemBus, QObject *parent)
     , m_keeper(m_bus)
 {
     m_announcement.setSingleShot(true);
-    m_announcement.setInterval(0);
-    m_clock.setInterval(1000);
-    connect(&m_announcement, &QTimer::timeout, this, &Controller::changed);
+    m_announcement.setInterval(announcementMs);
+    m_clock.setSingleShot(true);
+    connect(&m_announcement, &QTimer::timeout, this, &Controller::announce);
     connect(&m_clock, &QTimer::timeout, this, [this] { take(event::Ticked()); });
     connect(&m_daemon, &DaemonWatch::happened, this, &Controller::take);
     connect(&m_keeper, &KeeperWatch::happened, this, &Controller::take);
@@ -30,12 +40,19 @@ void Controller::start()
 
 void Controller::setWatched(bool isWatched)
 {
+    m_isWatched = isWatched;
     m_daemon.setWatched(isWatched);
-    if (isWatched) {
-        m_clock.start();
+    m_announcement.start();
+}
+
+void Controller::announce()
+{
+    if (m_isWatched && m_model.doesTimeShow()) {
+        m_clock.start(m_model.state == ConnectionUp ? connectedClockMs : clockMs);
     } else {
         m_clock.stop();
     }
+    emit changed();
 }
 
 void Controller::take(const Event &event)

@@ -38,7 +38,7 @@ public:
     void take(const Event &event);
 
 signals:
-    /// The model has changed; at most once per round of the event loop.
+    /// The model has changed, or time has; what happens at one moment is told once.
     void changed();
     /// Every event, after it was taken in.
     void happened(const desktop::Event &event);
@@ -51,13 +51,15 @@ private:
     BusCall callFor(Request request) const;
     void ask(Request request);
     void startAndConnect();
+    void announce();
 
     AsyncBus m_bus;
     DaemonWatch m_daemon;
     KeeperWatch m_keeper;
     ConnectionModel m_model;
     QTimer m_announcement;
-    QTimer m_clock;
+    QTimer m_clock; ///< what only time changes is shown anew by it
+    bool m_isWatched = false;
 };
 
 } // namespace desktop

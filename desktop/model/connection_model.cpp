@@ -15,6 +15,28 @@ QString addressOf(const QString &told)
     return told == QLatin1String(Bus::none) ? QString() : told;
 }
 
+/// Whether a session ended as nobody wanted. What the keeper has not seen may have been the
+/// computer's end.
+bool wasLost(const KeeperSession &session)
+{
+    return session.ended && !session.reason.isEmpty()
+        && session.reason != QLatin1String(KeeperReason::user)
+        && session.reason != QLatin1String(KeeperReason::sleep)
+        && session.reason != QLatin1String(KeeperReason::unknown);
+}
+
+/// The loss before the session that runs.
+std::optional<Loss> lossBefore(const QList<KeeperSession> &sessions)
+{
+    const KeeperSession running = sessions.value(0);
+    const KeeperSession before = sessions.value(1);
+    if (running.began == 0 || running.ended || !wasLost(before)) {
+        return std::nullopt;
+    }
+    const qint64 away = running.began - *before.ended;
+    return away >= 0 ? std::optional<Loss>({*before.ended, away}) : std::nullopt; // else by a clock
+}
+
 } // namespace
 
 struct ConnectionModel::Taker
@@ -80,6 +102,11 @@ struct ConnectionModel::Taker
 
     void operator()(const event::LinkLost &lost) const { model.takeLoss(lost.reason, now); }
 
+    void operator()(const event::SessionsTold &told) const
+    {
+        model.lastLoss = lossBefore(told.sessions);
+    }
+
     void operator()(const event::LinkSeen &seen) const
     {
         if (model.state == ConnectionUp) {
@@ -139,6 +166,7 @@ void ConnectionModel::forgetDaemon()
     isModemPlugged.reset();
     announcedModem.clear();
     isBuilding = false;
+    buildResult.reset();
     isRestarting = false;
 }
 
@@ -146,6 +174,7 @@ void ConnectionModel::forgetLink()
 {
     address.clear();
     route.clear();
+    lastLoss.reset();
     upSince.reset();
     received = 0;
     sent = 0;
@@ -162,6 +191,14 @@ std::optional<qint64> ConnectionModel::connectedSeconds(qint64 now) const
     return upSince && state == ConnectionUp
         ? std::optional<qint64>(qMax(qint64(0), now - *upSince) / 1000)
         : std::nullopt;
+}
+
+bool ConnectionModel::doesTimeShow() const
+{
+    const bool isWaiting = daemon == DaemonPresence::Silent || pending || isBuilding || isRestarting
+        || (keeper && keeper->nextAttempt);
+    const bool isLinkThere = state && *state != ConnectionDown;
+    return isWaiting || isLinkThere || !speeds.samples().isEmpty();
 }
 
 /// The state, told by a signal or answered to a question.
@@ -323,8 +360,10 @@ void ConnectionModel::takeSignal(const QString &signal, const QVariantList &argu
         announcedModem.clear();
     } else if (is(DaemonSignal::compilingDriver)) {
         isBuilding = true;
+        buildResult.reset();
     } else if (is(DaemonSignal::compilationFinished)) {
         isBuilding = false;
+        buildResult = first().toBool();
     } else if (is(DaemonSignal::restartModemStarted)) {
         isRestarting = true;
     } else if (is(DaemonSignal::restartModemFinished)) {

@@ -8,6 +8,18 @@
         <translation>Das Programm pkexec, das nach dem Passwort eines Verwalters fragt, ist nicht installiert. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
+        <source>The modem&apos;s driver could not be built.</source>
+        <translation>Der Treiber des Modems konnte nicht gebaut werden.</translation>
+    </message>
+    <message>
+        <source>The build has ended without an error.</source>
+        <translation>Der Bau ist ohne Fehler zu Ende gegangen.</translation>
+    </message>
+    <message>
+        <source>The driver could not be built. The end of the output tells why, and the check-up what is missing; then build it anew.</source>
+        <translation>Der Treiber konnte nicht gebaut werden. Das Ende der Ausgabe sagt, warum, und die Überprüfung, was fehlt; danach bauen Sie ihn neu.</translation>
+    </message>
+    <message>
         <source>The service that decides about administrator&apos;s rights does not answer. This command does the same:</source>
         <translation>Der Dienst, der über Verwalterrechte entscheidet, antwortet nicht. Dieser Befehl tut dasselbe:</translation>
     </message>
@@ -16,8 +28,8 @@
         <translation>Kein Programm dieser Sitzung kann nach dem Passwort eines Verwalters fragen. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
-        <source>The administrator&apos;s password was not accepted. Nothing was changed.</source>
-        <translation>Das Passwort des Verwalters wurde nicht angenommen. Nichts wurde geändert.</translation>
+        <source>An administrator&apos;s rights were not given: the password was wrong, or this system does not allow it. Nothing was changed.</source>
+        <translation>Die Rechte eines Verwalters wurden nicht erteilt: Das Passwort war falsch, oder dieses System erlaubt es nicht. Nichts wurde geändert.</translation>
     </message>
     <message>
         <source>The password was not entered. Nothing was changed.</source>
@@ -559,14 +571,6 @@
     <message>
         <source>Restart the daemon. Its log tells what it did last.</source>
         <translation>Starten Sie den Dienst neu. Sein Protokoll sagt, was er zuletzt tat.</translation>
-    </message>
-    <message>
-        <source>Start it…</source>
-        <translation>Starten …</translation>
-    </message>
-    <message>
-        <source>Start the companion.</source>
-        <translation>Starten Sie den Begleitdienst.</translation>
     </message>
     <message>
         <source>Install the daemon&apos;s package again, and have the bus read it.</source>
@@ -1681,6 +1685,30 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>S&amp;how</source>
         <translation>&amp;Zeigen</translation>
+    </message>
+    <message>
+        <source>The connection was lost at %1, back after %2.</source>
+        <translation>Die Verbindung ging um %1 verloren und stand nach %2 wieder.</translation>
+    </message>
+    <message>
+        <source>Restart it…</source>
+        <translation>Neu starten …</translation>
+    </message>
+    <message>
+        <source>Restart the companion.</source>
+        <translation>Starten Sie den Begleitdienst neu.</translation>
+    </message>
+    <message>
+        <source>Start the keeper…</source>
+        <translation>Wächter starten …</translation>
+    </message>
+    <message>
+        <source>Restart the keeper…</source>
+        <translation>Wächter neu starten …</translation>
+    </message>
+    <message>
+        <source>Restart the keeper.</source>
+        <translation>Starten Sie den Wächter neu.</translation>
     </message>
 </context>
 </TS>

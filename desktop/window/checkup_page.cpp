@@ -83,6 +83,8 @@ CheckupPage::CheckupPage(Controller &controller, QWidget *parent)
         check();
     });
     connect(m_copy, &QPushButton::clicked, this, &CheckupPage::copyReport);
+    m_clock.setInterval(1000);
+    connect(&m_clock, &QTimer::timeout, this, &CheckupPage::refresh);
     connect(m_runner, &DeedRunner::done, this, &CheckupPage::takeDone);
     connect(m_runner, &DeedRunner::newBeginningWanted, this, [this] {
         beginAnewInGroup({}, this, [this] {
@@ -140,6 +142,7 @@ void CheckupPage::check()
         return;
     }
     m_since = QDateTime::currentMSecsSinceEpoch();
+    m_clock.start();
     refresh();
     inBackground<Seen>(this, look, [this](const Seen &seen) { take(seen); });
 }
@@ -147,6 +150,7 @@ void CheckupPage::check()
 void CheckupPage::take(const Seen &seen)
 {
     m_since = 0;
+    m_clock.stop();
     m_seen = seen;
     m_copy->setEnabled(true);
     showFindings();

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSet>
+#include <QTimer>
 #include <QToolButton>
 
 namespace desktop {
@@ -49,6 +50,7 @@ private:
 
     Seen m_seen;
     QSet<int> m_doneVerbs; ///< since the person has asked for a check
+    QTimer m_clock; ///< tells how long a check runs already
     qint64 m_since = 0; ///< the running check, milliseconds since 1970; 0 for none
     bool m_isRepeatWanted = false;
     QLabel *m_title;

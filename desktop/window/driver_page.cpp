@@ -62,6 +62,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     , m_panel(new RightsPanel)
     , m_building(new QLabel)
     , m_progress(new QProgressBar)
+    , m_help(new QPushButton(actionText(Action::CheckUp)))
     , m_outputTitle(new QLabel(Say::tr("Output of the last build:")))
     , m_output(new QPlainTextEdit)
 {
@@ -76,7 +77,7 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     facts->addRow(Say::tr("State"), m_state);
     facts->addRow(Say::tr("Kernel"), m_kernel);
     auto *buttons = new QHBoxLayout;
-    for (QPushButton *button : {m_restart, m_build}) {
+    for (QPushButton *button : {m_restart, m_build, m_help}) {
         buttons->addWidget(comfortable(button));
     }
     buttons->addStretch(1);
@@ -99,6 +100,8 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     column->addStretch(0); // keeps the rows together while there is no output
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
+    connect(m_help, &QPushButton::clicked, this,
+        [this] { this->controller().perform(Action::CheckUp); });
     connect(m_restart, &QPushButton::clicked, this, &DriverPage::askToRestart);
     connect(m_build, &QPushButton::clicked, this, [this] {
         m_panel->perform(Verb::RestartDaemon, [this](const QByteArray &) {
@@ -135,11 +138,7 @@ void DriverPage::refresh()
         m_buildingSince = model.isBuilding ? now : 0;
         lookAgain();
     }
-    m_building->setVisible(model.isBuilding || model.isRestarting);
-    m_building->setText(model.isBuilding
-            ? Say::tr("The driver is being built, for %1 already. Connections wait until then.")
-                  .arg(durationText((now - m_buildingSince) / 1000))
-            : Say::tr("The driver is loaded anew; this takes up to a minute."));
+    showBuild();
     // Who wants no movement is told by the words above alone.
     const bool doesMove = style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0;
     m_progress->setVisible(model.isBuilding && doesMove);
@@ -151,6 +150,27 @@ void DriverPage::refresh()
     } else {
         m_reading.stop();
     }
+}
+
+void DriverPage::showBuild()
+{
+    const ConnectionModel &model = controller().model();
+    QString text;
+    if (model.isBuilding) {
+        const qint64 since = QDateTime::currentMSecsSinceEpoch() - m_buildingSince;
+        text = Say::tr("The driver is being built, for %1 already. Connections wait until then.")
+                   .arg(durationText(since / 1000));
+    } else if (model.isRestarting) {
+        text = Say::tr("The driver is loaded anew; this takes up to a minute.");
+    } else if (model.buildResult) {
+        text = *model.buildResult
+            ? Say::tr("The build has ended without an error.")
+            : Say::tr("The driver could not be built. The end of the output tells why, and the "
+                      "check-up what is missing; then build it anew.");
+    }
+    m_building->setVisible(!text.isEmpty());
+    m_building->setText(text);
+    m_help->setVisible(!model.isBuilding && model.buildResult == false);
 }
 
 DriverPage::Seen DriverPage::look()
@@ -181,6 +201,7 @@ DriverPage::Output DriverPage::readOutput()
 
 void DriverPage::lookAgain()
 {
+    m_isReadingOwed = m_isReading;
     if (m_isReading) {
         return;
     }
@@ -189,6 +210,9 @@ void DriverPage::lookAgain()
     inBackground<Output>(this, readOutput, [this](const Output &output) {
         m_isReading = false;
         showOutput(output);
+        if (m_isReadingOwed) {
+            lookAgain();
+        }
     });
 }
 

@@ -47,6 +47,7 @@ private:
     void lookAgain();
     void showSeen(const Seen &seen);
     void showOutput(const Output &output);
+    void showBuild();
     void askToRestart();
 
     QLabel *m_modem;
@@ -60,12 +61,14 @@ private:
     RightsPanel *m_panel;
     QLabel *m_building;
     QProgressBar *m_progress;
+    QPushButton *m_help; ///< the way out of a build that has failed
     QLabel *m_outputTitle;
     QPlainTextEdit *m_output;
     QTimer m_reading;
     qint64 m_buildingSince = 0; ///< milliseconds since 1970; 0 while nothing is built
     bool m_isOnScreen = false;
     bool m_isReading = false;
+    bool m_isReadingOwed = false; ///< something has happened since what is read now
 };
 
 } // namespace desktop

@@ -132,6 +132,8 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     connect(m_setUp, &QPushButton::clicked, this,
         [this] { this->controller().perform(Action::SetUp); });
     m_looks.setInterval(lookMs);
+    m_clock.setInterval(1000);
+    connect(&m_clock, &QTimer::timeout, this, &HistoryPage::showMessage);
     m_lateLook.setInterval(lateLookMs);
     m_lateLook.setSingleShot(true);
     connect(&m_lateLook, &QTimer::timeout, this, &HistoryPage::lookAgain);
@@ -193,6 +195,7 @@ void HistoryPage::lookAgain()
     }
     m_failure = {};
     m_askedAt = QDateTime::currentMSecsSinceEpoch();
+    m_clock.start();
     ask(keeperCall(KeeperMethod::GetPlan), [this](const BusAnswer &answer) {
         const std::optional<QVariantMap> map = busMap(answer.value());
         m_answers.plan = (map ? keeperPlan(*map) : std::nullopt).value_or(KeeperPlan());
@@ -235,6 +238,7 @@ void HistoryPage::ask(const BusCall &call, const Take &take)
             m_failure = answer.failure;
         }
         if (m_owed == 0) {
+            m_clock.stop();
             m_isAnswered = m_isAnswered || !m_failure;
             refresh();
         }
@@ -284,8 +288,7 @@ void HistoryPage::showMessage()
         text = Say::tr("Only members of the group “norvix” may see the history.");
         canJoin = true;
     } else if (m_failure) {
-        text = m_failure.kind == FailureKind::NoAnswer ? Say::tr("The keeper does not answer.")
-                                                       : requestFailureText(m_failure);
+        text = requestFailureText(m_failure);
     } else {
         text = keeperHistoryText(keeper->history);
     }
@@ -372,7 +375,7 @@ void HistoryPage::storePlan()
     const auto finish = [this](const Failure &failure) {
         m_store->setEnabled(true);
         if (failure) {
-            m_planOutcome->complain(failure.kind == FailureKind::NoAnswer
+            m_planOutcome->complain(failure.kind == FailureKind::KeeperNoAnswer
                     ? Say::tr("The keeper does not answer; nothing was stored.")
                     : requestFailureText(failure));
             return;

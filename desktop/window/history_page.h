@@ -73,6 +73,7 @@ private:
     ErrorLabel *m_planOutcome;
     QWidget *m_planRow;
     QTimer m_looks;
+    QTimer m_clock; ///< tells how long an answer is owed already
     QTimer m_lateLook;
     Answers m_answers;
     Failure m_failure; ///< of the newest round of questions

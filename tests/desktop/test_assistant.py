@@ -101,7 +101,7 @@ def test_a_member_is_told_so_and_goes_on(computer, desktop):
     assert not desktop.window.has("push button", "Let me use it…")
 
 
-REFUSALS = {"refuse": "The administrator's password was not accepted",
+REFUSALS = {"refuse": "An administrator's rights were not given",
             "cancel": "The password was not entered"}
 
 
