@@ -47,8 +47,12 @@ AccountForm::AccountForm(Controller &controller, QWidget *parent)
     form->addRow(QString(), m_store);
     alignNames(form);
 
-    connect(m_login, &QLineEdit::textEdited, this, &AccountForm::judge);
-    connect(m_password, &QLineEdit::textEdited, this, &AccountForm::judge);
+    // Not textEdited: what dictation or a screen reader writes is a person's, too.
+    connect(m_login, &QLineEdit::textChanged, this, [this] {
+        m_isLoginEdited = true;
+        judge();
+    });
+    connect(m_password, &QLineEdit::textChanged, this, &AccountForm::judge);
     connect(m_login, &QLineEdit::returnPressed, m_store, &QPushButton::click);
     connect(m_password, &QLineEdit::returnPressed, m_store, &QPushButton::click);
     connect(m_store, &QPushButton::clicked, this, &AccountForm::store);
@@ -65,7 +69,8 @@ void AccountForm::askForLogin()
     m_controller.bus().ask(
         daemonCall(DaemonMethod::getLoginAndPassword), this, [this](const BusAnswer &answer) {
             const QStringList account = answer.value().toStringList();
-            if (answer.ok() && !m_login->isModified() && !account.isEmpty()) {
+            if (answer.ok() && !m_isLoginEdited && !account.isEmpty()) {
+                const QSignalBlocker blocker(m_login);
                 m_login->setText(decodedWord(account.constFirst()));
             }
         });
@@ -101,9 +106,8 @@ void AccountForm::store()
             return;
         }
         if (m_login->text() == login && m_password->text() == password) {
-            m_login->setModified(false);
+            m_isLoginEdited = false;
             m_password->clear();
-            m_password->setModified(false);
         }
         judge();
         m_outcome->inform(Say::tr("The account is stored. It counts from the next connection on."));

@@ -69,7 +69,7 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     connect(m_vpi, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);
     connect(m_vci, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);
     connect(m_protocol, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &LineForm::edit);
-    connect(m_service, &QLineEdit::textEdited, this, &LineForm::edit);
+    connect(m_service, &QLineEdit::textChanged, this, &LineForm::edit);
     connect(m_store, &QPushButton::clicked, this, &LineForm::store);
 }
 
