@@ -3,7 +3,6 @@
 import random
 import statistics
 import sys
-import tempfile
 import time
 from pathlib import Path
 
@@ -45,8 +44,8 @@ def script(world, number):
 
 def measure(moments):
     """Pairs of seconds from the provider's return to the link: the keeper's, and pppd's alone."""
-    with PrivateMachine() as machine, tempfile.TemporaryDirectory() as folder:
-        world = World(machine, Path(folder), SETTINGS, protocol="PPPoE")
+    with PrivateMachine() as machine:
+        world = World(machine, SETTINGS, protocol="PPPoE")
         script(world, 0)
         machine.pppd.trigger("there-0")
         world.keeper = Keeper(machine)

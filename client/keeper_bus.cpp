@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int answerMs = 5000;
-
 QDBusMessage callOf(const char *interface, const char *method, const QVariantList &arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(Bus::keeperService),
@@ -56,6 +54,12 @@ Failure failureOfKeeper(const Failure &failure, bool isInstalled)
     return failure;
 }
 
+Failure failureOfKeeper(const Failure &failure)
+{
+    return failureOfKeeper(
+        failure, QFileInfo(QStringLiteral("/opt/norvix/bin/norvix-keeper")).isExecutable());
+}
+
 KeeperBus::KeeperBus(const DaemonBus &bus)
     : m_bus(&bus)
 {
@@ -63,9 +67,8 @@ KeeperBus::KeeperBus(const DaemonBus &bus)
 
 QVariant KeeperBus::ask(const QDBusMessage &message, Failure &failure) const
 {
-    const BusReply reply = m_bus->callOther(message, answerMs);
-    failure = failureOfKeeper(
-        reply.failure, QFileInfo(QStringLiteral("/opt/norvix/bin/norvix-keeper")).isExecutable());
+    const BusReply reply = m_bus->callOther(message, keeperAnswerMs);
+    failure = failureOfKeeper(reply.failure);
     return reply.value;
 }
 

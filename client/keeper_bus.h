@@ -17,7 +17,10 @@ template <typename Value> struct KeeperAnswer
     bool ok() const { return !failure; }
 };
 
-/// Every call waits for its answer, five seconds at most. The keeper is never started: what keeps
+/// How long a call waits for its answer.
+constexpr int keeperAnswerMs = 5000;
+
+/// Every call waits for its answer, keeperAnswerMs at most. The keeper is never started: what keeps
 /// nothing, somebody has stopped.
 class KeeperBus
 {
@@ -55,3 +58,5 @@ private:
 
 /// A failure of a call as one of the keeper's: those of the library are about the daemon.
 Failure failureOfKeeper(const Failure &failure, bool isInstalled);
+/// The same, by what is installed here.
+Failure failureOfKeeper(const Failure &failure);

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr int endedBySignal = 255; // the exit status, which the unit takes for a good one
+
 volatile sig_atomic_t leaving = 0;
 pthread_t mainThread;
 
@@ -26,7 +28,7 @@ struct LeaveGuard
     ~LeaveGuard()
     {
         if (leaving != 0) {
-            _exit(255);
+            _exit(endedBySignal);
         }
     }
 };

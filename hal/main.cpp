@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int badUsage = 2; // the exit status for words that are not understood
+
 /// systemd names the folder; without it, it is the one that the package makes.
 std::string knownDevicesPath()
 {
@@ -29,7 +31,7 @@ int main(int argc, char **argv)
     if (!options) {
         std::fprintf(stderr, "norvix-hald: what is \"%s\"? Try --help.\n",
             hal::visibleText(offender).c_str());
-        return 2;
+        return badUsage;
     }
     if (options->task == hal::Options::Task::Help) {
         const std::string_view text = hal::helpText();

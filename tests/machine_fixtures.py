@@ -17,6 +17,9 @@ os.umask(0o022)
 
 from lab.machine.private_machine import PrivateMachine  # noqa: E402
 
+# Only root has other users in its machines, and can give files away or lay file systems over folders.
+ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="owners, other users and file systems need root")
+
 machines = pytest.StashKey()
 witnesses = pytest.StashKey()  # functions that give further evidence: (title, text) of each part
 

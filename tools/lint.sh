@@ -6,22 +6,20 @@ set -euo pipefail
 build=$1
 jobs=$2
 
-rooms=()
-for room in support daemon connection driver network dbus hal client ctl keeper desktop lab tests bench; do
-    [[ ! -d $room ]] || rooms+=("$room")
-done
+# Prints the files of the tree, without what is built, of which that is true; each ends with a zero byte.
+files() {
+    find . '(' -path ./.git -o -path './build*' ')' -prune -o -type f "$@" -print0
+}
 
 echo "commit messages..."
 tools/check-history
 
 echo "clang-format..."
-find "${rooms[@]}" '(' -name '*.cpp' -o -name '*.h' -o -name '*.c' ')' -print0 \
-    | xargs -0 clang-format --dry-run -Werror
+files -regex '.*\.\(c\|h\|cpp\)' | xargs -0 clang-format --dry-run -Werror
 
 echo "shellcheck..."
 # Shell is what its first line says, whatever the file is called.
-find . '(' -path ./.git -o -path './build*' ')' -prune -o -type f -print0 \
-    | xargs -0 awk 'FNR == 1 && /^#!.*[\/ ](ba|da)?sh$|^# shellcheck shell=/ { print FILENAME }
+files | xargs -0 awk 'FNR == 1 && /^#!.*[\/ ](ba|da)?sh$|^# shellcheck shell=/ { print FILENAME }
                     { nextfile }' \
     | xargs -d '\n' shellcheck
 

@@ -5,6 +5,7 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
+#include "desktop/window/pieces.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -30,6 +31,7 @@ AccountPage::AccountPage(Controller &controller, Draft &draft, QWidget *parent)
     form->addRow(Say::tr("&Login"), m_login);
     form->addRow(Say::tr("&Password"), m_password);
     form->addRow(QString(), show);
+    alignNames(form);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(Say::tr("Login and password stand in your provider's letter. Leave "
                                       "both empty to keep what is stored.")));

@@ -8,6 +8,7 @@
 #include "desktop/assistant/permission_page.h"
 #include "desktop/assistant/provider_page.h"
 #include "desktop/controller.h"
+#include "desktop/window/pieces.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>
@@ -74,7 +75,7 @@ Assistant::Assistant(Controller &controller, QWidget *parent)
     buttons->addWidget(m_skip);
     buttons->addWidget(m_next);
     for (QPushButton *button : {m_back, m_skip, m_next}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
         button->setAutoDefault(false);
     }
     m_next->setDefault(true);

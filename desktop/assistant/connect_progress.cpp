@@ -45,6 +45,8 @@ std::optional<Setback> setbackOfRequest(const Failure &failure)
             ConnectStage::Daemon, toStep(AssistantStep::Permission, Say::tr("Back to “May I?”"))};
     case FailureKind::NoAnswer:
         return Setback{ConnectStage::Daemon, deedOf({RemedyKind::RestartDaemon, {}})};
+    case FailureKind::KeeperNoAnswer: // the daemon is there, and was not asked yet
+        return Setback{ConnectStage::Line, deedOf({RemedyKind::RestartKeeper, {}})};
     case FailureKind::NoDaemon:
     case FailureKind::NotStarted:
         return Setback{ConnectStage::Daemon, deedOf({RemedyKind::StartDaemon, {}})};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/assistant/page.h"
 
+#include "desktop/window/pieces.h"
+
 #include <QLabel>
 
 namespace desktop {
@@ -22,7 +24,7 @@ QLabel *AssistantPage::newText(const QString &text)
 
 void AssistantPage::makeComfortable(QWidget *control)
 {
-    control->setMinimumHeight(control->fontMetrics().height() * 2);
+    comfortable(control);
 }
 
 } // namespace desktop

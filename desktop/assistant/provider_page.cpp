@@ -8,6 +8,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QComboBox>
@@ -73,6 +74,7 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
         makeComfortable(row.second);
         form->addRow(row.first, row.second);
     }
+    alignNames(form);
     makeComfortable(m_mend);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(Say::tr(

@@ -2,6 +2,7 @@
 #include "desktop/bus/async_bus.h"
 
 #include "client/daemon_bus.h"
+#include "client/keeper_bus.h"
 #include "dbus/contract.h"
 
 #include <QDBusError>
@@ -39,7 +40,10 @@ BusCall setupCall(const char *method, const QVariantList &arguments)
 
 BusCall keeperCall(const char *method, const QVariantList &arguments)
 {
-    return callOf(Bus::keeperService, Bus::keeperPath, Bus::keeperInterface, method, arguments);
+    BusCall call
+        = callOf(Bus::keeperService, Bus::keeperPath, Bus::keeperInterface, method, arguments);
+    call.timeoutMs = keeperAnswerMs;
+    return call;
 }
 
 AsyncBus::AsyncBus(const QDBusConnection &bus, QObject *parent)
@@ -61,13 +65,15 @@ void AsyncBus::ask(const BusCall &call, QObject *receiver, const Then &then)
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message, call.timeoutMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, watcher, &QObject::deleteLater);
     connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
-        [then](QDBusPendingCallWatcher *finished) {
+        [then, isKeeper = call.service == QLatin1String(Bus::keeperService)](
+            QDBusPendingCallWatcher *finished) {
             const QDBusMessage reply = finished->reply();
             if (reply.type() == QDBusMessage::ReplyMessage) {
                 then({{}, reply.arguments()});
-            } else {
-                then({failureOf(QDBusError(reply)), {}});
+                return;
             }
+            const Failure failure = failureOf(QDBusError(reply));
+            then({isKeeper ? failureOfKeeper(failure) : failure, {}});
         });
 }
 

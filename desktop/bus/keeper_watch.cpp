@@ -52,6 +52,7 @@ void KeeperWatch::takeOwner(const QString &owner)
     }
     BusCall question = keeperCall("GetAll", {QLatin1String(Bus::keeperInterface)});
     question.interface = propertiesInterface();
+    question.timeoutMs = BusCall().timeoutMs; // nobody waits for it, and it is not asked again
     m_bus.ask(question, this, [this, generation = m_generation](const BusAnswer &answer) {
         if (generation != m_generation) {
             return;

@@ -15,6 +15,28 @@ QString addressOf(const QString &told)
     return told == QLatin1String(Bus::none) ? QString() : told;
 }
 
+/// Whether a session ended as nobody wanted. What the keeper has not seen may have been the
+/// computer's end.
+bool wasLost(const KeeperSession &session)
+{
+    return session.ended && !session.reason.isEmpty()
+        && session.reason != QLatin1String(KeeperReason::user)
+        && session.reason != QLatin1String(KeeperReason::sleep)
+        && session.reason != QLatin1String(KeeperReason::unknown);
+}
+
+/// The loss before the session that runs.
+std::optional<Loss> lossBefore(const QList<KeeperSession> &sessions)
+{
+    const KeeperSession running = sessions.value(0);
+    const KeeperSession before = sessions.value(1);
+    if (running.began == 0 || running.ended || !wasLost(before)) {
+        return std::nullopt;
+    }
+    const qint64 away = running.began - *before.ended;
+    return away >= 0 ? std::optional<Loss>({*before.ended, away}) : std::nullopt; // else by a clock
+}
+
 } // namespace
 
 struct ConnectionModel::Taker
@@ -79,6 +101,11 @@ struct ConnectionModel::Taker
     void operator()(const event::KeeperLeft &) const { model.keeper.reset(); }
 
     void operator()(const event::LinkLost &lost) const { model.takeLoss(lost.reason, now); }
+
+    void operator()(const event::SessionsTold &told) const
+    {
+        model.lastLoss = lossBefore(told.sessions);
+    }
 
     void operator()(const event::LinkSeen &seen) const
     {
@@ -147,6 +174,7 @@ void ConnectionModel::forgetLink()
 {
     address.clear();
     route.clear();
+    lastLoss.reset();
     upSince.reset();
     received = 0;
     sent = 0;

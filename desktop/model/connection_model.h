@@ -36,6 +36,13 @@ enum class Trouble
     ResolverWrong,
 };
 
+/// A loss that the present connection has followed.
+struct Loss
+{
+    qint64 at = 0; ///< seconds since 1970
+    qint64 awaySeconds = 0;
+};
+
 /// Times are milliseconds since 1970.
 class ConnectionModel
 {
@@ -74,6 +81,7 @@ public:
 
     std::optional<KeeperState> keeper; ///< nothing without a keeper
     QString lossReason; ///< a word of KeeperReason; empty where no keeper has told one
+    std::optional<Loss> lastLoss; ///< of this connection; nothing when somebody wanted its begin
     std::optional<event::LineSeen> line;
 
     /// How long the connection has been up. The daemon's own count begins anew after a day.

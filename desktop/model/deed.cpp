@@ -111,9 +111,9 @@ Deed deedOf(const Remedy &remedy)
     case RemedyKind::RestartDaemon:
         return withRights(Verb::RestartDaemon, Say::tr("Restart the daemon…"),
             Say::tr("Restart the daemon. Its log tells what it did last."));
-    case RemedyKind::StartCompanion:
+    case RemedyKind::StartCompanion: // or it hangs: who asks it does not learn which
         return withRights(
-            Verb::StartCompanion, Say::tr("Start it…"), Say::tr("Start the companion."));
+            Verb::RestartCompanion, Say::tr("Restart it…"), Say::tr("Restart the companion."));
     case RemedyKind::InstallPolicy:
         return showHow(Say::tr("Install the daemon's package again, and have the bus read it."),
             {QStringLiteral("sudo apt install --reinstall norvix-daemon"),
@@ -261,8 +261,11 @@ Deed deedOf(const Remedy &remedy)
         return installFromDistribution(
             Say::tr("Install the keeper."), QStringLiteral("norvix-keeper"));
     case RemedyKind::StartKeeper:
+        return withRights(
+            Verb::StartKeeper, Say::tr("Start the keeper…"), Say::tr("Start the keeper."));
     case RemedyKind::RestartKeeper:
-        return withRights(Verb::StartKeeper, Say::tr("Start it…"), Say::tr("Start the keeper."));
+        return withRights(
+            Verb::RestartKeeper, Say::tr("Restart the keeper…"), Say::tr("Restart the keeper."));
     case RemedyKind::InstallKeeperPolicy:
         return showHow(Say::tr("Install the keeper's package again, and have the bus read it."),
             {QStringLiteral("sudo apt install --reinstall norvix-keeper"),
@@ -296,9 +299,11 @@ QString commandFor(Verb verb)
         return QStringLiteral("sudo systemctl start norvix-daemon");
     case Verb::RestartDaemon:
         return QStringLiteral("sudo systemctl restart norvix-daemon");
-    case Verb::StartCompanion:
+    case Verb::RestartCompanion:
         return QStringLiteral("sudo systemctl restart norvix-hald");
     case Verb::StartKeeper:
+        return QStringLiteral("sudo systemctl start norvix-keeper");
+    case Verb::RestartKeeper:
         return QStringLiteral("sudo systemctl restart norvix-keeper");
     case Verb::LoadModules:
         return QStringLiteral("sudo modprobe ppp_generic");

@@ -77,6 +77,12 @@ struct LinkLost
     QString reason;
 };
 
+/// The last sessions that the keeper remembers, newest first.
+struct SessionsTold
+{
+    QList<KeeperSession> sessions;
+};
+
 /// How long pppd has been running, as the system tells it.
 struct LinkSeen
 {
@@ -124,7 +130,7 @@ struct Ticked
 
 using Event = std::variant<event::BusLost, event::DaemonAppeared, event::DaemonLeft,
     event::DaemonSilent, event::DaemonAnswered, event::DaemonTold, event::KeeperTold,
-    event::KeeperLeft, event::LinkLost, event::LinkSeen, event::LineSeen, event::Requested,
-    event::RequestTaken, event::RequestFailed, event::SleepTold, event::Ticked>;
+    event::KeeperLeft, event::LinkLost, event::SessionsTold, event::LinkSeen, event::LineSeen,
+    event::Requested, event::RequestTaken, event::RequestFailed, event::SleepTold, event::Ticked>;
 
 } // namespace desktop

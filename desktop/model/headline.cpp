@@ -126,6 +126,15 @@ Headline connecting(const ConnectionModel &model, qint64 now)
         Action::Cancel, Action::None};
 }
 
+/// A loss of less than a day ago, when its time alone tells which it was.
+QString lossText(const Loss &loss, qint64 now)
+{
+    return now / 1000 - loss.at < 86400
+        ? Say::tr("The connection was lost at %1, back after %2.")
+              .arg(timeText(loss.at), durationText(loss.awaySeconds))
+        : QString();
+}
+
 Headline connected(const ConnectionModel &model, qint64 now)
 {
     Headline headline{
@@ -140,6 +149,9 @@ Headline connected(const ConnectionModel &model, qint64 now)
         cause = keepersCause(model.keeper->reason);
     } else if (model.keeper && model.keeper->isLimitReached) {
         cause.text = Say::tr("The month's limit is reached.");
+    }
+    if (cause.text.isEmpty() && model.lastLoss) {
+        headline.reason = joined(headline.reason, lossText(*model.lastLoss, now));
     }
     if (!cause.text.isEmpty()) {
         headline.standing = Standing::Attention;
@@ -170,6 +182,9 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
         headline.reason = requestFailureText(model.requestFailure);
         if (model.requestFailure.kind == FailureKind::NotPermitted) {
             headline.primary = Action::SetUp;
+        } else if (model.requestFailure.kind == FailureKind::KeeperNoAnswer) {
+            headline.secondary = headline.primary;
+            headline.primary = Action::CheckUp; // where it is restarted
         }
         return headline;
     }

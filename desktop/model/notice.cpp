@@ -105,6 +105,7 @@ struct NoticeDecision::Taker
     Told operator()(const event::DaemonLeft &) const { return forgotten(); }
     Told operator()(const event::DaemonSilent &) const { return {}; }
     Told operator()(const event::KeeperLeft &) const { return {}; }
+    Told operator()(const event::SessionsTold &) const { return {}; }
     Told operator()(const event::LinkSeen &) const { return {}; }
     Told operator()(const event::RequestTaken &) const { return {}; }
     Told operator()(const event::LineSeen &) const { return {}; }

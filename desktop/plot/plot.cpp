@@ -129,6 +129,9 @@ struct Plot::Painter
             const double y = scale.yOf(value);
             painter.setPen(QPen(colours.line, std::max(1.0, lineWidth / 2)));
             painter.drawLine(QPointF(scale.area.left(), y), QPointF(scale.area.right(), y));
+            if (isEmpty(content)) {
+                continue; // they would count nothing
+            }
             text(placed(QRectF(0, y - metrics.height() / 2, labelRoom, metrics.height())),
                 Qt::AlignVCenter | (scale.isMirrored ? Qt::AlignLeft : Qt::AlignRight),
                 scale.values.label(value), colours.mutedText);
@@ -146,8 +149,11 @@ struct Plot::Painter
         for (int place = 0; place < content.marks.size(); place += step) {
             const double width = widths.at(place);
             const double middle = scale.xOf(content.marks.at(place).at);
+            // Not below the values' labels.
+            const double first = scale.isMirrored ? 0 : scale.area.left();
+            const double last = scale.isMirrored ? scale.area.right() : plot.width();
             const double left
-                = std::clamp(middle - width / 2, 0.0, std::max(0.0, plot.width() - width));
+                = std::clamp(middle - width / 2, first, std::max(first, last - width));
             text(QRectF(left, scale.area.bottom() + gap() / 2, width, metrics.height()),
                 Qt::AlignCenter, content.marks.at(place).text, colours.mutedText);
         }

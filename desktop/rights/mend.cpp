@@ -79,9 +79,11 @@ int perform(Verb verb)
         return run({"systemctl", "start", "norvix-daemon.service"});
     case Verb::RestartDaemon:
         return run({"systemctl", "restart", "norvix-daemon.service"});
-    case Verb::StartCompanion:
+    case Verb::RestartCompanion:
         return run({"systemctl", "restart", "norvix-hald.service"});
     case Verb::StartKeeper:
+        return run({"systemctl", "start", "norvix-keeper.service"});
+    case Verb::RestartKeeper:
         return run({"systemctl", "restart", "norvix-keeper.service"});
     case Verb::LoadModules:
         return loadModules();

@@ -15,15 +15,16 @@ enum class Verb
     MendFiles, ///< pppd's files, as far as nobody has edited them
     StartDaemon,
     RestartDaemon,
-    StartCompanion, ///< anew where it runs and hangs
-    StartKeeper, ///< likewise
+    RestartCompanion,
+    StartKeeper,
+    RestartKeeper,
     LoadModules, ///< those that a connection needs beside the modem's driver
     CreateGroup, ///< whose members may use the daemon
 };
 
-inline constexpr std::array<Verb, 8> allVerbs
-    = {Verb::Look, Verb::MendFiles, Verb::StartDaemon, Verb::RestartDaemon, Verb::StartCompanion,
-        Verb::StartKeeper, Verb::LoadModules, Verb::CreateGroup};
+inline constexpr std::array<Verb, 9> allVerbs
+    = {Verb::Look, Verb::MendFiles, Verb::StartDaemon, Verb::RestartDaemon, Verb::RestartCompanion,
+        Verb::StartKeeper, Verb::RestartKeeper, Verb::LoadModules, Verb::CreateGroup};
 
 /// The word on norvix-desktop-mend's command line.
 constexpr const char *verbWord(Verb verb)
@@ -37,10 +38,12 @@ constexpr const char *verbWord(Verb verb)
         return "start-daemon";
     case Verb::RestartDaemon:
         return "restart-daemon";
-    case Verb::StartCompanion:
-        return "start-hald";
+    case Verb::RestartCompanion:
+        return "restart-hald";
     case Verb::StartKeeper:
         return "start-keeper";
+    case Verb::RestartKeeper:
+        return "restart-keeper";
     case Verb::LoadModules:
         return "load-modules";
     case Verb::CreateGroup:

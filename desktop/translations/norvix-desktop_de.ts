@@ -577,14 +577,6 @@
         <translation>Starten Sie den Dienst neu. Sein Protokoll sagt, was er zuletzt tat.</translation>
     </message>
     <message>
-        <source>Start it…</source>
-        <translation>Starten …</translation>
-    </message>
-    <message>
-        <source>Start the companion.</source>
-        <translation>Starten Sie den Begleitdienst.</translation>
-    </message>
-    <message>
         <source>Install the daemon&apos;s package again, and have the bus read it.</source>
         <translation>Installieren Sie das Paket des Dienstes noch einmal, und lassen Sie den Bus es lesen.</translation>
     </message>
@@ -1697,6 +1689,30 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>S&amp;how</source>
         <translation>&amp;Zeigen</translation>
+    </message>
+    <message>
+        <source>The connection was lost at %1, back after %2.</source>
+        <translation>Die Verbindung ging um %1 verloren und stand nach %2 wieder.</translation>
+    </message>
+    <message>
+        <source>Restart it…</source>
+        <translation>Neu starten …</translation>
+    </message>
+    <message>
+        <source>Restart the companion.</source>
+        <translation>Starten Sie den Begleitdienst neu.</translation>
+    </message>
+    <message>
+        <source>Start the keeper…</source>
+        <translation>Wächter starten …</translation>
+    </message>
+    <message>
+        <source>Restart the keeper…</source>
+        <translation>Wächter neu starten …</translation>
+    </message>
+    <message>
+        <source>Restart the keeper.</source>
+        <translation>Starten Sie den Wächter neu.</translation>
     </message>
 </context>
 </TS>

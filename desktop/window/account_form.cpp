@@ -45,6 +45,7 @@ AccountForm::AccountForm(Controller &controller, QWidget *parent)
     form->addRow(m_passwordError);
     form->addRow(m_outcome);
     form->addRow(QString(), m_store);
+    alignNames(form);
 
     connect(m_login, &QLineEdit::textEdited, this, &AccountForm::judge);
     connect(m_password, &QLineEdit::textEdited, this, &AccountForm::judge);

@@ -8,6 +8,7 @@
 #include "desktop/errand.h"
 #include "desktop/rights/findings_text.h"
 #include "desktop/window/deed_runner.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QClipboard>
@@ -75,7 +76,7 @@ CheckupPage::CheckupPage(Controller &controller, QWidget *parent)
     column->addLayout(buttons);
     m_copy->setEnabled(false);
     for (QPushButton *button : {m_copy, m_again}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
     }
     connect(m_again, &QPushButton::clicked, this, [this] {
         m_doneVerbs.clear();
@@ -206,7 +207,7 @@ void CheckupPage::showFindings()
     fold->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     fold->setAutoRaise(true);
     fold->setCheckable(true);
-    fold->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(fold);
     auto *rest = new QWidget;
     auto *restGrid = new QGridLayout(rest);
     restGrid->setColumnStretch(2, 1);
@@ -252,7 +253,7 @@ void CheckupPage::addRow(QGridLayout *grid, const Finding &finding)
     const Deed deed = isWell ? Deed() : helpFor(finding.remedy);
     if (deed.kind != DeedKind::None) {
         auto *button = new QPushButton(deed.button);
-        button->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(button);
         button->setAccessibleDescription(checkTitle(finding.check));
         const QString heading = checkTitle(finding.check);
         connect(button, &QPushButton::clicked, this,

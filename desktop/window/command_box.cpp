@@ -2,6 +2,7 @@
 #include "desktop/window/command_box.h"
 
 #include "client/say.h"
+#include "desktop/window/pieces.h"
 
 #include <QClipboard>
 #include <QFontDatabase>
@@ -26,7 +27,7 @@ CommandBox::CommandBox(QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_text, 1);
     row->addWidget(m_copy, 0, Qt::AlignTop);
-    m_copy->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(m_copy);
     connect(m_copy, &QPushButton::clicked, this,
         [this] { QGuiApplication::clipboard()->setText(m_text->toPlainText()); });
     hide();

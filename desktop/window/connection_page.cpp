@@ -262,11 +262,12 @@ void ConnectionPage::askKeeper()
                 = months.isEmpty() ? std::nullopt : std::optional<KeeperTraffic>(months.first());
         });
     bus.ask(
-        keeperCall(KeeperMethod::GetSessions, {1U}), this, [this, rowsOf](const BusAnswer &answer) {
+        keeperCall(KeeperMethod::GetSessions, {2U}), this, [this, rowsOf](const BusAnswer &answer) {
             const QList<KeeperSession> sessions = keeperSessions(rowsOf(answer));
             m_surroundings.lastSession = sessions.isEmpty()
                 ? std::nullopt
                 : std::optional<KeeperSession>(sessions.first());
+            controller().take(event::SessionsTold{sessions});
         });
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     bus.ask(keeperCall(KeeperMethod::GetLineQuality, {now - lineSeconds, now}), this,

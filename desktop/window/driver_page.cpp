@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QDateTime>
@@ -32,10 +33,10 @@ QString firmwareText(const Facts &facts)
                              : Say::tr("%1, missing").arg(facts.firmware);
 }
 
-QLabel *factLabel(const QString &name)
+/// Its text is its name for a screen reader; the label before it is its buddy.
+QLabel *factLabel()
 {
     auto *label = new QLabel;
-    label->setAccessibleName(name);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setWordWrap(true);
     return label;
@@ -50,12 +51,12 @@ void setFact(QLabel *label, const QString &text)
 
 DriverPage::DriverPage(Controller &controller, QWidget *parent)
     : Page(controller, parent)
-    , m_modem(factLabel(Say::tr("Modem")))
-    , m_id(factLabel(Say::tr("USB id")))
-    , m_firmware(factLabel(Say::tr("Firmware")))
-    , m_driver(factLabel(Say::tr("Driver")))
-    , m_state(factLabel(Say::tr("State")))
-    , m_kernel(factLabel(Say::tr("Kernel")))
+    , m_modem(factLabel())
+    , m_id(factLabel())
+    , m_firmware(factLabel())
+    , m_driver(factLabel())
+    , m_state(factLabel())
+    , m_kernel(factLabel())
     , m_restart(new QPushButton(Say::tr("Restart the modem…")))
     , m_build(new QPushButton(Say::tr("Build the driver anew…")))
     , m_panel(new RightsPanel)
@@ -67,14 +68,17 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
 {
     auto *facts = new QFormLayout;
     facts->setLabelAlignment(Qt::AlignTrailing);
+    facts->setHorizontalSpacing(fontMetrics().height());
     facts->setRowWrapPolicy(QFormLayout::WrapLongRows);
-    for (QLabel *fact : {m_modem, m_id, m_firmware, m_driver, m_state, m_kernel}) {
-        facts->addRow(fact->accessibleName(), fact);
-    }
+    facts->addRow(Say::tr("Modem"), m_modem);
+    facts->addRow(Say::tr("USB id"), m_id);
+    facts->addRow(Say::tr("Firmware"), m_firmware);
+    facts->addRow(Say::tr("Driver"), m_driver);
+    facts->addRow(Say::tr("State"), m_state);
+    facts->addRow(Say::tr("Kernel"), m_kernel);
     auto *buttons = new QHBoxLayout;
     for (QPushButton *button : {m_restart, m_build, m_help}) {
-        button->setMinimumHeight(fontMetrics().height() * 2);
-        buttons->addWidget(button);
+        buttons->addWidget(comfortable(button));
     }
     buttons->addStretch(1);
     m_building->setWordWrap(true);

@@ -43,6 +43,7 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     }
     m_provider->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_provider->setMinimumContentsLength(20);
+    m_provider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_vpi->setRange(0, mostVpi);
     m_vci->setRange(0, mostVci);
     m_service->setMaxLength(mostService);
@@ -62,6 +63,7 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     form->addRow(Say::tr("Servic&e (only noted)"), m_service);
     form->addRow(m_outcome);
     form->addRow(QString(), m_store);
+    alignNames(form);
 
     connect(m_provider, QOverload<int>::of(&QComboBox::activated), this, &LineForm::takeProvider);
     connect(m_vpi, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);

@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/window/pieces.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -129,7 +130,7 @@ LogPage::LogPage(Controller &controller, QWidget *parent)
     column->addWidget(m_view, 1);
     column->addLayout(bottom);
     for (QWidget *control : std::initializer_list<QWidget *>{m_which, m_filter, m_follow, m_copy}) {
-        control->setMinimumHeight(fontMetrics().height() * 2);
+        comfortable(control);
     }
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &LogPage::read);
@@ -224,7 +225,11 @@ void LogPage::showText()
     const int place = bar->value();
     const bool wasAtEnd = place == bar->maximum();
     m_view->setPlainText(matchingLines(m_log.text, m_filter->text()));
-    bar->setValue(m_follow->isChecked() && wasAtEnd ? bar->maximum() : place);
+    if (m_follow->isChecked() && wasAtEnd) {
+        m_view->moveCursor(QTextCursor::End); // also where the lines are not laid out yet
+    } else {
+        bar->setValue(place);
+    }
     m_copy->setEnabled(!m_log.text.isEmpty());
 }
 

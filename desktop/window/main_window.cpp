@@ -10,13 +10,33 @@
 #include "desktop/window/driver_page.h"
 #include "desktop/window/history_page.h"
 #include "desktop/window/log_page.h"
+#include "desktop/window/pieces.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyledItemDelegate>
 
 namespace desktop {
+
+namespace {
+
+/// Rows that are as easily hit as buttons, and have room beside their text.
+class ComfortableRows : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const int height = comfortableHeight(option.fontMetrics);
+        return {QStyledItemDelegate::sizeHint(option, index).width() + height, height};
+    }
+};
+
+} // namespace
 
 MainWindow::MainWindow(Controller &controller, QWidget *parent)
     : QMainWindow(parent)
@@ -26,11 +46,11 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
 {
     setWindowTitle(Say::tr("ADSL modem"));
     m_list->setAccessibleName(Say::tr("Pages"));
-    m_list->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
+    m_list->setItemDelegate(new ComfortableRows(m_list));
     auto *middle = new QWidget;
     auto *row = new QHBoxLayout(middle);
     auto *guide = new QPushButton(Say::tr("Assistant…"));
-    guide->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(guide);
     auto *column = new QVBoxLayout;
     column->addWidget(m_list, 1);
     column->addWidget(guide);
@@ -62,7 +82,7 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
     m_list->setCurrentRow(0);
     // With large letters not beyond the screen; there is room for a frame as well.
     const QSize screen = QGuiApplication::primaryScreen()->availableSize() * 0.9;
-    resize(QSize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 34)
+    resize(QSize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 36)
                .boundedTo(screen));
 }
 
@@ -70,7 +90,13 @@ void MainWindow::add(Page *page)
 {
     m_pages->addWidget(page);
     m_list->addItem(page->title());
-    m_list->setMinimumWidth(m_list->sizeHintForColumn(0) + 3 * m_list->fontMetrics().height());
+    fitList();
+}
+
+/// As wide as its longest row.
+void MainWindow::fitList()
+{
+    m_list->setFixedWidth(m_list->sizeHintForColumn(0) + 2 * m_list->frameWidth());
 }
 
 Page *MainWindow::currentPage() const
@@ -144,6 +170,14 @@ void MainWindow::open(Action action)
     case Action::Cancel:
     case Action::TryNow:
         break;
+    }
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        fitList();
     }
 }
 

@@ -31,10 +31,12 @@ public:
     void goOn(const HandOver &handOver);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
+    void fitList();
     Page *currentPage() const;
     void turnTo(int row);
     template <typename Wanted> void openPage();

@@ -25,6 +25,21 @@ QWidget *scrolledContent(QWidget *page)
     return content;
 }
 
+int comfortableHeight(const QFontMetrics &metrics)
+{
+    constexpr double letters = 2.2;
+    return qRound(metrics.height() * letters);
+}
+
+void alignNames(QFormLayout *form)
+{
+    for (int row = 0; row < form->rowCount(); ++row) {
+        if (QLayoutItem *name = form->itemAt(row, QFormLayout::LabelRole)) {
+            comfortable(name->widget());
+        }
+    }
+}
+
 QLabel *headingLabel(const QString &text)
 {
     constexpr double larger = 7; // points

@@ -2,6 +2,7 @@
 // What pages are made of.
 #pragma once
 
+#include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
 
@@ -11,13 +12,18 @@ namespace desktop {
 /// small: nothing is cut at any size of text.
 QWidget *scrolledContent(QWidget *page);
 
-/// Large enough to be hit: 32 pixels with the usual letters.
+/// Of what can be hit easily: 32 pixels with the usual letters.
+int comfortableHeight(const QFontMetrics &metrics);
+
+/// Gives a control that height, or more.
 template <typename Control> Control *comfortable(Control *control)
 {
-    constexpr double letters = 2.5;
-    control->setMinimumHeight(qRound(control->fontMetrics().height() * letters));
+    control->setMinimumHeight(comfortableHeight(control->fontMetrics()));
     return control;
 }
+
+/// Puts the names of a form's rows beside the middle of their fields, which are comfortable.
+void alignNames(QFormLayout *form);
 
 /// The sentence at the top of a page.
 QLabel *headingLabel(const QString &text = QString());

@@ -4,6 +4,7 @@
 #include "client/say.h"
 #include "desktop/controller.h"
 #include "desktop/tray/tray_facts.h"
+#include "desktop/window/pieces.h"
 
 #include <QCoreApplication>
 #include <QGroupBox>
@@ -12,13 +13,6 @@
 namespace desktop {
 
 namespace {
-
-/// High enough to be hit, whatever the style thinks.
-template <typename Control> Control *tall(Control *control)
-{
-    control->setMinimumHeight(control->fontMetrics().height() * 2);
-    return control;
-}
 
 QLabel *wrapped(const QString &text)
 {
@@ -32,9 +26,9 @@ QLabel *wrapped(const QString &text)
 PreferencesPage::PreferencesPage(Controller &controller, Preferences &preferences, QWidget *parent)
     : Page(controller, parent)
     , m_preferences(preferences)
-    , m_autostart(tall(new QCheckBox(Say::tr("Start with the session, in the tray"))))
+    , m_autostart(comfortable(new QCheckBox(Say::tr("Start with the session, in the tray"))))
     , m_failure(wrapped(QString()))
-    , m_quit(tall(new QPushButton))
+    , m_quit(comfortable(new QPushButton))
 {
     auto *notices = new QGroupBox(Say::tr("Tell me when"));
     auto *noticeColumn = new QVBoxLayout(notices);
@@ -75,7 +69,7 @@ void PreferencesPage::refresh()
 
 QCheckBox *PreferencesPage::noticeBox(NoticeKind kind, const QString &text)
 {
-    QCheckBox *box = tall(new QCheckBox(text));
+    QCheckBox *box = comfortable(new QCheckBox(text));
     box->setChecked(m_preferences.isTold(kind));
     connect(box, &QCheckBox::toggled, this,
         [this, kind](bool isTold) { m_preferences.setTold(kind, isTold); });

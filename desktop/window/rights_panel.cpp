@@ -4,6 +4,7 @@
 #include "client/say.h"
 #include "desktop/model/deed.h"
 #include "desktop/window/command_box.h"
+#include "desktop/window/pieces.h"
 
 #include <QDateTime>
 #include <QPushButton>
@@ -41,7 +42,7 @@ RightsPanel::RightsPanel(QWidget *parent)
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &RightsPanel::showWaiting);
     connect(m_giveUp, &QPushButton::clicked, this, [this] { m_administrator.giveUp(); });
-    m_giveUp->setMinimumHeight(fontMetrics().height() * 2);
+    comfortable(m_giveUp);
     clear();
 }
 

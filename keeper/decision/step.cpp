@@ -121,6 +121,9 @@ void Step::loseLink(Cause cause)
     } else if (s.termination) {
         s.isLossUntold = true;
     } else {
+        if (cause == Cause::Unplugged) {
+            s.modem = Modem::Gone; // the daemon tells of it later
+        }
         endSession(cause);
     }
 }

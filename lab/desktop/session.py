@@ -33,6 +33,9 @@ FONTS = """<?xml version="1.0"?>
   <dir>/usr/share/fonts/truetype/dejavu</dir>
   <alias><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
   <alias><family>monospace</family><prefer><family>DejaVu Sans Mono</family></prefer></alias>
+  <match>
+    <edit name="family" mode="append_last"><string>DejaVu Sans</string></edit>
+  </match>
   <cachedir prefix="xdg">fontconfig</cachedir>
 </fontconfig>
 """
@@ -121,7 +124,7 @@ class Session:
             self._start_weston()
             return None
         server = self.spawn(["/usr/bin/Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-noreset",
-                             "-screen", "0", "%dx%dx24" % SCREEN, "-fbdir", self.runtime_folder,
+                             "-screen", "0", "%dx%dx24" % SCREEN, "-dpi", "96", "-fbdir", self.runtime_folder,
                              "-extension", "GLX", "-nocursor"], label="screen")
         number = self._wait_for(server, lambda: server.output().endswith("\n") and server.output())
         self.env.update(DISPLAY=":" + number.strip(), QT_QPA_PLATFORM="xcb")

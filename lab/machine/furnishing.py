@@ -68,6 +68,6 @@ def _install_build(build, prefix, library):
         for name in names:
             if (build / folder / name).exists():
                 install(build / folder / name, prefix / folder / name)
-    preloaded = build / "lab/libklogctl-standin.so"
-    if preloaded.exists():
-        install(preloaded, library / preloaded.name)
+    for name in ("libklogctl-standin.so", "libpicture-standin.so"):
+        if (build / "lab" / name).exists():
+            install(build / "lab" / name, library / name)

@@ -324,14 +324,18 @@ class PrivateMachine:
 
     # ---- the bus
 
-    def start_bus(self, policy=REPOSITORY / "packaging" / "norvix.conf", policies=()):
+    def start_bus(self, policy=REPOSITORY / "packaging" / "norvix.conf", policies=(), names=(), owner="root"):
         """Starts the system bus with a policy for the daemon (None: without). policies are further
-        files to be installed beside it. Waits until it answers."""
+        files to be installed beside it. names are those of services that a test plays: their owner may
+        own them, everybody may talk to them. Waits until it answers."""
         folder = self.path("/etc/dbus-1/system.d")
         if policy:
             shutil.copy(policy, folder / "norvix.conf")
         for file in policies:
             shutil.copy(file, folder)
+        rules = "".join('<policy user="%s"><allow own="%s"/></policy><policy context="default">'
+                        '<allow send_destination="%s"/></policy>' % (owner, name, name) for name in names)
+        (folder / "played.conf").write_text("<busconfig>%s</busconfig>" % rules, encoding="ascii")
         self._bus = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile",
                                 "--config-file=/etc/dbus-1/system.conf"], label="bus")
 

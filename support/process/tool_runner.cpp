@@ -20,6 +20,9 @@
 
 namespace {
 
+/// The exit status of a child whose program cannot be started, as a shell has it.
+constexpr int notFound = 127;
+
 /// Everything that the child needs, made before the fork: between fork and exec of a process with
 /// threads only plain system calls are safe.
 struct Launch
@@ -63,7 +66,7 @@ QVector<char *> pointersTo(const QStringList &entries, QList<QByteArray> &texts)
     if (chdir(launch.folder.constData()) == 0) {
         execve(launch.path.constData(), launch.arguments.data(), launch.environment.data());
     }
-    _exit(127);
+    _exit(notFound);
 }
 
 /// Waits for the child; false when the time is over.

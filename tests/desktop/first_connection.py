@@ -16,9 +16,9 @@ SETTINGS = "/opt/norvix/.daemon_ng.ini"
 STEPS = ["May I?", "Modem", "Provider", "Account", "Connect"]
 
 
-def furnish(machine, repository):
+def furnish(machine, repository, kernel=os.uname().release):
     """What the packages install and a kernel has, but no account, no line, no modem."""
-    modules = machine.path("/usr/lib/modules") / os.uname().release
+    modules = machine.path("/usr/lib/modules") / kernel
     modules.mkdir(parents=True)
     (modules / "modules.dep").write_text(MODULES, encoding="ascii")
     machine.path("/sys/bus/usb/devices").mkdir(parents=True)

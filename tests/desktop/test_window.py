@@ -2,6 +2,7 @@
 """The window over the real daemon and keeper: what it says of them, and what it does when they go."""
 import re
 import signal
+import time
 
 import pytest
 
@@ -72,6 +73,8 @@ def test_a_lost_link_is_told_with_the_keepers_reason_and_comes_back(world):
     world.answer()
     world.window.press_button("Try now")
     world.window.find("label", "Connected")
+    world.window.wait_text(
+        re.compile(r"^For \d+ s\. The connection was lost at \d\d:\d\d.*, back after \d+ s\.$"))
 
 
 def test_without_a_keeper_a_lost_link_is_found_by_asking(world):
@@ -128,6 +131,22 @@ def test_a_keeper_that_comes_late_and_goes_changes_nothing_else(world):
     world.turn_to("Connection")
     world.window.press_button("Connect")
     world.window.find("label", "Connected")
+
+
+def test_a_keeper_that_hangs_is_named_soon_and_leads_to_what_restarts_it(world):
+    world.computer.start_daemon()
+    world.computer.start_keeper()
+    world.open()
+    world.window.find("push button", "Connect", {"sensitive"})
+    world.computer.keeper.process.signal(signal.SIGSTOP)
+    world.window.press_button("Connect")
+    asked = time.monotonic()
+    world.window.wait_text("The keeper does not answer.", timeout=40)
+    assert time.monotonic() - asked < 15
+    world.window.press_button("Check-up…")
+    world.window.wait_text(re.compile("keeper does not answer", re.IGNORECASE), timeout=40)
+    world.window.find("push button", "Restart the keeper…")
+    world.computer.keeper.process.signal(signal.SIGCONT)
 
 
 def test_somebody_who_may_not_is_told_the_way(computer, new_desktop):

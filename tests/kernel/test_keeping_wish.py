@@ -32,6 +32,7 @@ def test_a_modem_that_is_unplugged_and_plugged_again_connects(chain, protocol):
     kept.comes_back("plugged in")
 
 
+@pytest.mark.quick
 def test_a_killed_daemon_costs_no_link_and_a_lost_one_waits_for_it(chain):
     kept = Kept(chain, "PPPoE").connect()
     chain.daemon.end(signal.SIGKILL)

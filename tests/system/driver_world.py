@@ -6,8 +6,6 @@ import shutil
 import tarfile
 from pathlib import Path
 
-import pytest
-
 from lab.machine.private_machine import REPOSITORY
 from lab.waiting import PATIENCE, read_text, wait_until
 
@@ -20,9 +18,6 @@ UEAGLE_MODEM = {"vendor_id": 0x1110, "product_id": 0x9041}
 UNICORN_MODEM = {"vendor_id": 0x0483, "product_id": 0x0138}
 SPEEDTOUCH_MODEM = {"vendor_id": 0x06B9, "product_id": 0x4061}
 EXTRA = "extra/ueagle-atm.ko"
-
-# Root owns nothing of the host's in a user namespace, so there no tarball is ever trusted.
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="tarballs are trusted only if / is root's")
 
 # Makes what a real build makes, in a moment. {before} and {after} are lines around the copying.
 QUICK = """

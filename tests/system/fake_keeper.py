@@ -11,14 +11,6 @@ CONNECTED = {
     "ForeignLinks": ("as", []), "History": ("s", "ok"), "LimitReached": ("b", False)}
 
 
-def policy(*names):
-    """Lets root own the names, and everybody talk to them."""
-    rules = "".join('<policy user="root"><allow own="%s"/></policy>'
-                    '<policy context="default"><allow send_destination="%s"/></policy>' % (name, name)
-                    for name in names)
-    return "<busconfig>%s</busconfig>\n" % rules
-
-
 class FakeService(Client):
     """answers: by a method's name the signature and the values of its reply, or an error's name and
     text, or nothing, for a method that hangs. All others are refused as unknown."""

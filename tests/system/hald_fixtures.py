@@ -1,7 +1,5 @@
 # SPDX-License-Identifier: MIT
 """What the tests of norvix-hald share: its machine, and how announcements are written."""
-import os
-
 import pytest
 
 from lab.machine import companion
@@ -14,7 +12,6 @@ HUB = "usb_device_1d6b_2_0000_00_1d_7"
 # meanwhile is then never told. Tests of whole histories listen to udev's.
 EVERY_EVENT = "--monitor=udev"
 MODEM = "usb_device_1110_9041_noserial"
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
 
 
 @pytest.fixture

@@ -1,31 +1,24 @@
 # SPDX-License-Identifier: MIT
 """What the tests of norvix-keeper share: a machine with daemon, modem and provider."""
-import os
-
 import pytest
 
-from lab.machine import keeper_service
-from lab.machine.fake_hal import POLICY as HAL_POLICY
+from lab.machine import fake_hal, keeper_service
 from lab.machine.fake_hal import FakeHal
 from lab.machine.keeper_service import FakeLogind, Keeper
 from lab.machine.pppd_script import end, link_up, out, wait_for
 from lab.waiting import wait_until
 
 SPEEDTOUCH = (0x06B9, 0x4061)
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
 
 
 class World:
     """Everything that a connection needs, and what happens to it."""
 
-    def __init__(self, machine, folder, settings="", protocol="PPPoA", policies=()):
+    def __init__(self, machine, settings="", protocol="PPPoA", names=()):
         self.machine = machine
         keeper_service.prepare(machine, settings)
-        policies = [keeper_service.POLICY, *policies]
-        for name, text in (("hal", HAL_POLICY), ("logind", FakeLogind.POLICY)):
-            policies.append(folder / (name + ".conf"))
-            policies[-1].write_text(text, encoding="ascii")
-        machine.start_bus(policies=policies)
+        machine.start_bus(policies=[keeper_service.POLICY],
+                          names=[fake_hal.SERVICE, FakeLogind.NAME, *names])
         self.hal = FakeHal.start(machine)
         self.modem = self.hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
         machine.settings(modem="Thomson Speedtouch 330", vendor_id=SPEEDTOUCH[0], protocol=protocol,
@@ -99,8 +92,8 @@ class World:
 
 
 @pytest.fixture
-def world(machine, tmp_path):
+def world(machine):
     """A world with a running connection's worth of everything, and a keeper."""
-    made = World(machine, tmp_path)
+    made = World(machine)
     made.start_keeper()
     return made

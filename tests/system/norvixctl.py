@@ -7,12 +7,12 @@ import re
 import sys
 from pathlib import Path
 
+from lab.machine.furnishing import NORVIX_GROUP  # noqa: F401
 from lab.machine.private_machine import ADDRESS_SANITIZER, REPOSITORY, SANITIZER_OPTIONS
 
 GOLDEN = REPOSITORY / "tests/data/norvixctl"
 SCHEMA = REPOSITORY / "docs/norvixctl.schema.json"
 PROGRAM = "/opt/norvix/bin/norvixctl"
-NORVIX_GROUP = 64999
 # Its exit statuses by class.
 OK, FAILED, USAGE, NO_DAEMON, NOT_PERMITTED, REFUSED, FAULTS = range(7)
 NO_SYNC, NO_ANSWER, ACCOUNT_REFUSED, NOT_CONNECTED, TOO_LONG = range(10, 15)
@@ -66,6 +66,11 @@ def without_resolvconf(machine):
     """The computer's own programs are seen inside; this one would be missed its hook in there."""
     if os.path.exists("/usr/sbin/resolvconf"):
         machine.request("hide", path="/usr/sbin/resolvconf")
+
+
+def words(said):
+    """A text, or all that a run has said, with one blank between words: wherever its lines end."""
+    return " ".join((said if isinstance(said, str) else said.stdout + said.stderr).split())
 
 
 def golden(name, text):

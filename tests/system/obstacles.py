@@ -2,12 +2,8 @@
 """What an administrator or a mishap can put in the way of a file."""
 import contextlib
 import fcntl
-import os
 import struct
 
-import pytest
-
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="needs a file system operation of root")
 FS_IOC_SETFLAGS, IMMUTABLE = 0x40086602, 0x10
 
 

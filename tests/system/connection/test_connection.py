@@ -7,7 +7,7 @@ import pytest
 
 from lab.machine.pppd_script import end, link_up, out, stay, wait_for
 from lab.waiting import wait_until
-from obstacles import ROOT_ONLY
+from machine_fixtures import ROOT_ONLY
 
 PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}
 USUAL_ARGUMENTS = ["debug", "linkname", "norvix", "call"]

@@ -8,7 +8,7 @@ from lab.machine.daemon_process import Daemon
 from lab.machine.private_machine import USUAL_PATH
 from lab.machine.pppd_script import link_up, out, stay, wait_for
 from lab.waiting import wait_until
-from obstacles import ROOT_ONLY
+from machine_fixtures import ROOT_ONLY
 
 SPEEDTCH = 0x06B9
 PPPOE = {"protocol": "PPPoE", "vpi": 8, "vci": 35}

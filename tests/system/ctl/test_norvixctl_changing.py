@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: MIT
 """norvixctl as it changes things: account, line, automatic connections, modem, driver."""
 import pytest
-from norvixctl import (FAILED, NO_DAEMON, NOT_PERMITTED, OK, REFUSED, USAGE, Ctl)
+from norvixctl import (FAILED, NO_DAEMON, NORVIX_GROUP, NOT_PERMITTED, OK, REFUSED, USAGE, Ctl, words)
 
-from lab.machine.fake_hal import POLICY, FakeHal
+from lab.machine.fake_hal import SERVICE, FakeHal
 from lab.waiting import wait_until
 
-MEMBER = {"uid": 1000, "groups": [64999]}
+MEMBER = {"uid": 1000, "groups": [NORVIX_GROUP]}
 
 
 @pytest.fixture(name="running")
@@ -17,10 +17,6 @@ def running_fixture(bus_machine):
         bus_machine.path("/etc/ppp/" + name).write_text('"norvix" * "norvix" *\n', encoding="ascii")
     bus_machine.start_daemon()
     return bus_machine
-
-
-def words(text):
-    return " ".join(text.split())
 
 
 def settings_of(machine):
@@ -142,12 +138,12 @@ def test_the_file_keeps_its_owner_when_root_writes_it(machine):
 def test_a_member_sets_the_line_although_only_root_may_write_the_file(running):
     file = running.path("/opt/norvix/.daemon_ng.ini")
     running.settings(pppd_arguments="mtu, 1400")
-    running.run(["/bin/chown", "0:64999", "/opt/norvix/.daemon_ng.ini"])
+    running.run(["/bin/chown", "0:%d" % NORVIX_GROUP, "/opt/norvix/.daemon_ng.ini"])
     file.chmod(0o640)
     member = Ctl(running, **MEMBER)
     assert member("line", "set", "--vpi", "8", "--protocol", "PPPoE").status == OK
     assert settings_of(running) == {"pppd_arguments": "mtu, 1400", "vpi": "8", "protocol": "PPPoE"}
-    assert (file.stat().st_mode & 0o777, file.stat().st_gid) == (0o640, 64999)
+    assert (file.stat().st_mode & 0o777, file.stat().st_gid) == (0o640, NORVIX_GROUP)
     assert member.json("line")["vpi"] == "8"
 
 
@@ -226,11 +222,9 @@ def test_a_daemon_that_ends_during_the_restart_is_reported(running):
 
 
 @pytest.fixture(name="with_usb")
-def with_usb_fixture(new_machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
+def with_usb_fixture(new_machine):
     machine = new_machine(private_folders=["/sys/bus"])
-    machine.start_bus(policies=[policy])
+    machine.start_bus(names=[SERVICE])
     return machine
 
 

@@ -2,7 +2,7 @@
 """norvixctl connect and disconnect: every outcome of an attempt, and what stands in the way."""
 import pytest
 from norvixctl import (ACCOUNT_REFUSED, FAILED, NO_ANSWER, NO_DAEMON, NO_SYNC, NOT_CONNECTED,
-                       NOT_PERMITTED, OK, TOO_LONG, Ctl)
+                       NORVIX_GROUP, NOT_PERMITTED, OK, TOO_LONG, Ctl, words)
 
 from lab.machine.pppd_script import end, link_up, out, stay, wait_for
 from lab.waiting import wait_until
@@ -15,10 +15,6 @@ def machine_up_fixture(bus_machine):
     bus_machine.kernel_log.line_up()
     bus_machine.start_daemon()
     return bus_machine
-
-
-def words(text):
-    return " ".join(text.split())
 
 
 def one_attempt(machine, steps, *options):
@@ -131,7 +127,7 @@ def test_connecting_is_for_the_group_only(machine_up):
     machine_up.pppd.script(link_up(device="8.35") + [stay()])
     refused = Ctl(machine_up, uid=1000)("connect")
     assert (refused.status, "usermod -a -G" in " ".join(refused.stderr.split())) == (NOT_PERMITTED, True)
-    assert Ctl(machine_up, uid=1000, groups=[64999])("connect", "--wait").status == OK
+    assert Ctl(machine_up, uid=1000, groups=[NORVIX_GROUP])("connect", "--wait").status == OK
 
 
 # ---- disconnect

@@ -5,10 +5,10 @@ import re
 import shutil
 
 import pytest
-from norvixctl import FAILED, FAULTS, NOT_PERMITTED, OK, Ctl, without_resolvconf
+from norvixctl import FAILED, FAULTS, NORVIX_GROUP, NOT_PERMITTED, OK, Ctl, without_resolvconf
 
 from lab.machine import keeper_service
-from lab.machine.fake_hal import POLICY, FakeHal
+from lab.machine.fake_hal import SERVICE, FakeHal
 from lab.machine.private_machine import REPOSITORY
 from lab.machine.pppd_script import end, out, wait_for
 from lab.waiting import wait_until
@@ -43,10 +43,8 @@ def configure(machine, **changes):
 
 
 @pytest.fixture(name="sound")
-def sound_fixture(new_machine, tmp_path):
+def sound_fixture(new_machine):
     """Everything in place, but neither daemon, companion nor keeper runs yet."""
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
     machine = new_machine(private_folders=["/sys/bus", "/usr/lib/firmware", "/usr/lib/modules"])
     plug(machine, 0x0572, 0xCAFE)
     configure(machine)
@@ -59,7 +57,7 @@ def sound_fixture(new_machine, tmp_path):
     machine.kernel_log.line_up()
     without_resolvconf(machine)
     keeper_service.prepare(machine)
-    machine.start_bus(policies=[policy, keeper_service.POLICY])
+    machine.start_bus(policies=[keeper_service.POLICY], names=[SERVICE])
     return machine
 
 
@@ -241,7 +239,7 @@ def test_a_user_outside_the_group_is_told_to_join_it(sound):
 def test_what_only_root_may_read_is_not_called_a_fault(sound):
     sound.path(PEER_FILE).chmod(0o640)
     run_all(sound)
-    found = findings(sound, uid=1000, groups=[64999])
+    found = findings(sound, uid=1000, groups=[NORVIX_GROUP])
     assert found["permission"]["verdict"] == "ok"
     for id_ in ("secrets", "peer"):
         assert found[id_]["verdict"] == "not-checked" and "sudo" in found[id_]["remedy"]

@@ -5,8 +5,9 @@ import time
 
 import pytest
 from fake_keeper import CONNECTED, start_keeper
-from keeper_world import ROOT_ONLY, World
-from norvixctl import (FAILED, NO_DAEMON, NORVIX_GROUP, NOT_PERMITTED, OK, REFUSED, USAGE, Ctl, golden)
+from keeper_world import World
+from machine_fixtures import ROOT_ONLY
+from norvixctl import (FAILED, NO_DAEMON, NORVIX_GROUP, NOT_PERMITTED, OK, REFUSED, USAGE, Ctl, golden, words)
 from test_norvixctl_reading import FORMS, check_schema
 
 from lab.machine import keeper_service
@@ -65,10 +66,6 @@ def lone_fixture(machine):
     keeper_service.prepare(machine)
     machine.start_bus(policies=[keeper_service.POLICY])
     return machine
-
-
-def words(result):
-    return " ".join((result.stdout + result.stderr).split())
 
 
 # ---- as it is told
@@ -243,8 +240,8 @@ def test_what_is_no_value_is_refused_before_anybody_is_asked(lone, line):
 # ---- the real one
 
 @pytest.fixture(name="world")
-def world_fixture(new_machine, tmp_path):
-    made = World(new_machine(), tmp_path)
+def world_fixture(new_machine):
+    made = World(new_machine())
     made.start_keeper()
     return made
 

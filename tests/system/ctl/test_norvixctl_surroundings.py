@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 """What norvixctl says of others that look after networks: default routes, name servers, neighbours."""
 import pytest
-from fake_keeper import CONNECTED, FakeService, policy, start_keeper
+from fake_keeper import CONNECTED, FakeService, start_keeper
 from keeper_world import World
-from norvixctl import FAULTS, OK, Ctl
+from norvixctl import FAULTS, OK, Ctl, words
 from test_norvixctl_reading import check_schema
 
 from lab.machine import keeper_service
@@ -18,10 +18,6 @@ def ip(machine, line):
     assert result.status == 0, result.stderr
 
 
-def words(result):
-    return " ".join(result.stdout.split())
-
-
 def finding(machine, name, **user):
     return {check["id"]: check for check in Ctl(machine, **user).json("doctor")["checks"]}[name]
 
@@ -33,9 +29,9 @@ def told(check):
 # ---- default routes
 
 @pytest.fixture(name="world")
-def world_fixture(new_machine, tmp_path):
+def world_fixture(new_machine):
     """A provider that answers; somebody has a second interface, and the keeper runs."""
-    made = World(new_machine(), tmp_path)
+    made = World(new_machine())
     made.start_keeper()
     ip(made.machine, "link add wlan0 type veth peer name router")
     ip(made.machine, "link set wlan0 up")
@@ -116,13 +112,11 @@ def test_another_connections_name_server_is_named_while_the_link_leads(world):
 # ---- the keeper
 
 @pytest.fixture(name="lone")
-def lone_fixture(new_machine, tmp_path):
+def lone_fixture(new_machine):
     """A machine with a bus on which anything may be owned, and nobody is."""
-    rules = tmp_path / "neighbours.conf"
-    rules.write_text(policy(NETWORKD, RESOLVED, MANAGER), encoding="ascii")
     machine = new_machine(private_folders=["/usr/lib/systemd/network"])
     keeper_service.prepare(machine)
-    machine.start_bus(policies=[keeper_service.POLICY, rules])
+    machine.start_bus(policies=[keeper_service.POLICY], names=[NETWORKD, RESOLVED, MANAGER])
     return machine
 
 
@@ -197,10 +191,8 @@ def test_resolved_needs_a_hook_that_can_be_run(lone):
 
 
 @pytest.fixture(name="resolved_world")
-def resolved_world_fixture(new_machine, tmp_path):
-    rules = tmp_path / "resolved.conf"
-    rules.write_text(policy(RESOLVED, NETWORKD), encoding="ascii")
-    made = World(new_machine(), tmp_path, policies=[rules])
+def resolved_world_fixture(new_machine):
+    made = World(new_machine(), names=[RESOLVED, NETWORKD])
     made.start_keeper()
     made.connect()
     made.machine.path("/etc/ppp/resolv.conf").write_text(PROVIDERS, encoding="ascii")

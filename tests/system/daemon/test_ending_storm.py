@@ -4,6 +4,7 @@ import random
 import signal
 import time
 
+from lab.machine import fake_hal
 from lab.machine.bus_client import SERVICE, BusError
 from lab.machine.pppd_script import link_up, stay
 from lab.waiting import wait_until
@@ -90,20 +91,12 @@ def test_a_signal_on_a_worker_thread_ends_the_daemon_too(bus_machine):
         assert daemon.output().endswith("Norvix Daemon: Signal 15 handled\n")
 
 
-HAL_POLICY = """<busconfig><policy user="root"><allow own="org.freedesktop.Hal"/></policy>
-<policy context="default"><allow send_destination="org.freedesktop.Hal"/></policy></busconfig>"""
-
-
-def test_a_signal_while_hal_does_not_answer_ends_the_daemon(machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(HAL_POLICY, encoding="ascii")
-    machine.start_bus(policies=[policy])
-    hal = machine.client()
-    hal.call_bus("RequestName", "su", "org.freedesktop.Hal", 4)  # and never answers
+def test_a_signal_while_hal_does_not_answer_ends_the_daemon(hal_machine):
+    hal_machine.client().call_bus("RequestName", "su", fake_hal.SERVICE, 4)  # and never answers
     for _ in range(20):
-        daemon = machine.start_daemon()
+        daemon = hal_machine.start_daemon()
         begun = time.monotonic()
         daemon.signal()
         assert daemon.wait_exit() == 255
-        assert machine.exit_of(daemon.pid)["time"] - begun < LONGEST
+        assert hal_machine.exit_of(daemon.pid)["time"] - begun < LONGEST
         assert daemon.output().endswith("Norvix Daemon: Signal 15 handled\n")

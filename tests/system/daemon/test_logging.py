@@ -5,7 +5,8 @@ import time
 
 from lab.machine.pppd_script import link_up, out, stay
 from lab.waiting import wait_for_line, wait_until
-from obstacles import ROOT_ONLY, mount
+from machine_fixtures import ROOT_ONLY
+from obstacles import mount
 
 STAMP = r"\d\d-\d\d-\d{4} \d\d:\d\d:\d\d "
 LOG = "/opt/norvix/daemon.log"

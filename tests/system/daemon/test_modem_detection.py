@@ -3,27 +3,15 @@
 import time
 
 import pytest
+from machine_fixtures import ROOT_ONLY
 
-from lab.machine.fake_hal import DEVICES, POLICY, FakeHal
+from lab.machine.fake_hal import DEVICES, SERVICE, FakeHal
 from lab.machine.pppd_script import link_up, stay
 from lab.waiting import wait_for_line, wait_until
 
 SPEEDTOUCH = (0x06B9, 0x4061)
 EAGLE, EAGLE_BEFORE_FIRMWARE = (0x1110, 0x9041), (0x1110, 0x9042)
 VERIFY_DELAY = 5.0
-
-
-@pytest.fixture(name="hal_machine")
-def hal_machine_fixture(machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
-    machine.start_bus(policies=[policy])
-    return machine
-
-
-@pytest.fixture(name="hal")
-def hal_fixture(hal_machine):
-    return FakeHal.start(hal_machine)
 
 
 def configured(machine, udi, ids=SPEEDTOUCH, **more):
@@ -527,13 +515,10 @@ def test_a_call_waits_for_few_of_very_many_announcements(hal_machine, hal):
     daemon.wait_for_log('device added: "%s"' % modem)
 
 
-def test_a_hal_under_a_user_of_its_own_is_heard(machine, tmp_path):
-    if not machine.rooted:
-        pytest.skip("other users exist inside only as root")
+@ROOT_ONLY
+def test_a_hal_under_a_user_of_its_own_is_heard(machine):
     user = 65534
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY.replace("root", str(user)), encoding="ascii")
-    machine.start_bus(policies=[policy])
+    machine.start_bus(names=[SERVICE], owner=user)
     hal = machine.client(uid=user, kind=FakeHal)
     hal.take_name()
     _, client = started(machine)
@@ -541,9 +526,8 @@ def test_a_hal_under_a_user_of_its_own_is_heard(machine, tmp_path):
     client.wait_signal("newModemPlugged")
 
 
+@ROOT_ONLY
 def test_broadcasts_of_others_than_hal_do_not_reach_the_daemon(hal_machine, hal):
-    if not hal_machine.rooted:
-        pytest.skip("other users need root")
     udi = hal.plug("usb_device_6b9_4061_1", *SPEEDTOUCH)
     configured(hal_machine, udi)
     daemon, client = started(hal_machine)

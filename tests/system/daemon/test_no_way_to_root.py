@@ -13,12 +13,13 @@ from account import CHAP, FILES, PAP, PEER, UNICORN
 from driver_world import DRIVERS, HALT, TREE, UEAGLE_MODEM, DriverWorld, quick
 from jeepney import DBusAddress, HeaderFields, new_method_call, new_signal
 from norvixctl import Ctl
-from obstacles import ROOT_ONLY
+from machine_fixtures import ROOT_ONLY
 from setup_client import INVALID, OBJECT, Setup
 
+from lab.machine import fake_hal
 from lab.machine.bus_client import INTERFACE, PATH, BusError
 from lab.machine.daemon_process import Daemon
-from lab.machine.fake_hal import MANAGER, MANAGER_PATH, POLICY, FakeHal
+from lab.machine.fake_hal import MANAGER, MANAGER_PATH, FakeHal
 from lab.machine.furnishing import NORVIX_GROUP
 from lab.machine.private_machine import BUILD, REPOSITORY, USUAL_PATH
 from lab.waiting import wait_until
@@ -50,11 +51,9 @@ def install(machine):
 
 
 @pytest.fixture(name="installed")
-def installed_fixture(machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
+def installed_fixture(machine):
     install(machine)
-    machine.start_bus(policies=[policy])
+    machine.start_bus(names=[fake_hal.SERVICE])
     return machine
 
 
@@ -406,12 +405,10 @@ done
 
 
 @pytest.fixture(name="world")
-def world_fixture(new_machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
+def world_fixture(new_machine):
     world = DriverWorld(new_machine(private_folders=["/lib/modules"]))
     install(world.machine)
-    world.machine.start_bus(policies=[policy])
+    world.machine.start_bus(names=[fake_hal.SERVICE])
     world.bus_runs = True
     return world
 

@@ -4,6 +4,7 @@ import os
 import time
 
 import pytest
+from machine_fixtures import ROOT_ONLY
 
 from lab.waiting import wait_for_line, wait_until
 
@@ -70,9 +71,8 @@ def test_what_others_wrote_is_kept_when_the_daemon_writes(bus_machine):
     assert "vpi=8\n" in text and "protocol=PPPoE\n" in text and "of_somebody_else=kept\n" in text
 
 
+@ROOT_ONLY
 def test_the_file_keeps_its_owner_and_mode(bus_machine):
-    if not bus_machine.rooted:
-        pytest.skip("giving a file to another user needs root")
     bus_machine.settings(vpi=8)
     os.chown(bus_machine.path(INI), 1000, 1001)
     bus_machine.path(INI).chmod(0o640)

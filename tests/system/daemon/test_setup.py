@@ -5,10 +5,10 @@ from pathlib import Path
 
 import pytest
 from account import COMMENT, FILES, OPTIONS, PAP, PEER, UNICORN, Account
+from machine_fixtures import ROOT_ONLY
 from setup_client import INVALID, NOT_STORED, OBJECT, Setup
 
 from lab.machine.bus_client import BusError
-from lab.machine.fake_hal import POLICY, FakeHal
 from lab.machine.furnishing import NORVIX_GROUP
 from lab.waiting import wait_until
 
@@ -201,14 +201,6 @@ def test_an_account_that_reaches_only_some_files_is_an_error(bus_machine):
 
 # ---- the announced modem
 
-@pytest.fixture(name="hal")
-def hal_fixture(machine, tmp_path):
-    policy = tmp_path / "hal.conf"
-    policy.write_text(POLICY, encoding="ascii")
-    machine.start_bus(policies=[policy])
-    return FakeHal.start(machine)
-
-
 def test_the_modem_that_would_be_adopted_is_told_from_its_announcement_on(machine, hal):
     client = machine.client()
     daemon = machine.start_daemon()
@@ -247,9 +239,8 @@ def test_a_modem_that_has_left_is_not_told(machine, hal):
 
 # ---- who may
 
+@ROOT_ONLY
 def test_members_set_settings_and_account_and_only_root_the_arguments(running):
-    if not running.rooted:
-        pytest.skip("other users need root")
     member = Setup(running.client(**MEMBER))
     member.set(vpi=8)
     assert member.settings() == {"vpi": 8} and member.arguments() == []

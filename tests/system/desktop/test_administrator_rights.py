@@ -13,8 +13,8 @@ from lab.machine.private_machine import REPOSITORY
 JOIN, MEND = "/opt/norvix/libexec/norvix-desktop-join", "/opt/norvix/libexec/norvix-desktop-mend"
 POLICY = REPOSITORY / "packaging/com.norvix.desktop.policy"
 DONE, FAILED, MISUSED, NO_PROGRAM, NO_GROUP = range(5)
-VERBS = {"look", "mend-files", "start-daemon", "restart-daemon", "start-hald", "start-keeper",
-         "load-modules", "create-group"}
+VERBS = {"look", "mend-files", "start-daemon", "restart-daemon", "restart-hald", "start-keeper",
+         "restart-keeper", "load-modules", "create-group"}
 PAP = "/etc/ppp/pap-secrets"
 # Says where it was called, with what, and in which environment.
 TELLTALE = """#!/bin/sh
@@ -162,7 +162,7 @@ def test_only_its_own_words_are_taken(machine):
     plant(machine, "systemctl", "modprobe", "groupadd")
     hostile = [[], [""], ["restart-daemon "], ["Restart-Daemon"], ["restart"], ["--help"],
                ["restart-daemon", "ssh"], ["/etc/shadow"], ["../look"], ["look\n"], ["-platform"],
-               ["restart-daemon;id"], ["mend-files", "/etc/passwd"], ["start-hald"] * 2,
+               ["restart-daemon;id"], ["mend-files", "/etc/passwd"], ["restart-hald"] * 2,
                ["look", ""], ["look", "fr"], ["look", "../de"], ["look", "de_DE"], ["look", "de\n"],
                ["look", "DE"], ["look", "de", "de"], ["de"], ["mend-files", "de"]]
     before = files_of(machine.path("/etc"))
@@ -174,8 +174,9 @@ def test_only_its_own_words_are_taken(machine):
 
 SERVICES = {"start-daemon": "start norvix-daemon.service",
             "restart-daemon": "restart norvix-daemon.service",
-            "start-hald": "restart norvix-hald.service",
-            "start-keeper": "restart norvix-keeper.service"}
+            "restart-hald": "restart norvix-hald.service",
+            "start-keeper": "start norvix-keeper.service",
+            "restart-keeper": "restart norvix-keeper.service"}
 
 
 @pytest.mark.parametrize("verb", SERVICES)
@@ -245,6 +246,17 @@ def test_a_missing_group_is_made_and_the_bus_knows_it_at_once(bus_machine):
 
 
 # ---- the policy
+
+
+def test_a_word_says_what_is_done_to_a_service_and_so_does_the_question_for_the_password():
+    actions = ElementTree.parse(POLICY).getroot().findall("action")
+    for verb, command in SERVICES.items():
+        done = command.split()[0]
+        assert verb.split("-")[0] == done
+        action, = (one for one in actions if one.get("id") == "com.norvix.desktop." + verb)
+        english, german = (message.text for message in action.findall("message"))
+        assert " to %s the " % done in english
+        assert ("neu zu starten" in german) == (done == "restart")
 
 
 def test_every_way_to_roots_rights_asks_for_an_administrators_password_each_time():

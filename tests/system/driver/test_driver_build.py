@@ -9,11 +9,13 @@ import time
 
 import pytest
 
-from driver_world import (EXTRA, HALT, RELEASE, ROOT_ONLY, SPEEDTOUCH_MODEM, TREE, UEAGLE, UNICORN,
+from driver_world import (EXTRA, HALT, RELEASE, SPEEDTOUCH_MODEM, TREE, UEAGLE, UNICORN,
                           UNICORN_MODEM, DriverWorld, kernel_headers, quick)
+from machine_fixtures import ROOT_ONLY
 from lab.machine.private_machine import PrivateMachine
 from lab.waiting import wait_until
 
+# Root owns nothing of the host's in a user namespace, so there no tarball is ever trusted.
 pytestmark = ROOT_ONLY
 
 DAEMON_LOG_PREFIX = "Norvix_Daemon::debugHandler: "

@@ -4,7 +4,8 @@ import signal
 
 import pytest
 from hald_fixtures import client, hald, place, usb  # noqa: F401
-from hald_fixtures import EVERY_EVENT, HUB, MODEM, ROOT_ONLY, came, settled, went
+from hald_fixtures import EVERY_EVENT, HUB, MODEM, came, settled, went
+from machine_fixtures import ROOT_ONLY
 
 from lab.machine import companion
 from lab.machine.bus_client import BusError

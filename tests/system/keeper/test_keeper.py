@@ -4,7 +4,8 @@ import os
 import time
 
 import pytest
-from keeper_world import ROOT_ONLY, World, world  # noqa: F401
+from keeper_world import World, world  # noqa: F401
+from machine_fixtures import ROOT_ONLY
 
 from lab.machine import keeper_service
 from lab.machine.bus_client import BusError
@@ -41,8 +42,8 @@ def test_a_killed_pppd_is_a_loss(world):
     world.keeper.wait_for(State="connected")
 
 
-def test_a_bridge_that_ended_is_told(machine, tmp_path):
-    world = World(machine, tmp_path, NO_PAUSES, protocol="PPPoE")
+def test_a_bridge_that_ended_is_told(machine):
+    world = World(machine, NO_PAUSES, protocol="PPPoE")
     world.start_keeper()
     world.connect()
     [bridge] = [facts for facts in machine.processes() if "-a" in facts["argv"] and "8.35" in facts["argv"]]
@@ -53,9 +54,9 @@ def test_a_bridge_that_ended_is_told(machine, tmp_path):
     world.keeper.wait_for(State="connected")
 
 
-def test_a_silent_far_end_is_told(machine, tmp_path):
+def test_a_silent_far_end_is_told(machine):
     """The address goes, the interface stays for a while: nothing had come in for 25 s."""
-    world = World(machine, tmp_path, protocol="PPPoE")
+    world = World(machine, protocol="PPPoE")
     world.start_keeper()
     world.connect()
     time.sleep(36)  # what is tested is that nothing happens meanwhile
@@ -123,8 +124,8 @@ def test_a_link_lost_while_nobody_looked_comes_back(world):
     assert world.keeper.ended() == ["unknown"]
 
 
-def test_a_stopped_daemon_is_never_started(machine, tmp_path):
-    world = World(machine, tmp_path)
+def test_a_stopped_daemon_is_never_started(machine):
+    world = World(machine)
     services = machine.path("/etc/dbus-1/services")
     services.mkdir()
     (services / "com.norvix.Daemon.service").write_text(
@@ -142,9 +143,9 @@ def test_a_stopped_daemon_is_never_started(machine, tmp_path):
     assert not machine.path("/run/lab/started").exists()
 
 
-def test_many_losses_in_a_row_leave_nothing_behind(machine, tmp_path):
+def test_many_losses_in_a_row_leave_nothing_behind(machine):
     """NORVIX_LOSSES says how many."""
-    world = World(machine, tmp_path, NO_PAUSES)
+    world = World(machine, NO_PAUSES)
     world.start_keeper()
     world.connect()
 
@@ -196,9 +197,9 @@ def test_a_refused_account_is_tried_seldom_and_at_once_when_it_changes(world):
     assert world.attempts() == attempts + 1
 
 
-def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(machine, tmp_path):
+def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(machine):
     """Three attempts of 35 s each find none, although the modem is there."""
-    world = World(machine, tmp_path, NO_PAUSES)
+    world = World(machine, NO_PAUSES)
     world.start_keeper()
     machine.kernel_log.clear()
     world.client.call("establishConnection")
@@ -211,8 +212,8 @@ def test_a_driver_that_tells_of_no_line_any_more_is_loaded_anew(machine, tmp_pat
     world.keeper.wait_for(State="connected", Wanted=True)
 
 
-def test_a_missing_peer_file_is_waited_for(machine, tmp_path):
-    world = World(machine, tmp_path, NO_PAUSES)
+def test_a_missing_peer_file_is_waited_for(machine):
+    world = World(machine, NO_PAUSES)
     world.start_keeper()
     machine.pppd.script([out("pppd: Can't open options file /etc/ppp/peers/norvix: "
                              "No such file or directory\n"), end(2)])
@@ -255,8 +256,8 @@ def test_what_the_user_has_ended_does_not_come_back(world):
     assert world.keeper.ended() == ["user"]
 
 
-def test_a_disconnect_during_the_bridge_step_ends_the_link_that_comes_all_the_same(machine, tmp_path):
-    world = World(machine, tmp_path, protocol="PPPoE")
+def test_a_disconnect_during_the_bridge_step_ends_the_link_that_comes_all_the_same(machine):
+    world = World(machine, protocol="PPPoE")
     world.start_keeper()
     world.client.call("establishConnection")
     machine.wait_call("br2684ctl_amd64")
@@ -290,8 +291,8 @@ def test_a_disconnect_during_a_pause_stops_it(world):
     stays_idle(world)
 
 
-def test_who_asks_again_while_the_attempt_runs_keeps_the_link(machine, tmp_path):
-    world = World(machine, tmp_path, protocol="PPPoE")
+def test_who_asks_again_while_the_attempt_runs_keeps_the_link(machine):
+    world = World(machine, protocol="PPPoE")
     world.start_keeper()
     world.client.call("establishConnection")
     machine.wait_call("br2684ctl_amd64")
@@ -354,8 +355,8 @@ def test_switched_off_it_keeps_nothing(world):
 
 # ---- sleep
 
-def test_the_link_ends_before_sleep_and_comes_back_after_it(machine, tmp_path):
-    world = World(machine, tmp_path)
+def test_the_link_ends_before_sleep_and_comes_back_after_it(machine):
+    world = World(machine)
     logind = FakeLogind.start(machine)
     world.start_keeper()
     world.connect()
@@ -374,8 +375,8 @@ def test_the_link_ends_before_sleep_and_comes_back_after_it(machine, tmp_path):
     assert world.keeper.ended() == ["sleep"] and world.keeper.losses() == []
 
 
-def test_a_link_of_somebody_else_is_not_killed_for_sleep(machine, tmp_path):
-    world = World(machine, tmp_path)
+def test_a_link_of_somebody_else_is_not_killed_for_sleep(machine):
+    world = World(machine)
     logind = FakeLogind.start(machine)
     world.start_keeper()
     world.connect()

@@ -8,7 +8,8 @@ import subprocess
 import time
 
 import pytest
-from keeper_world import ROOT_ONLY, World, world  # noqa: F401
+from keeper_world import world  # noqa: F401
+from machine_fixtures import ROOT_ONLY
 
 from lab.machine.keeper_service import STATE_FOLDER, USER_ID
 from lab.machine.private_machine import BUILD

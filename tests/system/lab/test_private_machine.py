@@ -8,6 +8,7 @@ import textwrap
 from pathlib import Path
 
 import pytest
+from machine_fixtures import ROOT_ONLY
 
 from lab.machine import pppd_script as scenario
 from lab.machine.bus_client import BusError
@@ -15,7 +16,6 @@ from lab.machine.kernel_log import RealKernelLog
 from lab.machine.private_machine import REPOSITORY, processes_inside
 from lab.waiting import wait_until
 
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
 RECORDINGS = sorted(path.name[:-len(".txt.timed")] for path in scenario.RECORDINGS.glob("*.timed"))
 
 

@@ -5,7 +5,7 @@ import os
 import pytest
 
 from account import Account, CHAP, COMMENT, FILES, OPTIONS, PAP, PEER, UNICORN
-from obstacles import ROOT_ONLY
+from machine_fixtures import ROOT_ONLY
 
 
 @pytest.fixture

@@ -10,7 +10,8 @@ import pytest
 from account import Account, CHAP, PAP
 from norvixctl import Ctl
 from lab.machine.private_machine import BUILD, REPOSITORY
-from obstacles import ROOT_ONLY, run
+from machine_fixtures import ROOT_ONLY
+from obstacles import run
 
 DATA = REPOSITORY / "tests" / "data" / "ppp"
 PRELOADED, PEER_PROGRAM = "/opt/norvix/lib/libppp-channel.so", "/opt/norvix/ppp_peer.py"

@@ -10,7 +10,8 @@ import pytest
 from account import (Account, CHAP, COMMENT, FILES, NOT_READ, NOT_READABLE, NOT_WRITABLE,
                      NOT_WRITTEN, PAP, PEER, SECRETS, UNICORN, others)
 from lab.machine.private_machine import BUILD
-from obstacles import ROOT_ONLY, immutable, make_read_only, mount, run
+from machine_fixtures import ROOT_ONLY
+from obstacles import immutable, make_read_only, mount, run
 
 
 @pytest.fixture

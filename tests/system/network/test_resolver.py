@@ -8,7 +8,8 @@ import pytest
 
 from lab.machine.pppd_script import end, link_up
 from lab.waiting import wait_until
-from obstacles import ROOT_ONLY, immutable, make_read_only, mount, run
+from machine_fixtures import ROOT_ONLY
+from obstacles import immutable, make_read_only, mount, run
 from resolver import (COMMENT, REPAIRED, RESOLV, SERVERS, WRONG, leftovers, mount_by_itself,
                       text_inside)
 

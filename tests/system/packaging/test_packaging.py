@@ -10,10 +10,11 @@ import time
 from pathlib import Path
 
 import pytest
+from machine_fixtures import ROOT_ONLY
+from shipped_files import run, settings
 
 from lab.machine.private_machine import USUAL_PATH
 from lab.waiting import wait_until
-from shipped_files import run, settings
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 PACKAGING = REPOSITORY / "packaging"
@@ -27,7 +28,6 @@ BACKUP = ".norvix-backup"
 # As Debian's package ppp brings it.
 STOCK_CHAP = "# Secrets for authentication using CHAP\n# client\tserver\tsecret\t\t\tIP addresses\n"
 OTHERS = STOCK_CHAP + '"me@elsewhere" * "mine" *\n'
-ROOT_ONLY = pytest.mark.skipif(os.geteuid() != 0, reason="owners can be given by root only")
 
 
 def exposure():

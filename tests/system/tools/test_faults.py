@@ -6,7 +6,7 @@ import sys
 from pathlib import Path
 
 import pytest
-from obstacles import ROOT_ONLY
+from machine_fixtures import ROOT_ONLY
 
 TOOLS = Path(__file__).resolve().parents[2] / "faults"
 sys.path.append(str(TOOLS))

@@ -309,6 +309,9 @@ private slots:
         row("not allowed", "x...", DeedKind::OpenAssistant, [](auto &m) {
             m.requestFailure = {FailureKind::NotPermitted, QString()};
         });
+        row("a frozen keeper", "+x..", DeedKind::Rights, [](auto &m) {
+            m.requestFailure = {FailureKind::KeeperNoAnswer, QString()};
+        });
         row("not to be started", "x...", DeedKind::StartDaemon, [](auto &m) {
             m.daemon = DaemonPresence::Away;
             m.requestFailure = {FailureKind::NotStarted, QString()};

@@ -417,6 +417,52 @@ private slots:
         }
     }
 
+    void theLossThatAConnectionFollowsIsKnownFromTheHistory_data()
+    {
+        QTest::addColumn<QString>("reason");
+        QTest::addColumn<qint64>("away"); // seconds
+        QTest::addColumn<bool>("isRunning");
+        QTest::addColumn<bool>("isLoss");
+        QTest::newRow("hung up") << "hung-up" << 41LL << true << true;
+        QTest::newRow("the line") << "line-lost" << 3600LL << true << true;
+        QTest::newRow("a newer keeper's word") << "meteor" << 0LL << true << true;
+        QTest::newRow("wanted") << "user" << 41LL << true << false;
+        QTest::newRow("slept") << "sleep" << 41LL << true << false;
+        QTest::newRow("not seen") << "unknown" << 41LL << true << false;
+        QTest::newRow("not back yet") << "hung-up" << 41LL << false << false;
+        QTest::newRow("the clock was set back") << "hung-up" << -1LL << true << false;
+    }
+    void theLossThatAConnectionFollowsIsKnownFromTheHistory()
+    {
+        QFETCH(QString, reason);
+        QFETCH(qint64, away);
+        QFETCH(bool, isRunning);
+        QFETCH(bool, isLoss);
+        constexpr qint64 lostAt = noon / 1000 - 7200;
+        KeeperSession before;
+        before.began = lostAt - 1000;
+        before.ended = lostAt;
+        before.reason = reason;
+        KeeperSession running;
+        running.began = lostAt + away;
+        if (!isRunning) {
+            running.ended = running.began + 1;
+        }
+        ConnectionModel model
+            = afterOffline({comesUp, finishesUp, ev::SessionsTold{{running, before}}});
+        QCOMPARE(model.lastLoss.has_value(), isLoss);
+        if (isLoss) {
+            QCOMPARE(model.lastLoss->at, lostAt);
+            QCOMPARE(model.lastLoss->awaySeconds, away);
+        }
+        model.apply(isEnded, noon);
+        QVERIFY(!model.lastLoss);
+        for (const QList<KeeperSession> &few : {QList<KeeperSession>(), {running}}) {
+            model.apply(ev::SessionsTold{few}, noon);
+            QVERIFY(!model.lastLoss);
+        }
+    }
+
     void waitingIsCountedFromItsBeginning()
     {
         ConnectionModel model = afterOffline({attemptBegins});

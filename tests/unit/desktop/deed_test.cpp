@@ -73,7 +73,11 @@ private slots:
         QTest::newRow("a daemon that hangs")
             << RemedyKind::RestartDaemon << DeedKind::Rights << "restart-daemon";
         QTest::newRow("no companion")
-            << RemedyKind::StartCompanion << DeedKind::Rights << "start-hald";
+            << RemedyKind::StartCompanion << DeedKind::Rights << "restart-hald";
+        QTest::newRow("a keeper that is stopped")
+            << RemedyKind::StartKeeper << DeedKind::Rights << "start-keeper";
+        QTest::newRow("a keeper that hangs")
+            << RemedyKind::RestartKeeper << DeedKind::Rights << "restart-keeper";
         QTest::newRow("no PPP in the kernel")
             << RemedyKind::LoadPppModule << DeedKind::Rights << "load-modules";
         QTest::newRow("hidden from this user")

@@ -241,6 +241,10 @@ private slots:
             S::Offline, "Not connected", "", A::Connect);
         row("not allowed", failure(FailureKind::NotPermitted), S::Attention, "Not connected",
             "not allowed", A::SetUp);
+        row("the keeper hangs",
+            both(keeper(KeeperPhase::waiting, KeeperReason::hungUp),
+                failure(FailureKind::KeeperNoAnswer)),
+            S::Attention, "Not connected", "The keeper does not answer.", A::CheckUp, A::TryNow);
         for (const FailureKind kind : {FailureKind::NoBus, FailureKind::NoDaemon,
                  FailureKind::NotStarted, FailureKind::NoAnswer, FailureKind::DaemonError,
                  FailureKind::DaemonRefused, FailureKind::FileUnreadable}) {
@@ -307,6 +311,21 @@ private slots:
         model.state = ConnectionUp;
         model.upSince = noon - (2 * 3600 + 14 * 60) * 1000;
         QCOMPARE(headlineOf(model, noon).reason, QStringLiteral("For 2 h 14 min."));
+    }
+
+    void theLossBeforeIsSaidForADayUnlessSomethingIsTheMatter()
+    {
+        ConnectionModel model = offline();
+        model.state = ConnectionUp;
+        model.upSince = noon - (2 * 3600 + 14 * 60) * 1000;
+        model.lastLoss = Loss{noon / 1000 - (2 * 3600 + 14 * 60) - 41, 41};
+        const QString both
+            = QStringLiteral("For 2 h 14 min. The connection was lost at 08:45, back after 41 s.");
+        QCOMPARE(headlineOf(model, noon).reason, both);
+        QVERIFY(headlineOf(model, noon).standing == Standing::Connected);
+        QCOMPARE(headlineOf(model, noon + 22 * 3600 * 1000).reason, QStringLiteral("For 1 d 0 h."));
+        model.trouble = Trouble::ResolverWrong;
+        QVERIFY(!headlineOf(model, noon).reason.contains(QLatin1String("lost")));
     }
 
     void durationsAreSaidAsPeopleDo()

@@ -86,6 +86,22 @@ private slots:
         QVERIFY(story.did(Kind::AskDaemon));
     }
 
+    void aModemThatIsSeenToBeGoneIsWaitedFor()
+    {
+        Story story = Story::connected();
+        story.tell(event::LinkSeen{Link::Gone, false, Cause::Unplugged});
+        QCOMPARE(story.causeOf(Kind::TellLoss), Cause::Unplugged);
+        QCOMPARE(story.phase(), QStringLiteral("waiting-for-modem"));
+        QCOMPARE(story.untilQuestion(), -1);
+        story.tell(event::Terminated()); // the daemon tells of it later
+        story.tell(event::ModemUnplugged());
+        QVERIFY(isWanted(story.state));
+        QCOMPARE(story.count(Kind::TellLoss), 1);
+        QVERIFY(!story.did(Kind::AskDaemon));
+        story.tell(event::LineSeen{true, false});
+        QVERIFY(story.did(Kind::AskDaemon));
+    }
+
     void theReasonWaitsForWhatFollowsTheDisconnect()
     {
         Story story = Story::connected();

@@ -409,6 +409,7 @@ private:
             event::KeepSet{false}, event::AttemptTold{Cause::AccountRefused}};
         for (const Link link : {Link::Gone, Link::Bare, Link::Up}) {
             events.append(event::LinkSeen{link, false, Cause::HungUp});
+            events.append(event::LinkSeen{link, false, Cause::Unplugged});
         }
         for (const int state : {0, 1, 2}) {
             events.append(event::DaemonAnswered{state, false});
