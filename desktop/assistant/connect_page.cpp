@@ -114,7 +114,8 @@ void ConnectPage::refresh()
     }
     if (m_progress.isConnected) {
         m_text->setText(Say::tr("You are connected. “Close” leads to the window; the connection "
-                                "stays."));
+                                "stays. There, “Account and line” can have it made by itself when "
+                                "the computer starts."));
     } else if (!m_progress.cause.isEmpty()) {
         m_text->setText(m_progress.cause);
     } else if (m_progress.isRunning) {

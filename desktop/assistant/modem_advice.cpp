@@ -134,10 +134,11 @@ ModemAdvice modemAdviceOf(const ModemFacts &facts)
         advice.text = Say::tr("%1 was found.").arg(advice.modem);
         break;
     case ModemStanding::PlugAnew:
-        advice.text = Say::tr("%1 is plugged in, but was so before the daemon began, which notices "
-                              "a new modem only when it is plugged in. Unplug it, wait a moment, "
-                              "and plug it in again.")
-                          .arg(advice.modem);
+        advice.text
+            = Say::tr("%1 is plugged in, but was so already when the computer's service for "
+                      "modems began, which notices a new one only as it is plugged in. "
+                      "Unplug it, wait a moment, and plug it in again.")
+                  .arg(advice.modem);
         break;
     case ModemStanding::NotSeen:
         advice.text = Say::tr("%1 is plugged in and in use, but the daemon does not find it. "

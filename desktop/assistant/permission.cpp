@@ -65,7 +65,8 @@ QString permissionText(Permission permission)
                        "Started anew it may use the modem.");
     case Permission::Join:
         return Say::tr("Only members of the group norvix may use the modem, and you are none yet. "
-                       "An administrator's password makes you one.");
+                       "An administrator's password makes you one: the one that is asked for when "
+                       "programs are installed on this computer.");
     case Permission::NoGroup:
         return Say::tr("Only members of the group norvix may use the modem, and there is no such "
                        "group yet. An administrator's password creates it.");

@@ -77,8 +77,9 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
     alignNames(form);
     makeComfortable(m_mend);
     auto *column = new QVBoxLayout(this);
-    column->addWidget(newText(
-        Say::tr("These are values that providers commonly use. Your provider's letter decides.")));
+    column->addWidget(newText(Say::tr(
+        "Choose your provider: the three values below become those that it commonly uses. "
+        "Change them only where your provider's letter says otherwise; the letter decides.")));
     column->addLayout(form);
     column->addWidget(m_panel);
     column->addWidget(m_mend, 0, Qt::AlignLeading);

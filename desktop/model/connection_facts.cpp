@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/model/connection_facts.h"
 
+#include "client/ppp_files.h"
 #include "client/say.h"
 #include "client/text_format.h"
 #include "dbus/contract.h"
@@ -142,7 +143,10 @@ QVector<ShownFact> connectionFacts(
         facts.append({Say::tr("Noise margin"), marginFact(*model.line)});
     }
     if (!isUp && !surroundings.login.isEmpty()) {
-        facts.append({Say::tr("Account"), printable(surroundings.login)});
+        // What the packages put into pppd's files is nobody's account.
+        const bool isOnes = surroundings.login.toUtf8() != placeholderLogin();
+        facts.append({Say::tr("Account"),
+            isOnes ? printable(surroundings.login) : Say::tr("not entered yet")});
     }
     if (!isUp && surroundings.lastSession) {
         facts.append(

@@ -190,7 +190,7 @@ Headline notConnected(const ConnectionModel &model, qint64 now)
     }
     if (model.isModemPlugged == false) {
         headline.reason = model.announcedModem.isEmpty()
-            ? Say::tr("No modem is plugged in.")
+            ? Say::tr("The modem is not plugged in, or not set up yet.")
             : Say::tr("A new modem was found: %1.").arg(model.announcedModem);
         headline.primary = Action::SetUp;
         headline.secondary = Action::CheckUp;

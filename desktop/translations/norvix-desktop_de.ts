@@ -8,6 +8,10 @@
         <translation>Das Programm pkexec, das nach dem Passwort eines Verwalters fragt, ist nicht installiert. Dieser Befehl tut dasselbe:</translation>
     </message>
     <message>
+        <source>not entered yet</source>
+        <translation>noch nicht eingetragen</translation>
+    </message>
+    <message>
         <source>The modem&apos;s driver could not be built.</source>
         <translation>Der Treiber des Modems konnte nicht gebaut werden.</translation>
     </message>
@@ -96,8 +100,8 @@
         <translation>Schließen</translation>
     </message>
     <message>
-        <source>You are connected. “Close” leads to the window; the connection stays.</source>
-        <translation>Sie sind verbunden. „Schließen“ führt zum Fenster; die Verbindung bleibt.</translation>
+        <source>You are connected. “Close” leads to the window; the connection stays. There, “Account and line” can have it made by itself when the computer starts.</source>
+        <translation>Sie sind verbunden. „Schließen“ führt zum Fenster; die Verbindung bleibt. Dort kann sie unter „Konto und Leitung“ beim Start des Computers von selbst hergestellt werden.</translation>
     </message>
     <message>
         <source>This takes up to a minute.</source>
@@ -176,8 +180,8 @@
         <translation>%1 wurde gefunden.</translation>
     </message>
     <message>
-        <source>%1 is plugged in, but was so before the daemon began, which notices a new modem only when it is plugged in. Unplug it, wait a moment, and plug it in again.</source>
-        <translation>%1 ist eingesteckt, war es aber schon, bevor der Dienst begann; er bemerkt ein neues Modem nur beim Einstecken. Ziehen Sie es ab, warten Sie einen Augenblick, und stecken Sie es wieder ein.</translation>
+        <source>%1 is plugged in, but was so already when the computer&apos;s service for modems began, which notices a new one only as it is plugged in. Unplug it, wait a moment, and plug it in again.</source>
+        <translation>%1 ist eingesteckt, war es aber schon, bevor der Dienst des Computers für Modems begann; er bemerkt ein neues nur beim Einstecken. Ziehen Sie es ab, warten Sie einen Augenblick, und stecken Sie es wieder ein.</translation>
     </message>
     <message>
         <source>%1 is plugged in and in use, but the daemon does not find it. Unplug it, wait a moment, and plug it in again.</source>
@@ -224,8 +228,8 @@
         <translation>Sie sind Mitglied der Gruppe norvix, aber dieses Programm begann vorher. Neu gestartet darf es das Modem benutzen.</translation>
     </message>
     <message>
-        <source>Only members of the group norvix may use the modem, and you are none yet. An administrator&apos;s password makes you one.</source>
-        <translation>Nur Mitglieder der Gruppe norvix dürfen das Modem benutzen, und Sie sind noch keines. Das Passwort eines Verwalters macht Sie dazu.</translation>
+        <source>Only members of the group norvix may use the modem, and you are none yet. An administrator&apos;s password makes you one: the one that is asked for when programs are installed on this computer.</source>
+        <translation>Nur Mitglieder der Gruppe norvix dürfen das Modem benutzen, und Sie sind noch keines. Das Passwort eines Verwalters macht Sie dazu: das, nach dem beim Installieren von Programmen auf diesem Computer gefragt wird.</translation>
     </message>
     <message>
         <source>Only members of the group norvix may use the modem, and there is no such group yet. An administrator&apos;s password creates it.</source>
@@ -276,8 +280,8 @@
         <translation>VC&amp;I</translation>
     </message>
     <message>
-        <source>These are values that providers commonly use. Your provider&apos;s letter decides.</source>
-        <translation>Diese Werte verwenden Anbieter üblicherweise. Es entscheidet das Schreiben Ihres Anbieters.</translation>
+        <source>Choose your provider: the three values below become those that it commonly uses. Change them only where your provider&apos;s letter says otherwise; the letter decides.</source>
+        <translation>Wählen Sie Ihren Anbieter: Die drei Werte unten werden die, die er üblicherweise verwendet. Ändern Sie sie nur, wo das Schreiben Ihres Anbieters anderes sagt; es entscheidet.</translation>
     </message>
     <message>
         <source>The file fits now.</source>
@@ -817,8 +821,8 @@
         <translation>Nicht verbunden</translation>
     </message>
     <message>
-        <source>No modem is plugged in.</source>
-        <translation>Es ist kein Modem eingesteckt.</translation>
+        <source>The modem is not plugged in, or not set up yet.</source>
+        <translation>Das Modem ist nicht eingesteckt oder noch nicht eingerichtet.</translation>
     </message>
     <message>
         <source>A new modem was found: %1.</source>

@@ -225,6 +225,11 @@ class Session:
         status, _, errors = self.run(["/usr/bin/xdotool", *words], label="keyboard")
         assert (status, errors) == (0, ""), errors
 
+    @property
+    def screen_file(self):
+        """Where the picture of the screen is, in X's form for dumps of windows. X only."""
+        return self._screen
+
     def look(self, element=None):
         """The picture of the screen, or of one element, when nothing in it moves any more. X only.
         Where a text cursor blinks, two pictures of the same may differ."""

@@ -218,7 +218,9 @@ class Scenes:
             self._wait_step(step)
         self.window.press_button(say("Connect"))
         self.window.wait_gone("push button", say("Skip"))
-        self.window.wait_text(say("You are connected. “Close” leads to the window; the connection stays."))
+        self.window.wait_text(say("You are connected. “Close” leads to the window; the connection stays. "
+                                  "There, “Account and line” can have it made by itself when the computer "
+                                  "starts."))
 
     def _wait_step(self, number):
         self.window.wait_text(self.translated("%1 of %2").replace("%1", str(number)).replace("%2", "5"))

@@ -59,7 +59,7 @@ def test_a_newcomer_gets_from_nothing_to_the_line(computer, stranger):
     guide.says("^You may use the modem")  # the program began anew by itself
     assert members(machine) == {"user"}
     guide.at("May I?").next("Modem")
-    guide.says("was so before the daemon began")
+    guide.says("was so already when the computer's service")
     computer.usb.unplug(device)
     hide_in_sysfs(machine)
     guide.says("No modem that is supported")
@@ -181,7 +181,7 @@ def test_a_daemon_that_is_not_running_is_started_from_the_modems_page(computer, 
     assert desktop.pkexec.wait_call()[1:] == ["/opt/norvix/libexec/norvix-desktop-mend",
                                               "start-daemon"]
     started.append(computer.start_daemon())
-    guide.says("was so before the daemon began")
+    guide.says("was so already when the computer's service")
 
 
 # ---- provider and account

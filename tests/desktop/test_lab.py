@@ -147,13 +147,25 @@ def test_a_program_is_started_in_german(desktop):
     assert desktop.run(["/usr/bin/locale", "decimal_point"])[1] == ",\n"
 
 
-# Qt 5.15.15 is refused by the accessibility bus there as soon as there is no X; why is not known.
-@pytest.mark.skipif(platform.freedesktop_os_release().get("VERSION_ID") == "13",
-                    reason="without X, Debian 13's toolkit does not reach the accessibility bus")
+IS_DEBIAN_13 = platform.freedesktop_os_release().get("VERSION_ID") == "13"
+
+
+def start_on_wayland(desktop, *command):
+    """Debian 13's Qt 5.15.15 registers its windows in the first round of its main loop, before it has been
+    told where the accessibility bus is, and never again; only X tells that at once. So where that bus runs
+    already no window of Qt's is read there on Wayland; where it comes later, they are."""
+    if not IS_DEBIAN_13:
+        desktop.start(*command)
+        return
+    desktop.spawn(command, env={"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
+    desktop.tray.item()
+
+
+@pytest.mark.xfail(IS_DEBIAN_13, strict=False, reason="found by reading the toolkit, not seen there yet")
 def test_on_wayland_the_same_can_be_done(new_desktop, probe, tmp_path):
     desktop = new_desktop(wayland=True)
     desktop.tray.start()
-    desktop.start(probe, "--tray")
+    start_on_wayland(desktop, probe, "--tray")
     desktop.window.fill("Name", "Ann")
     desktop.window.press_button("Greet")
     desktop.window.wait_text("Ann, 0 letters, none, 0 black")

@@ -109,6 +109,16 @@ private slots:
         QCOMPARE(factOf(facts, "Last connected"), QStringLiteral("today, 08:00, for 6 min"));
     }
 
+    void whatThePackagesPutThereIsNobodysAccount()
+    {
+        ConnectionModel model = connectedModel();
+        model.state = ConnectionDown;
+        Surroundings around;
+        around.login = QStringLiteral("login");
+        QCOMPARE(factOf(connectionFacts(model, around, noon), "Account"),
+            QStringLiteral("not entered yet"));
+    }
+
     void theWayIntoTheInternetIsNamed_data()
     {
         QTest::addColumn<QString>("route");

@@ -151,7 +151,7 @@ private slots:
             S::Connecting, "Connecting", "asked for", A::None);
         row(
             "no modem", [](ConnectionModel &model) { model.isModemPlugged = false; }, S::Offline,
-            "Not connected", "No modem is plugged in.", A::SetUp, A::CheckUp);
+            "Not connected", "not set up yet", A::SetUp, A::CheckUp);
         row(
             "new modem",
             [](ConnectionModel &model) {
