@@ -86,3 +86,14 @@ Failure accountObjection(const QString &login, const QString &password)
                       .arg(size)
                       .arg(mostLineBytes));
 }
+
+TypedAccount typedAccount(const QString &login, const QString &password)
+{
+    const Failure ofLogin = loginObjection(login);
+    const Failure ofPassword = passwordObjection(password);
+    const bool isEachGood = !ofLogin && !ofPassword;
+    const Failure together = isEachGood ? accountObjection(login, password) : Failure();
+    return {login.isEmpty() ? QString() : ofLogin.detail,
+        password.isEmpty() ? QString() : ofPassword.detail + together.detail,
+        isEachGood && !together};
+}

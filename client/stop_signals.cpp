@@ -26,6 +26,12 @@ void StopSignals::hold()
     sigprocmask(SIG_BLOCK, &stops, nullptr);
 }
 
+void StopSignals::release()
+{
+    const sigset_t stops = stopSet();
+    sigprocmask(SIG_UNBLOCK, &stops, nullptr);
+}
+
 StopSignals::StopSignals(QObject *parent)
     : QObject(parent)
 {

@@ -13,6 +13,10 @@ public:
     /// threads before they can make one: threads inherit which signals are blocked.
     static void hold();
 
+    /// Lets them through again: for a program that this one starts, or becomes. May be called
+    /// between fork and exec.
+    static void release();
+
     /// From now on these signals only emit stopped(). Make it after the application and before the
     /// connection to the bus, which has a thread.
     explicit StopSignals(QObject *parent = nullptr);

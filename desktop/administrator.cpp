@@ -3,6 +3,7 @@
 
 #include "client/say.h"
 #include "client/translation.h"
+#include "desktop/child.h"
 
 #include <QDateTime>
 #include <QProcessEnvironment>
@@ -139,7 +140,7 @@ void Administrator::start(const QString &program, const QStringList &words, cons
     }
     m_then = then;
     m_since = QDateTime::currentMSecsSinceEpoch();
-    m_process = new QProcess(this);
+    m_process = new Child(this);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("SHELL")); // pkexec refuses one that /etc/shells lacks
     m_process->setProcessEnvironment(environment);
@@ -175,7 +176,7 @@ void Administrator::finish(const RightsAnswer &answer)
     m_process = nullptr;
     process->disconnect(this);
     // What root already runs can not be ended from here; it ends by itself.
-    process->kill(); // it has inherited that other signals are held
+    process->kill();
     if (process->state() == QProcess::NotRunning) {
         process->deleteLater();
     } else {

@@ -3,7 +3,6 @@
 
 #include "client/account_rules.h"
 #include "client/say.h"
-#include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/window/pieces.h"
 
@@ -65,19 +64,11 @@ void AccountPage::takeTyped()
     m_text->setText(objection());
 }
 
-/// Why what was typed so far can not be stored; an empty field says nothing while one types.
+/// Why what was typed so far can not be stored.
 QString AccountPage::objection() const
 {
-    const QString login = m_login->text();
-    const QString password = m_password->text();
-    Failure failure = login.isEmpty() ? Failure() : loginObjection(login);
-    if (!failure && !password.isEmpty()) {
-        failure = passwordObjection(password);
-    }
-    if (!failure && !login.isEmpty() && !password.isEmpty()) {
-        failure = accountObjection(login, password);
-    }
-    return failure.detail;
+    const TypedAccount typed = typedAccount(m_login->text(), m_password->text());
+    return typed.loginObjection.isEmpty() ? typed.passwordObjection : typed.loginObjection;
 }
 
 void AccountPage::proceed()
@@ -102,23 +93,22 @@ void AccountPage::proceed()
     }
     m_isStoring = true;
     emit storingChanged();
-    BusCall call = setupCall(SetupMethod::SetAccount, {login, password});
-    call.startsService = true;
-    controller().bus().ask(call, this, [this](const BusAnswer &answer) {
-        m_isStoring = false;
-        if (answer.ok()) {
-            m_login->clear();
-            m_password->clear();
-            m_text->clear();
-        } else {
-            m_text->setText(Say::tr("The account is not stored yet. %1")
-                                .arg(requestFailureText(answer.failure)));
-        }
-        emit storingChanged();
-        if (answer.ok()) {
-            emit goOn();
-        }
-    });
+    controller().bus().ask(
+        storeAccountCall(login, password), this, [this](const BusAnswer &answer) {
+            m_isStoring = false;
+            if (answer.ok()) {
+                m_login->clear();
+                m_password->clear();
+                m_text->clear();
+            } else {
+                m_text->setText(Say::tr("The account is not stored yet. %1")
+                                    .arg(requestFailureText(answer.failure)));
+            }
+            emit storingChanged();
+            if (answer.ok()) {
+                emit goOn();
+            }
+        });
 }
 
 } // namespace desktop

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/assistant/new_beginning.h"
 
+#include "desktop/child.h"
+
 #include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
 #include <array>
@@ -45,7 +46,9 @@ void become(const QString &sg, const HandOver &handOver)
     std::array<QByteArray, 4> words{"sg", "norvix", "-c", beginning};
     std::array<char *, 5> arguments{
         words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};
+    StopSignals::release();
     execv(path.constData(), arguments.data());
+    StopSignals::hold();
     close(file);
 }
 
@@ -61,7 +64,7 @@ void beginAnewInGroup(
     }
     // Tried with nothing first: where sg refuses, it ends, and this program would be gone. Without
     // a terminal it can not ask for the group's password.
-    auto *trial = new QProcess(receiver);
+    auto *trial = new Child(receiver);
     trial->setStandardInputFile(QProcess::nullDevice());
     const auto end = [trial, sg, handOver, failed](bool hasWorked) {
         trial->disconnect();

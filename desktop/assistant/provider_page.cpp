@@ -248,19 +248,18 @@ void ProviderPage::store()
     emit storingChanged();
     const QVariantMap values{{QStringLiteral("protocol"), draft().protocol},
         {QStringLiteral("vpi"), draft().vpi}, {QStringLiteral("vci"), draft().vci}};
-    BusCall call = setupCall(SetupMethod::SetSettings, {values});
-    call.startsService = true;
-    controller().bus().ask(call, this, [this, values](const BusAnswer &answer) {
-        m_isStoring = false;
-        emit storingChanged();
-        if (!answer.ok()) {
-            m_panel->tell(Say::tr("The values are not stored yet. %1")
-                              .arg(requestFailureText(answer.failure)));
-            return;
-        }
-        m_stored = values;
-        lookWhetherTheFileFits();
-    });
+    controller().bus().ask(
+        storeSettingsCall(values), this, [this, values](const BusAnswer &answer) {
+            m_isStoring = false;
+            emit storingChanged();
+            if (!answer.ok()) {
+                m_panel->tell(Say::tr("The values are not stored yet. %1")
+                                  .arg(requestFailureText(answer.failure)));
+                return;
+            }
+            m_stored = values;
+            lookWhetherTheFileFits();
+        });
 }
 
 /// pppd reads protocol and circuit in a file that only an administrator may change.

@@ -3,6 +3,7 @@
 
 #include "client/daemon_bus.h"
 #include "client/keeper_bus.h"
+#include "client/pppd_words.h"
 #include "dbus/contract.h"
 
 #include <QDBusError>
@@ -43,6 +44,21 @@ BusCall keeperCall(const char *method, const QVariantList &arguments)
     BusCall call
         = callOf(Bus::keeperService, Bus::keeperPath, Bus::keeperInterface, method, arguments);
     call.timeoutMs = keeperAnswerMs;
+    return call;
+}
+
+BusCall storeSettingsCall(const QVariantMap &values)
+{
+    BusCall call = setupCall(SetupMethod::SetSettings, {values});
+    call.startsService = true;
+    return call;
+}
+
+BusCall storeAccountCall(const QString &login, const QString &password)
+{
+    BusCall call
+        = setupCall(SetupMethod::SetAccount, {encodedLogin(login), encodedPassword(password)});
+    call.startsService = true;
     return call;
 }
 

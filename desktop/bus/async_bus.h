@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 #include <QVariantList>
+#include <QVariantMap>
 #include <functional>
 
 namespace desktop {
@@ -28,6 +29,11 @@ BusCall daemonCall(const char *method, const QVariantList &arguments = {});
 /// Of the daemon's object through which things are set up.
 BusCall setupCall(const char *method, const QVariantList &arguments = {});
 BusCall keeperCall(const char *method, const QVariantList &arguments = {});
+
+/// Has the daemon store these of its settings; the bus starts it for that.
+BusCall storeSettingsCall(const QVariantMap &values);
+/// The same for an account, as a person types it.
+BusCall storeAccountCall(const QString &login, const QString &password);
 
 struct BusAnswer
 {

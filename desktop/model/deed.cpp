@@ -7,86 +7,48 @@ namespace desktop {
 
 namespace {
 
+Deed deedThat(
+    DeedKind kind, const QString &button, const QString &how, const QStringList &commands = {})
+{
+    return {kind, button, Action::None, AssistantStep::Permission, Verb::Look, how, commands};
+}
+
 Deed showHow(const QString &how, const QStringList &commands = {})
 {
-    Deed deed;
-    deed.kind = DeedKind::ShowHow;
-    deed.button = commands.isEmpty() ? Say::tr("What to do…") : Say::tr("Show command…");
-    deed.how = how;
-    deed.commands = commands;
-    return deed;
+    return deedThat(DeedKind::ShowHow,
+        commands.isEmpty() ? Say::tr("What to do…") : Say::tr("Show command…"), how, commands);
 }
 
 /// Where a person weighs one thing against another.
 Deed showChoice(const QString &how, const QStringList &commands = {})
 {
-    Deed deed = showHow(how, commands);
-    deed.button = Say::tr("How to choose…");
-    return deed;
+    return deedThat(DeedKind::ShowHow, Say::tr("How to choose…"), how, commands);
 }
 
 Deed openPage(Action page, const QString &button, const QString &how)
 {
-    Deed deed = showHow(how);
-    deed.kind = DeedKind::OpenPage;
+    Deed deed = deedThat(DeedKind::OpenPage, button, how);
     deed.page = page;
-    deed.button = button;
     return deed;
 }
 
 Deed openAssistant(AssistantStep step, const QString &button, const QString &how)
 {
-    Deed deed = showHow(how);
-    deed.kind = DeedKind::OpenAssistant;
+    Deed deed = deedThat(DeedKind::OpenAssistant, button, how);
     deed.step = step;
-    deed.button = button;
     return deed;
 }
 
 Deed withRights(Verb verb, const QString &button, const QString &how)
 {
-    Deed deed = showHow(how, {commandFor(verb)});
-    deed.kind = DeedKind::Rights;
+    Deed deed = deedThat(DeedKind::Rights, button, how, {commandFor(verb)});
     deed.verb = verb;
-    deed.button = button;
     return deed;
-}
-
-Deed simple(
-    DeedKind kind, const QString &button, const QString &how, const QStringList &commands = {})
-{
-    Deed deed = showHow(how, commands);
-    deed.kind = kind;
-    deed.button = button;
-    return deed;
-}
-
-Deed mendFiles(const QString &button, const QString &how)
-{
-    return withRights(Verb::MendFiles, button, how);
-}
-
-Deed setLine()
-{
-    return openPage(Action::CheckLine, Say::tr("Set the line…"),
-        Say::tr("Set VPI, VCI and protocol as your provider's letter says."));
-}
-
-Deed checkLine()
-{
-    return openPage(Action::CheckLine, Say::tr("Check line…"),
-        Say::tr("Compare VPI, VCI and protocol with your provider's letter."));
 }
 
 Deed showModem(const QString &how)
 {
     return openAssistant(AssistantStep::Modem, Say::tr("Look at the modem…"), how);
-}
-
-Deed setAccount()
-{
-    return openPage(Action::CheckAccount, Say::tr("Set the account…"),
-        Say::tr("Enter login and password as your provider's letter says."));
 }
 
 Deed installFromDistribution(const QString &how, const QString &packages)
@@ -106,7 +68,7 @@ Deed deedOf(const Remedy &remedy)
         return showHow(Say::tr("Start the system bus, or the computer anew."),
             {QStringLiteral("sudo systemctl start dbus")});
     case RemedyKind::StartDaemon:
-        return simple(DeedKind::StartDaemon, Say::tr("Start the daemon"),
+        return deedThat(DeedKind::StartDaemon, Say::tr("Start the daemon"),
             Say::tr("Start the daemon."), {commandFor(Verb::StartDaemon)});
     case RemedyKind::RestartDaemon:
         return withRights(Verb::RestartDaemon, Say::tr("Restart the daemon…"),
@@ -122,11 +84,11 @@ Deed deedOf(const Remedy &remedy)
         return withRights(Verb::CreateGroup, Say::tr("Create the group…"),
             Say::tr("Create the group norvix; then join it."));
     case RemedyKind::JoinGroup:
-        return simple(DeedKind::Join, Say::tr("Let me use it…"),
+        return deedThat(DeedKind::Join, Say::tr("Let me use it…"),
             Say::tr("Join the group norvix, then log in again."),
             {commandToJoin(QStringLiteral("$USER"))});
     case RemedyKind::LogInAgain:
-        return simple(DeedKind::UseGroupNow, Say::tr("Use it now"),
+        return deedThat(DeedKind::UseGroupNow, Say::tr("Use it now"),
             Say::tr("Start this program anew, or log out and in again."));
     case RemedyKind::LookAsRoot:
         return withRights(Verb::Look, Say::tr("Look as administrator…"),
@@ -172,10 +134,12 @@ Deed deedOf(const Remedy &remedy)
         return showHow(Say::tr("Wait a minute. If it stays so, look at the telephone cable and the "
                                "filter, then restart the modem on the page “Modem and driver”."));
     case RemedyKind::SetLine:
-        return setLine();
+        return openPage(Action::CheckLine, Say::tr("Set the line…"),
+            Say::tr("Set VPI, VCI and protocol as your provider's letter says."));
     case RemedyKind::CheckLine:
     case RemedyKind::CheckLineAndBridge:
-        return checkLine();
+        return openPage(Action::CheckLine, Say::tr("Check line…"),
+            Say::tr("Compare VPI, VCI and protocol with your provider's letter."));
     case RemedyKind::CheckModem:
         return showModem(Say::tr("Plug the modem in, and look whether its driver is there."));
     case RemedyKind::InstallPppd:
@@ -192,9 +156,10 @@ Deed deedOf(const Remedy &remedy)
     }
     case RemedyKind::CreatePeer:
     case RemedyKind::PlacePeer:
-        return mendFiles(Say::tr("Put it there…"), Say::tr("Let the shipped file be put there."));
+        return withRights(Verb::MendFiles, Say::tr("Put it there…"),
+            Say::tr("Let the shipped file be put there."));
     case RemedyKind::ReplacePeer:
-        return mendFiles(Say::tr("Put yours in place…"),
+        return withRights(Verb::MendFiles, Say::tr("Put yours in place…"),
             Say::tr("The shipped file is put in place of one that nobody has edited. One that "
                     "somebody has edited is left alone: correct it by hand; the manual page "
                     "norvix-daemon(8) shows one that works."));
@@ -207,15 +172,16 @@ Deed deedOf(const Remedy &remedy)
                                   "the peer file below /etc/ppp/peers and at the daemon's setting "
                                   "pppd_arguments; the log names the option."));
     case RemedyKind::AddNoauth:
-        return mendFiles(Say::tr("Mend…"),
+        return withRights(Verb::MendFiles, Say::tr("Mend…"),
             Say::tr("The line “noauth” is missing. A file that somebody has edited is left alone: "
                     "add the line to the peer file below /etc/ppp/peers by hand."));
     case RemedyKind::MendSecrets:
-        return mendFiles(Say::tr("Put yours first…"),
+        return withRights(Verb::MendFiles, Say::tr("Put yours first…"),
             Say::tr("Let the account's entry be put first, readable for root only."));
     case RemedyKind::SetAccount:
     case RemedyKind::SetAccountAgain:
-        return setAccount();
+        return openPage(Action::CheckAccount, Say::tr("Set the account…"),
+            Say::tr("Enter login and password as your provider's letter says."));
     case RemedyKind::WaitForResolver:
         return showHow(Say::tr("The daemon writes the name servers at the next connection."));
     case RemedyKind::EndOtherConnection:
@@ -275,7 +241,7 @@ Deed deedOf(const Remedy &remedy)
             {QStringLiteral("sudo usermod -a -G norvix norvix-keeper"),
                 QStringLiteral("sudo systemctl restart norvix-keeper")});
     case RemedyKind::Connect:
-        return simple(DeedKind::Connect, Say::tr("Connect"), Say::tr("Connect again."));
+        return deedThat(DeedKind::Connect, Say::tr("Connect"), Say::tr("Connect again."));
     case RemedyKind::ConnectLater:
         return showHow(Say::tr("Wait for the line to come back, then connect again."));
     }

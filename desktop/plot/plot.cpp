@@ -124,19 +124,19 @@ struct Plot::Painter
     void axes()
     {
         painter.fillRect(scale.area, colours.ground);
+        marks();
+        if (isEmpty(content)) {
+            return; // nothing is counted, and lines would strike out the words
+        }
         const double labelRoom = placed(scale.area).left() - gap();
         for (const double value : scale.values.lines()) {
             const double y = scale.yOf(value);
             painter.setPen(QPen(colours.line, std::max(1.0, lineWidth / 2)));
             painter.drawLine(QPointF(scale.area.left(), y), QPointF(scale.area.right(), y));
-            if (isEmpty(content)) {
-                continue; // they would count nothing
-            }
             text(placed(QRectF(0, y - metrics.height() / 2, labelRoom, metrics.height())),
                 Qt::AlignVCenter | (scale.isMirrored ? Qt::AlignLeft : Qt::AlignRight),
                 scale.values.label(value), colours.mutedText);
         }
-        marks();
     }
 
     void marks()

@@ -69,8 +69,11 @@ void Presence::start(bool isBackground)
 
 void Presence::showWindow(const QString &token)
 {
+    // A toolkit for Wayland that knows such tokens looks for it there. On X it takes none from a
+    // program that runs already, so that the window manager alone decides.
+    constexpr char variable[] = "XDG_ACTIVATION_TOKEN";
     if (!token.isEmpty()) {
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8()); // the toolkit takes it from there
+        qputenv(variable, token.toUtf8());
     }
     if (m_window.isMinimized()) {
         m_window.showNormal();
@@ -78,6 +81,7 @@ void Presence::showWindow(const QString &token)
     m_window.show();
     m_window.raise();
     m_window.activateWindow();
+    qunsetenv(variable); // it is for this window once, and not for programs that are started later
 }
 
 void Presence::takeHost(bool isThere)

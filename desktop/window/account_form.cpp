@@ -47,8 +47,12 @@ AccountForm::AccountForm(Controller &controller, QWidget *parent)
     form->addRow(QString(), m_store);
     alignNames(form);
 
-    connect(m_login, &QLineEdit::textEdited, this, &AccountForm::judge);
-    connect(m_password, &QLineEdit::textEdited, this, &AccountForm::judge);
+    // Not textEdited: what dictation or a screen reader writes is a person's, too.
+    connect(m_login, &QLineEdit::textChanged, this, [this] {
+        m_isLoginEdited = true;
+        judge();
+    });
+    connect(m_password, &QLineEdit::textChanged, this, &AccountForm::judge);
     connect(m_login, &QLineEdit::returnPressed, m_store, &QPushButton::click);
     connect(m_password, &QLineEdit::returnPressed, m_store, &QPushButton::click);
     connect(m_store, &QPushButton::clicked, this, &AccountForm::store);
@@ -65,33 +69,25 @@ void AccountForm::askForLogin()
     m_controller.bus().ask(
         daemonCall(DaemonMethod::getLoginAndPassword), this, [this](const BusAnswer &answer) {
             const QStringList account = answer.value().toStringList();
-            if (answer.ok() && !m_login->isModified() && !account.isEmpty()) {
+            if (answer.ok() && !m_isLoginEdited && !account.isEmpty()) {
+                const QSignalBlocker blocker(m_login);
                 m_login->setText(decodedWord(account.constFirst()));
             }
         });
 }
 
-/// What is not allowed is said while it is typed; that a field is still empty is not.
 void AccountForm::judge()
 {
-    const QString login = m_login->text();
     const QString password = m_password->text();
-    const Failure loginFailure = loginObjection(login);
-    const Failure passwordFailure = passwordObjection(password);
-    m_loginError->complain(login.isEmpty() ? QString() : loginFailure.detail);
-    QString objection = password.isEmpty() ? QString() : passwordFailure.detail;
-    const bool isEachGood = !loginFailure && !passwordFailure;
-    const Failure together = isEachGood ? accountObjection(login, password) : Failure();
-    if (together) {
-        objection = together.detail;
-    }
-    m_passwordError->complain(objection);
+    const TypedAccount typed = typedAccount(m_login->text(), password);
+    m_loginError->complain(typed.loginObjection);
+    m_passwordError->complain(typed.passwordObjection);
     m_outcome->inform(QString());
     m_reveal->setEnabled(!password.isEmpty());
     if (password.isEmpty()) {
         m_reveal->setChecked(false);
     }
-    m_store->setEnabled(isEachGood && !together && !m_isStoring);
+    m_store->setEnabled(typed.canBeStored && !m_isStoring);
 }
 
 void AccountForm::store()
@@ -101,9 +97,7 @@ void AccountForm::store()
     m_outcome->inform(Say::tr("The account is being stored."));
     const QString login = m_login->text();
     const QString password = m_password->text();
-    BusCall call
-        = setupCall(SetupMethod::SetAccount, {encodedLogin(login), encodedPassword(password)});
-    call.startsService = true;
+    const BusCall call = storeAccountCall(login, password);
     m_controller.bus().ask(call, this, [this, login, password](const BusAnswer &answer) {
         m_isStoring = false;
         if (!answer.ok()) {
@@ -112,9 +106,8 @@ void AccountForm::store()
             return;
         }
         if (m_login->text() == login && m_password->text() == password) {
-            m_login->setModified(false);
+            m_isLoginEdited = false;
             m_password->clear();
-            m_password->setModified(false);
         }
         judge();
         m_outcome->inform(Say::tr("The account is stored. It counts from the next connection on."));

@@ -34,6 +34,7 @@ private:
     QPushButton *m_store;
     ErrorLabel *m_outcome;
     bool m_isStoring = false;
+    bool m_isLoginEdited = false; ///< since it was last stored
 };
 
 } // namespace desktop

@@ -44,18 +44,13 @@ AutomaticForm::AutomaticForm(Controller &controller, QWidget *parent)
     m_idle->setVisible(false);
 
     // By what becomes of a switch: accessible technology toggles it without a click.
-    const auto settingsCall = [](const QVariantMap &values) {
-        BusCall call = setupCall(SetupMethod::SetSettings, {values});
-        call.startsService = true;
-        return call;
-    };
-    connect(m_boot.box, &QCheckBox::toggled, this, [this, settingsCall](bool isOn) {
-        store(m_boot, settingsCall({{QStringLiteral("connect_at_boot"), isOn}}), isOn);
+    connect(m_boot.box, &QCheckBox::toggled, this, [this](bool isOn) {
+        store(m_boot, storeSettingsCall({{QStringLiteral("connect_at_boot"), isOn}}), isOn);
     });
     // One for a modem that is adopted, one for the modem in use: nobody wants them apart.
-    connect(m_plug.box, &QCheckBox::toggled, this, [this, settingsCall](bool isOn) {
+    connect(m_plug.box, &QCheckBox::toggled, this, [this](bool isOn) {
         store(m_plug,
-            settingsCall({{QStringLiteral("connect_at_modem_plug"), isOn},
+            storeSettingsCall({{QStringLiteral("connect_at_modem_plug"), isOn},
                 {QStringLiteral("autoconnect"), isOn}}),
             isOn);
     });

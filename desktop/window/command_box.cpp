@@ -25,7 +25,7 @@ CommandBox::CommandBox(QWidget *parent)
     m_text->setAccessibleName(Say::tr("Command"));
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_text, 1);
+    row->addWidget(m_text, 1, Qt::AlignTop);
     row->addWidget(m_copy, 0, Qt::AlignTop);
     comfortable(m_copy);
     connect(m_copy, &QPushButton::clicked, this,

@@ -96,8 +96,8 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     column->addWidget(m_building);
     column->addWidget(m_progress);
     column->addWidget(m_outputTitle);
-    column->addWidget(m_output, 1);
-    column->addStretch(0); // keeps the rows together while there is no output
+    column->addWidget(m_output, 100);
+    column->addStretch(1); // keeps the rows together while there is no output
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
     connect(m_help, &QPushButton::clicked, this,

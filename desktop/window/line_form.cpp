@@ -69,7 +69,7 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     connect(m_vpi, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);
     connect(m_vci, QOverload<int>::of(&QSpinBox::valueChanged), this, &LineForm::edit);
     connect(m_protocol, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &LineForm::edit);
-    connect(m_service, &QLineEdit::textEdited, this, &LineForm::edit);
+    connect(m_service, &QLineEdit::textChanged, this, &LineForm::edit);
     connect(m_store, &QPushButton::clicked, this, &LineForm::store);
 }
 
@@ -118,9 +118,7 @@ void LineForm::store()
         {QStringLiteral("vci"), m_vci->value()},
         {QStringLiteral("protocol"), m_protocol->currentData()},
         {QStringLiteral("service"), m_service->text()}};
-    BusCall call = setupCall(SetupMethod::SetSettings, {values});
-    call.startsService = true;
-    m_controller.bus().ask(call, this, [this](const BusAnswer &answer) {
+    m_controller.bus().ask(storeSettingsCall(values), this, [this](const BusAnswer &answer) {
         m_store->setEnabled(true);
         if (!answer.ok()) {
             m_outcome->complain(requestFailureText(answer.failure));

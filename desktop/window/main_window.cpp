@@ -63,10 +63,11 @@ MainWindow::MainWindow(Controller &controller, QWidget *parent)
             new DriverPage(controller), new LogPage(controller)}) {
         add(page);
     }
-    // By what is selected: a screen reader selects without moving the keyboard's place.
+    // By what is selected: a screen reader does not move the keyboard's place with it.
     connect(m_list, &QListWidget::itemSelectionChanged, this, [this] {
         const QList<QListWidgetItem *> selected = m_list->selectedItems();
         if (!selected.isEmpty()) {
+            m_list->setCurrentItem(selected.constFirst(), QItemSelectionModel::NoUpdate);
             turnTo(m_list->row(selected.constFirst()));
         }
     });

@@ -14,9 +14,11 @@ import time
 from collections import namedtuple
 from pathlib import Path
 
+from lab.kernel import suites
+from lab.kernel.image import cache_folder, package_names
+
 REPOSITORY = Path(__file__).resolve().parents[2]
-PACKAGE_LIST = REPOSITORY / "tools/debian-packages"
-RELEASES = {"12": "bookworm", "13": "trixie"}
+RELEASES = {name: suites.CODENAMES[name] for name in ("12", "13")}
 MAKING_SECONDS, KEPT_SECONDS, LEFTOVER_SECONDS = 1800, 7 * 24 * 3600, 24 * 3600
 PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 
@@ -65,27 +67,11 @@ exec env --ignore-signal=CHLD cat
 """
 
 
-def cache_folder():
-    return Path(os.environ.get("NORVIX_LAB_CACHE") or "/var/cache/norvix-lab")
-
-
-def package_names(kind):
-    lines = PACKAGE_LIST.read_text(encoding="ascii").splitlines()
-    return [words[1] for words in map(str.split, lines) if len(words) == 2 and words[0] == kind]
-
-
 def mirror():
     """Where the host takes its packages from, in a list, so that a local mirror serves here too;
     an empty list leaves the choice to debootstrap."""
-    for file in [Path("/etc/apt/sources.list"), *Path("/etc/apt/sources.list.d").glob("*")]:
-        for line in file.read_text(encoding="utf-8").splitlines() if file.is_file() else ():
-            words = line.split()
-            if words[:1] == ["URIs:"] or (words[:1] == ["deb"] and len(words) > 2):
-                address = words[1] if words[0] == "URIs:" else next(
-                    word for word in words[1:] if "://" in word)
-                if address.rstrip("/").endswith("/debian"):
-                    return [address]
-    return []
+    address = suites.mirror(suites.host_sources(), "debian")
+    return [address] if address else []
 
 
 def prepare(release, packages):

@@ -208,8 +208,7 @@ class Element:
         self.find(role, name, {"sensitive"}).set_text(text)
 
     def select(self, name, row, role="list"):
-        """Selects a row of the list of that name, as a screen reader does: the row that the keyboard
-        is on stays another."""
+        """Selects a row of the list of that name, as a screen reader does: without the keyboard."""
         rows = self.find(role, name)
         found = self.wait(lambda: [child for child in rows.children() if fits(row, child.name)],
                           what="row %s of %s" % (row, name))[0]

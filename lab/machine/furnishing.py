@@ -57,7 +57,8 @@ def _furnish_etc(etc):
     (etc / "localtime").symlink_to("/usr/share/zoneinfo/Etc/UTC")
     (etc / "os-release").symlink_to("../usr/lib/os-release")
     (etc / "ppp/peers").mkdir(parents=True)
-    (etc / "dbus-1/system.d").mkdir(parents=True)
+    for folder in ("system.d", "services"):
+        (etc / "dbus-1" / folder).mkdir(parents=True)
     shutil.copy(HERE / "system-bus.conf", etc / "dbus-1/system.conf")
     for name in ("pap-secrets", "chap-secrets"):
         (etc / "ppp" / name).touch(0o600)

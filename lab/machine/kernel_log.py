@@ -46,9 +46,6 @@ class KernelLog:
         """A recorded log, byte for byte."""
         self.write(Path(recording).read_bytes())
 
-    def make_unreadable(self):
-        self._path.unlink(missing_ok=True)
-
 
 class RealKernelLog:
     """The machine's own kernel log: what is written to it stays there, so keep it to a few lines."""

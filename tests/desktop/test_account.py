@@ -54,6 +54,20 @@ def test_an_account_is_stored_for_pppd(world):
     assert "me@isp" in secrets(world)
 
 
+def test_what_a_screen_reader_writes_counts_as_typed(world):
+    world.open(PAGE)
+    world.window.wait(lambda: field(world, "Login").text == "login", what="the login is shown")
+    world.window.fill("Password", "@/etc")
+    world.window.wait_text(re.compile("which pppd takes for the name of a file"))
+    world.window.fill("Login", "me@isp")
+    world.window.fill("Password", "secret2")
+    world.turn_to("Log")
+    world.turn_to(PAGE)  # what is stored is asked for anew
+    world.window.press_button("Store account")
+    world.window.wait_text("The account is stored. It counts from the next connection on.")
+    assert "me@isp" in secrets(world)
+
+
 def test_what_is_not_allowed_is_said_while_typing(world):
     world.open(PAGE)
     field(world, "Login").focus()

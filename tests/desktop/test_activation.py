@@ -35,6 +35,21 @@ def test_the_launcher_shows_the_window_of_a_program_that_runs(desktop, hidden): 
     wait_shown(desktop)
 
 
+def test_the_launchers_permission_to_take_the_focus_is_handed_to_no_other_program(desktop):
+    desktop.start()
+    wait_shown(desktop)
+    desktop.bus.call_raw("Activate", "a{sv}", {"activation-token": ("s", "a-token")},
+                         interface="org.freedesktop.Application", service=NAME, path=PATH)
+    told = desktop.machine.path(desktop.home) / "told"
+    asking = desktop.machine.path(desktop.programs) / "pkexec"
+    asking.write_text("#!/bin/sh\nenv >%s/part\nmv %s/part %s/told\nexit 126\n" % ((desktop.home,) * 3))
+    asking.chmod(0o755)
+    desktop.window.select("Pages", "Check-up")
+    desktop.window.press_button("Look as administrator…", timeout=60)
+    wait_until(told.exists, what="something was started")
+    assert "a-token" not in told.read_text()
+
+
 def test_the_bus_starts_it_for_the_launcher(desktop):
     desktop.window
     desktop.install_service(REPOSITORY / "packaging/desktop/com.norvix.Desktop.service")

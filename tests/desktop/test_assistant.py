@@ -221,6 +221,15 @@ def test_what_can_not_be_stored_is_said_while_typing(computer, desktop):
     assert "shadow" not in secrets(computer.machine)[0]
 
 
+def test_a_password_with_quotes_and_backslashes_is_stored_as_pppd_reads_it(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Account")
+    desktop.window.fill("Login", "me")
+    desktop.window.fill("Password", 'pass"word\\7\\x')
+    guide.next("Connect")
+    assert secrets(computer.machine) == [r'"me" * "pass\"word\x5c7\\x" *'] * 2
+
+
 def test_values_for_the_other_protocol_come_with_a_file_that_fits_them(computer, desktop):
     machine = computer.machine
     computer.start_daemon()

@@ -174,6 +174,33 @@ def test_the_keyboard_reaches_every_control_of_the_page(world):
         "Pages" if "Connection" in order else ""}
 
 
+@pytest.mark.parametrize("factor", [1, 2])
+def test_the_rows_of_the_pages_and_every_button_can_be_hit(new_desktop, computer, factor):
+    desktop = new_desktop()
+    desktop.enlarge_fonts(factor)
+    world = WindowWorld(computer, desktop)
+    computer.start_daemon()
+    world.open()
+    rows = world.window.find("list", "Pages").children()
+    assert [row.name for row in rows[:6]] == list(PAGES)
+    assert all(row.extents[3] >= 32 for row in rows), [row.extents for row in rows]
+    for page in PAGES:
+        world.turn_to(page)
+        for button in world.window.matches("push button"):
+            assert button.extents[3] >= 32, (page, button, button.extents)
+
+
+def test_the_keyboard_goes_on_where_a_screen_reader_has_selected(world):
+    world.computer.start_daemon()
+    world.open()
+    world.window.find("list item", "Connection", {"focused"})  # the window begins there
+    world.turn_to("History")
+    world.window.find("list item", "History", {"selected", "focused"})
+    world.desktop.keys("Down")
+    world.window.find("list item", "Check-up", {"selected", "focused"})
+    world.window.find("push button", "Check again")
+
+
 def test_at_twice_the_size_everything_is_still_there(new_desktop, computer):
     desktop = new_desktop()
     desktop.enlarge_fonts(2)

@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
 """The operations that write, one a row: the table of the harness."""
 import contextlib
-import functools
 import lzma
 import re
 import shutil
@@ -11,10 +10,9 @@ from harness import FAULTS, UNDER, BusError, Operation
 
 import account
 from account import CHAP, PAP, PEER, UNICORN
-from driver_world import RELEASE, UEAGLE_MODEM, DriverWorld
-from driver_world import UNICORN as UNICORN_SOURCES
+from driver_world import DIRECT, UEAGLE_MODEM, DriverWorld, built_module
 from lab.machine import companion as hal_companion
-from lab.machine.private_machine import BUILD, REPOSITORY, USUAL_PATH, PrivateMachine
+from lab.machine.private_machine import BUILD, REPOSITORY, USUAL_PATH
 from lab.machine.pppd_script import end, link_up, out
 from lab.machine.simulated_usb import SimulatedUsb
 from lab.waiting import wait_until
@@ -213,24 +211,6 @@ def keep_log_and_start(world):
 
 
 # ---- drivers
-
-@functools.lru_cache
-def built_module():
-    """A real module, as the real makefile makes it."""
-    with PrivateMachine(private_folders=["/lib/modules"]) as machine:
-        world = DriverWorld(machine)
-        world.give_headers()
-        sources = world.tarball(UNICORN_SOURCES)
-        machine.run(["/usr/bin/tar", "-xf", "/opt/norvix/drivers/" + sources.name, "-C", "/tmp"])
-        machine.run(["/usr/bin/make", "modules"], cwd="/tmp/" + UNICORN_SOURCES)
-        return machine.path("/tmp/%s/unicorn_usb_eth.ko" % UNICORN_SOURCES).read_bytes()
-
-
-# Hidden from the adapting, it writes to the module folder itself, and fails.
-DIRECT = ("all:\n\tcp built.ko ueagle-atm.ko\ninstall:\n\trm {0}/kernel/drivers/usb/atm/*\n"
-          "\tmkdir -p {0}/extra\n\thead -c 100 built.ko > {0}/extra/ueagle-atm.ko\n"
-          "\t/usr/sbin/depmod -a\n\texit 3\n").format("/lib/./modules/" + RELEASE)
-
 
 def driver(makefile=None):
     def prepare(world):

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Units and the like as they are shipped, and the programs that judge them."""
 import configparser
+import re
 import subprocess
 from pathlib import Path
 
@@ -17,3 +18,10 @@ def run(*command):
     """What a program of the host says, errors included."""
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                           timeout=60, check=False)
+
+
+def exposure(unit):
+    """What systemd thinks of a unit: the level, as text, and the switches that are off."""
+    told = run("systemd-analyze", "security", "--offline=true", "--no-pager", str(unit)).stdout
+    [level] = re.findall(r"Overall exposure level for %s: ([0-9.]+)" % re.escape(unit.name), told)
+    return level, re.findall(r"(?m)^✗ (\w+)=", told)

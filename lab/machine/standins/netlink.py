@@ -7,7 +7,7 @@ import struct
 
 NEWLINK, DELLINK, NEWADDR, NEWROUTE = 16, 17, 20, 24
 REQUEST, ACK, CREATE, EXCL = 0x1, 0x4, 0x400, 0x200
-IFLA_ADDRESS, IFLA_IFNAME, IFLA_MTU, IFLA_LINKINFO, IFLA_NET_NS_PID = 1, 3, 4, 18, 19
+IFLA_ADDRESS, IFLA_IFNAME, IFLA_LINKINFO, IFLA_NET_NS_PID = 1, 3, 18, 19
 IFLA_INFO_KIND, IFLA_INFO_DATA, VETH_INFO_PEER = 1, 2, 1
 IFA_ADDRESS, IFA_LOCAL, RTA_OIF = 1, 2, 4
 IFF_UP, IFF_NOARP = 0x1, 0x80
@@ -55,10 +55,6 @@ class Netlink:
     def set_up(self, interface, without_arp=False):
         flags = IFF_UP | (IFF_NOARP if without_arp else 0)
         self._ask(NEWLINK, 0, self._link_message(self.index(interface), flags, flags))
-
-    def set_mtu(self, interface, mtu):
-        self._ask(NEWLINK, 0, self._link_message(self.index(interface))
-                  + attribute(IFLA_MTU, struct.pack("I", mtu)))
 
     def delete(self, interface):
         self._ask(DELLINK, 0, self._link_message(self.index(interface)))

@@ -10,12 +10,6 @@ from lab.machine.pppd_script import end, err, link_up, out, stay
 MEGABYTE = 1 << 20
 
 
-def memory_kb(machine, pid):
-    """What the daemon holds of memory of its own."""
-    text = machine.read("/proc/%d/smaps_rollup" % pid).decode()
-    return int(next(line for line in text.splitlines() if line.startswith("Private_Dirty")).split()[1])
-
-
 def missing(log):
     """How many bytes the log has left out."""
     found = re.search(r"writeLog\(\): (\d+) bytes of this attempt are left out here", log)
@@ -104,11 +98,11 @@ def test_100000_lines_at_once_are_logged_in_order_while_calls_are_answered(bus_m
 def test_a_flood_that_never_ends_does_not_fill_the_memory(bus_machine):
     daemon, client = establish(bus_machine, [out("y" * 1000 + "\n", repeat=1000)] * 100 + [stay()])
     bus_machine.wait_call("pppd")
-    before = memory_kb(bus_machine, daemon.pid)
+    before = bus_machine.memory_kb(daemon.pid)
     deadline = time.monotonic() + 60
     while missing(bus_machine.daemon_log()) < 60 * MEGABYTE and time.monotonic() < deadline:
         assert client.call("reply") is True
-        assert memory_kb(bus_machine, daemon.pid) - before < 40 * 1024
+        assert bus_machine.memory_kb(daemon.pid) - before < 40 * 1024
 
 
 def test_a_pppd_that_says_nothing_can_be_ended(bus_machine):

@@ -68,13 +68,6 @@ def test_a_line_that_never_comes_up_is_a_failed_synchronisation(machine_up):
     assert "telephone cable" in words(process.errors())
 
 
-def test_a_silent_provider_is_a_time_out(machine_up):
-    result = one_attempt(machine_up, [out("Plugin pppoe.so loaded.\n"),
-                                      out("Timeout waiting for PADO packets\n"), stay()])
-    assert result.status == NO_ANSWER
-    assert "the provider does not answer" in words(result.stderr)
-
-
 def test_a_refused_account_is_named(machine_up):
     machine_up.pppd.play("c1-chap-wrong-password")
     result = Ctl(machine_up)("connect", "--wait")
@@ -82,23 +75,18 @@ def test_a_refused_account_is_named(machine_up):
     assert "norvixctl account set" in words(result.stderr)
 
 
-def test_an_attempt_that_ends_otherwise_is_explained_by_pppds_lines(machine_up):
-    result = one_attempt(machine_up, [out("Plugin pppoatm.so loaded.\n"),
-                                      out("connect(8.35): No such device\n"), end(1)])
-    assert result.status == NOT_CONNECTED
-    assert "There is no ATM device" in words(result.stderr)
-
-
-def test_an_attempt_that_ends_without_a_word_leads_to_the_check(machine_up):
-    result = one_attempt(machine_up, [end(1)])
-    assert result.status == NOT_CONNECTED
-    assert "norvixctl doctor" in words(result.stderr)
-
-
-def test_the_time_given_runs_out(machine_up):
-    result = one_attempt(machine_up, [wait_for("never")], "--timeout", "1")
-    assert result.status == TOO_LONG
-    assert "Still connecting" in words(result.stderr)
+@pytest.mark.parametrize("steps, options, status, told", [
+    ([out("Plugin pppoe.so loaded.\n"), out("Timeout waiting for PADO packets\n"), stay()], [],
+     NO_ANSWER, "the provider does not answer"),
+    ([out("Plugin pppoatm.so loaded.\n"), out("connect(8.35): No such device\n"), end(1)], [],
+     NOT_CONNECTED, "There is no ATM device"),
+    ([end(1)], [], NOT_CONNECTED, "norvixctl doctor"),
+    ([wait_for("never")], ["--timeout", "1"], TOO_LONG, "Still connecting")],
+    ids=["silent provider", "explained by pppd's lines", "without a word", "out of time"])
+def test_an_attempt_that_comes_to_nothing_says_why(machine_up, steps, options, status, told):
+    result = one_attempt(machine_up, steps, *options)
+    assert result.status == status
+    assert told in words(result.stderr)
 
 
 def test_an_attempt_that_another_client_ends_is_reported(machine_up):
@@ -126,7 +114,7 @@ def test_connecting_needs_a_daemon(bus_machine):
 def test_connecting_is_for_the_group_only(machine_up):
     machine_up.pppd.script(link_up(device="8.35") + [stay()])
     refused = Ctl(machine_up, uid=1000)("connect")
-    assert (refused.status, "usermod -a -G" in " ".join(refused.stderr.split())) == (NOT_PERMITTED, True)
+    assert (refused.status, "usermod -a -G" in words(refused.stderr)) == (NOT_PERMITTED, True)
     assert Ctl(machine_up, uid=1000, groups=[NORVIX_GROUP])("connect", "--wait").status == OK
 
 

@@ -186,23 +186,17 @@ def test_the_installed_description_is_well_formed():
     assert [child.get("name") for child in node] == [INTERFACE]
 
 
-def memory_kb(machine, daemon):
-    """What the daemon holds of memory of its own."""
-    text = machine.read("/proc/%d/smaps_rollup" % daemon.pid).decode()
-    return int(next(line for line in text.splitlines() if line.startswith("Private_Dirty")).split()[1])
-
-
 @pytest.mark.skipif(ADDRESS_SANITIZER, reason="the memory checker keeps freed memory on purpose")
 def test_the_memory_that_large_calls_took_is_given_back(bus_machine):
     daemon = bus_machine.start_daemon()
     client = bus_machine.client()
     client.call("reply")
-    before = memory_kb(bus_machine, daemon)
+    before = bus_machine.memory_kb(daemon.pid)
     others = [bus_machine.client() for _ in range(4)]
     calls = [other.start_call("getIP", "s", "y" * 20_000_000) for other in others]
     for other, call in zip(others, calls):
         with contextlib.suppress(BusError):  # the bus may find that so much is too much
             other.finish_call(call)
     client.call("reply")
-    wait_until(lambda: memory_kb(bus_machine, daemon) < before + 4096, what="the memory is given back",
-               detail=lambda: "%d kB, %d kB before" % (memory_kb(bus_machine, daemon), before))
+    wait_until(lambda: bus_machine.memory_kb(daemon.pid) < before + 4096, what="the memory is given back",
+               detail=lambda: "%d kB, %d kB before" % (bus_machine.memory_kb(daemon.pid), before))

@@ -9,10 +9,9 @@ import time
 
 import pytest
 
-from driver_world import (EXTRA, HALT, RELEASE, SPEEDTOUCH_MODEM, TREE, UEAGLE, UNICORN,
-                          UNICORN_MODEM, DriverWorld, kernel_headers, quick)
+from driver_world import (DIRECT, EXTRA, HALT, RELEASE, SPEEDTOUCH_MODEM, TREE, UEAGLE, UNICORN,
+                          UNICORN_MODEM, DriverWorld, built_module, kernel_headers, quick)
 from machine_fixtures import ROOT_ONLY
-from lab.machine.private_machine import PrivateMachine
 from lab.waiting import wait_until
 
 # Root owns nothing of the host's in a user namespace, so there no tarball is ever trusted.
@@ -27,15 +26,7 @@ NOT_INSTALLED = "CompilerThread::run(): driver installation failed!"
 
 @pytest.fixture(scope="module")
 def built():
-    """A real module, as the real makefile makes it."""
-    with PrivateMachine(private_folders=["/lib/modules"]) as machine:
-        world = DriverWorld(machine)
-        world.give_headers()
-        sources = world.tarball(UNICORN)
-        machine.run(["/usr/bin/tar", "-xf", "/opt/norvix/drivers/" + sources.name, "-C", "/tmp"])
-        made = machine.run(["/usr/bin/make", "modules"], cwd="/tmp/" + UNICORN)
-        assert made.status == 0, made.stdout + made.stderr
-        return machine.path("/tmp/%s/unicorn_usb_eth.ko" % UNICORN).read_bytes()
+    return built_module()
 
 
 @pytest.fixture
@@ -208,11 +199,7 @@ def test_a_failed_compilation_leaves_the_installed_module_alone(world, built, in
 
 
 def test_a_failed_install_is_undone(world, built, installed):
-    direct = ("all:\n\tcp built.ko ueagle-atm.ko\ninstall:\n\trm {0}/kernel/drivers/usb/atm/*\n"
-              "\tmkdir -p {0}/extra\n\thead -c 100 built.ko > {0}/extra/ueagle-atm.ko\n"
-              "\t/usr/sbin/depmod -a\n\texit 3\n")
-    # Hidden from the adapting, it writes to the module folder itself.
-    world.quick_tarball(built, direct.format("/lib/./modules/" + RELEASE))
+    world.quick_tarball(built, DIRECT)
     _, client = world.start()
     failed(world, client, installed, NOT_INSTALLED)
     assert not (world.tree / "extra").exists()

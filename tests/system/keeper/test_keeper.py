@@ -126,14 +126,9 @@ def test_a_link_lost_while_nobody_looked_comes_back(world):
 
 def test_a_stopped_daemon_is_never_started(machine):
     world = World(machine)
-    services = machine.path("/etc/dbus-1/services")
-    services.mkdir()
-    (services / "com.norvix.Daemon.service").write_text(
+    machine.path("/etc/dbus-1/services/com.norvix.Daemon.service").write_text(
         "[D-BUS Service]\nName=com.norvix.Daemon\nExec=/usr/bin/touch /run/lab/started\nUser=root\n",
         encoding="ascii")
-    machine.path("/etc/dbus-1/system.d/services.conf").write_text(
-        "<busconfig><servicedir>/etc/dbus-1/services</servicedir></busconfig>", encoding="ascii")
-    world.client.call_bus("ReloadConfig")
     world.start_keeper()
     world.connect()
     world.daemon.stop()

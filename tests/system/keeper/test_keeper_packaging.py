@@ -1,12 +1,11 @@
 # SPDX-License-Identifier: MIT
 """The files with which norvix-keeper is installed: user, unit, policy, settings, manual."""
-import configparser
 import re
 from pathlib import Path
 
 from lab.machine import keeper_service
 from lab.machine.keeper_service import NAME, PROGRAM, USER
-from shipped_files import run
+from shipped_files import exposure, run, settings
 
 PACKAGING = keeper_service.REPOSITORY / "packaging"
 DOCUMENTS = keeper_service.REPOSITORY / "docs"
@@ -22,23 +21,17 @@ def text(file):
 
 
 def service():
-    parser = configparser.ConfigParser(strict=False, interpolation=None)
-    parser.optionxform = str
-    parser.read_string(text(UNIT))
-    return parser["Service"]
+    return settings(UNIT)["Service"]
 
 
 def test_the_unit_exposes_next_to_nothing():
-    result = run("systemd-analyze", "security", "--offline=true", "--no-pager", str(UNIT))
-    [level] = re.findall(r"Overall exposure level for norvix-keeper.service: ([0-9.]+)", result.stdout)
-    assert float(level) <= 1.0, result.stdout
+    level, off = exposure(UNIT)
+    assert float(level) <= 1.0, off
 
 
 def test_a_reason_stands_beside_each_switch_that_is_off():
-    result = run("systemd-analyze", "security", "--offline=true", "--no-pager", str(UNIT))
-    off = set(re.findall(r"(?m)^✗ (\w+)=", result.stdout))
     # These follow from others: sockets of the bus and the kernel, and what a closed policy still has.
-    off -= {"RestrictAddressFamilies", "DeviceAllow"}
+    off = set(exposure(UNIT)[1]) - {"RestrictAddressFamilies", "DeviceAllow"}
     comments = "".join(line for line in text(UNIT).splitlines() if line.startswith("#"))
     assert [switch for switch in off if switch not in comments] == []
 

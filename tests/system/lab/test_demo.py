@@ -219,16 +219,19 @@ def processes_of(demo, name):
     return found
 
 
-def test_a_daemon_that_dies_is_an_error():
+@pytest.mark.parametrize("program, moment, told", [
+    ("norvix-daemon", "connectionEstablished", "the daemon has ended by itself"),
+    ("norvix-hald", "norvix-hald", "norvix-hald has ended by itself")])
+def test_a_program_that_dies_is_an_error(program, moment, told):
     demo = start("--seconds", "30", "--protocol", "pppoa")
     for line in demo.stdout:
-        if "connectionEstablished" in line:
+        if moment in line:
             break
-    [daemon] = processes_of(demo, "norvix-daemon")
-    os.kill(daemon, signal.SIGKILL)
-    told = ending(demo)
+    [process] = processes_of(demo, program)
+    os.kill(process, signal.SIGKILL)
+    rest = ending(demo)
     assert demo.returncode == 1
-    assert "the daemon has ended by itself" in told
+    assert told in rest
     assert leftovers(demo.pid) == []
 
 
@@ -250,19 +253,6 @@ def test_a_build_tree_in_which_nothing_is_built_is_an_error():
     assert "/nonexistent/lab/standin is not built" in failed.stderr
 
 
-def test_a_companion_that_dies_is_an_error():
-    demo = start("--seconds", "30")
-    for line in demo.stdout:
-        if "norvix-hald" in line:
-            break
-    [companion] = processes_of(demo, "norvix-hald")
-    os.kill(companion, signal.SIGKILL)
-    told = ending(demo)
-    assert demo.returncode == 1
-    assert "norvix-hald has ended by itself" in told
-    assert leftovers(demo.pid) == []
-
-
 def test_help_names_every_option():
     told = subprocess.run([REPOSITORY / "demo", "--help"], capture_output=True, text=True, check=True)
     for family in NAMES:
@@ -274,18 +264,12 @@ def test_help_names_every_option():
         assert option in told.stdout
 
 
-def test_a_modem_without_atm_can_not_do_ppp_over_atm():
-    demo = start("--modem", "unicorn", "--protocol", "pppoa")
-    told, _ = demo.communicate(timeout=PATIENCE)
+@pytest.mark.parametrize("options, told", [
+    (["--modem", "unicorn", "--protocol", "pppoa"], "Ethernet interface of its own"), (["--protocol", "x25"], "x25")])
+def test_what_no_demo_can_do_is_refused(options, told):
+    demo = start(*options)
+    assert told in demo.communicate(timeout=PATIENCE)[0]
     assert demo.returncode == 2
-    assert "Ethernet interface of its own" in told
-
-
-def test_an_unknown_option_is_refused():
-    demo = start("--protocol", "x25")
-    told, _ = demo.communicate(timeout=PATIENCE)
-    assert demo.returncode == 2
-    assert "x25" in told
 
 
 def test_a_line_that_never_comes_up_is_given_up(plays):

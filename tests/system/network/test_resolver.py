@@ -204,12 +204,12 @@ def test_programs_then_ask_the_servers_that_were_written(line, resolv):
     the secondary is asked."""
     resolv.write_text("options timeout:1 attempts:1\n" + WRONG, encoding="ascii")
     assert line.connect() == REPAIR
-    script = line.machine.path("/opt/norvix/name_server.py")
-    shutil.copy(Path(__file__).parents[1].joinpath("name_server.py"), script)
+    script = line.machine.path("/opt/norvix/fake_name_server.py")
+    shutil.copy(Path(__file__).parents[1].joinpath("fake_name_server.py"), script)
     servers = []
     for address in SERVERS:
         run(line.machine, "/usr/sbin/ip", "addr", "add", address + "/32", "dev", "lo")
-        server = line.machine.spawn(["/usr/bin/python3", "/opt/norvix/name_server.py", address])
+        server = line.machine.spawn(["/usr/bin/python3", "/opt/norvix/fake_name_server.py", address])
         wait_until(lambda: "ready" in server.output(), what="the name server", detail=server.errors)
         servers.append(server)
 

@@ -67,6 +67,26 @@ class ClientAccountTest : public QObject
     Q_OBJECT
 
 private slots:
+    void whileOneTypesNothingIsSaidOfAnEmptyField()
+    {
+        const QString good = QStringLiteral("me");
+        const QString bad = QStringLiteral("a\nb");
+        TypedAccount typed = typedAccount(QString(), QString());
+        QVERIFY(typed.loginObjection.isEmpty() && typed.passwordObjection.isEmpty());
+        QVERIFY(!typed.canBeStored);
+        QVERIFY(typedAccount(good, good).canBeStored);
+        typed = typedAccount(bad, QString());
+        QVERIFY(!typed.loginObjection.isEmpty() && typed.passwordObjection.isEmpty());
+        typed = typedAccount(good, bad);
+        QVERIFY(typed.loginObjection.isEmpty() && !typed.passwordObjection.isEmpty());
+        QVERIFY(!typed.canBeStored);
+        const QString fifty(50, QLatin1Char('x'));
+        typed = typedAccount(fifty, fifty);
+        QVERIFY2(typed.passwordObjection.contains(QLatin1String("line of")),
+            qPrintable(typed.passwordObjection));
+        QVERIFY(!typed.canBeStored);
+    }
+
     void harmfulValuesAreRefused_data()
     {
         QTest::addColumn<QString>("value");

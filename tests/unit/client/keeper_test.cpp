@@ -4,6 +4,7 @@
 #include "client/keeper_state.h"
 #include "client/traffic_plan.h"
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QSet>
 #include <QTest>
@@ -94,9 +95,9 @@ private slots:
 
     void whoLacksStateWantedOrKeepIsNoKeeper_data()
     {
-        QTest::addColumn<QString>("key");
+        const auto row = table<QString>("key");
         for (const char *key : {"State", "Wanted", "Keep"}) {
-            QTest::newRow(key) << key;
+            row(key, QString::fromLatin1(key));
         }
     }
     void whoLacksStateWantedOrKeepIsNoKeeper()
@@ -112,11 +113,11 @@ private slots:
 
     void aPropertyOfAWrongTypeCountsAsOneThatIsMissing_data()
     {
-        QTest::addColumn<QString>("key");
+        const auto row = table<QString>("key");
         for (const char *key : KeeperProperty::all) {
             const QString name = QLatin1String(key);
             if (name != "State" && name != "Wanted" && name != "Keep") {
-                QTest::newRow(key) << name;
+                row(key, name);
             }
         }
     }
@@ -138,13 +139,12 @@ private slots:
 
     void aTimeThatCannotBeIsNone_data()
     {
-        QTest::addColumn<QVariant>("time");
-        QTest::newRow("before the beginning") << QVariant(qint64(-5));
-        QTest::newRow("after the year 9999") << QVariant(qint64(253402300800));
-        QTest::newRow("the largest") << QVariant(std::numeric_limits<qint64>::max());
-        QTest::newRow("the largest without a sign")
-            << QVariant(std::numeric_limits<quint64>::max());
-        QTest::newRow("text") << QVariant("1763800000");
+        const auto row = table<QVariant>("time");
+        row("before the beginning", QVariant(qint64(-5)));
+        row("after the year 9999", QVariant(qint64(253402300800)));
+        row("the largest", QVariant(std::numeric_limits<qint64>::max()));
+        row("the largest without a sign", QVariant(std::numeric_limits<quint64>::max()));
+        row("text", QVariant("1763800000"));
     }
     void aTimeThatCannotBeIsNone()
     {
@@ -283,10 +283,10 @@ private slots:
 
     void aDayThatIsNoneIsLeftOut_data()
     {
-        QTest::addColumn<QString>("day");
+        const auto row = table<QString>("day");
         for (const char *day : {"", "2026-02-30", "2026-1-1", "2026-11-21x", "21.11.2026",
                  "2026-11-21T10:00", "today"}) {
-            QTest::newRow(day) << day;
+            row(day, QString::fromLatin1(day));
         }
     }
     void aDayThatIsNoneIsLeftOut()
@@ -319,15 +319,14 @@ private slots:
 
     void aFigureThatCannotBeIsLeftOutOfItsSample_data()
     {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<double>("figure");
-        QTest::newRow("more than always") << "carrier" << 1.5;
-        QTest::newRow("less than never") << "carrier" << -0.1;
-        QTest::newRow("a rate below none") << "down_rate" << -1.0;
-        QTest::newRow("a rate of light") << "up_rate" << 1e12;
-        QTest::newRow("a margin of nothing real") << "down_margin" << 1e6;
-        QTest::newRow("no number") << "up_margin" << std::numeric_limits<double>::quiet_NaN();
-        QTest::newRow("fewer errors than none") << "down_errors" << -1.0;
+        const auto row = table<QString, double>("key", "figure");
+        row("more than always", "carrier", 1.5);
+        row("less than never", "carrier", -0.1);
+        row("a rate below none", "down_rate", -1.0);
+        row("a rate of light", "up_rate", 1e12);
+        row("a margin of nothing real", "down_margin", 1e6);
+        row("no number", "up_margin", std::numeric_limits<double>::quiet_NaN());
+        row("fewer errors than none", "down_errors", -1.0);
     }
     void aFigureThatCannotBeIsLeftOutOfItsSample()
     {
@@ -409,23 +408,17 @@ private slots:
 
     void failuresOfCallsAreTheKeepers_data()
     {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<bool>("isInstalled");
-        QTest::addColumn<int>("keepers");
-        QTest::newRow("none") << int(FailureKind::None) << true << int(FailureKind::None);
-        QTest::newRow("nobody") << int(FailureKind::NoDaemon) << true
-                                << int(FailureKind::KeeperStopped);
-        QTest::newRow("not installed")
-            << int(FailureKind::NoDaemon) << false << int(FailureKind::KeeperMissing);
-        QTest::newRow("hanging") << int(FailureKind::NoAnswer) << true
-                                 << int(FailureKind::KeeperNoAnswer);
-        QTest::newRow("an error") << int(FailureKind::DaemonError) << true
-                                  << int(FailureKind::KeeperError);
-        QTest::newRow("no bus") << int(FailureKind::NoBus) << true << int(FailureKind::NoBus);
-        QTest::newRow("refused by the bus")
-            << int(FailureKind::NotPermitted) << true << int(FailureKind::NotPermitted);
-        QTest::newRow("a value refused")
-            << int(FailureKind::KeeperRefused) << true << int(FailureKind::KeeperRefused);
+        const auto row = table<int, bool, int>("kind", "isInstalled", "keepers");
+        row("none", int(FailureKind::None), true, int(FailureKind::None));
+        row("nobody", int(FailureKind::NoDaemon), true, int(FailureKind::KeeperStopped));
+        row("not installed", int(FailureKind::NoDaemon), false, int(FailureKind::KeeperMissing));
+        row("hanging", int(FailureKind::NoAnswer), true, int(FailureKind::KeeperNoAnswer));
+        row("an error", int(FailureKind::DaemonError), true, int(FailureKind::KeeperError));
+        row("no bus", int(FailureKind::NoBus), true, int(FailureKind::NoBus));
+        row("refused by the bus", int(FailureKind::NotPermitted), true,
+            int(FailureKind::NotPermitted));
+        row("a value refused", int(FailureKind::KeeperRefused), true,
+            int(FailureKind::KeeperRefused));
     }
     void failuresOfCallsAreTheKeepers()
     {
@@ -492,15 +485,14 @@ private slots:
 
     void aHangUpIsTheDailyOneAfterADay_data()
     {
-        QTest::addColumn<qint64>("seconds");
-        QTest::addColumn<bool>("isDaily");
-        QTest::newRow("a day") << qint64(86400) << true;
-        QTest::newRow("a quarter hour less") << qint64(85500) << true;
-        QTest::newRow("a quarter hour more") << qint64(87300) << true;
-        QTest::newRow("less") << qint64(85499) << false;
-        QTest::newRow("more") << qint64(87301) << false;
-        QTest::newRow("an hour") << qint64(3600) << false;
-        QTest::newRow("two days") << qint64(172800) << false;
+        const auto row = table<qint64, bool>("seconds", "isDaily");
+        row("a day", qint64(86400), true);
+        row("a quarter hour less", qint64(85500), true);
+        row("a quarter hour more", qint64(87300), true);
+        row("less", qint64(85499), false);
+        row("more", qint64(87301), false);
+        row("an hour", qint64(3600), false);
+        row("two days", qint64(172800), false);
     }
     void aHangUpIsTheDailyOneAfterADay()
     {

@@ -7,6 +7,7 @@
 #include "client/modem_table.h"
 #include "daemon/modem_catalogue.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -17,20 +18,17 @@ class ClientLineTest : public QObject
 private slots:
     void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded_data()
     {
-        QTest::addColumn<int>("state");
-        QTest::addColumn<bool>("isPppdOurs");
-        QTest::addColumn<bool>("hasWaited");
-        QTest::addColumn<int>("step");
+        const auto row = table<int, bool, bool, int>("state", "isPppdOurs", "hasWaited", "step");
         const int done = int(DisconnectStep::Done);
         const int wait = int(DisconnectStep::Wait);
         const int endAgain = int(DisconnectStep::EndAgain);
-        QTest::newRow("down") << 2 << false << false << done;
-        QTest::newRow("down after an attempt that gave up") << 2 << false << true << done;
-        QTest::newRow("the line trains") << 1 << false << false << wait;
-        QTest::newRow("pppd has been started") << 1 << true << true << endAgain;
-        QTest::newRow("the link is up") << 0 << true << false << endAgain;
-        QTest::newRow("the link is up, its pppd can not be seen") << 0 << false << true << endAgain;
-        QTest::newRow("the interface goes after its pppd") << 0 << false << false << done;
+        row("down", 2, false, false, done);
+        row("down after an attempt that gave up", 2, false, true, done);
+        row("the line trains", 1, false, false, wait);
+        row("pppd has been started", 1, true, true, endAgain);
+        row("the link is up", 0, true, false, endAgain);
+        row("the link is up, its pppd can not be seen", 0, false, true, endAgain);
+        row("the interface goes after its pppd", 0, false, false, done);
     }
     void anAttemptThatWaitsForTheLineIsFollowedUntilItCanBeEnded()
     {
@@ -42,7 +40,7 @@ private slots:
 
     void recordedKernelLogsAreUnderstood_data()
     {
-        QTest::addColumn<QString>("word");
+        const auto row = table<QString>("word");
         const QMap<QString, QString> words = {
             {QStringLiteral("cxacru-attempting-to-activate"), QStringLiteral("synchronising")},
             {QStringLiteral("cxacru-channel-analysis"), QStringLiteral("synchronising")},
@@ -69,7 +67,7 @@ private slots:
         };
         for (const QString &file :
             testDataNames(QStringLiteral("kernel-log"), QStringLiteral("klog-*.txt"))) {
-            QTest::newRow(qPrintable(file)) << words.value(file.mid(5).chopped(4));
+            row(qPrintable(file), words.value(file.mid(5).chopped(4)));
         }
     }
     void recordedKernelLogsAreUnderstood()
@@ -91,12 +89,12 @@ private slots:
 
     void oddLogsTellNothing_data()
     {
-        QTest::addColumn<QByteArray>("log");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("no driver") << QByteArray("usb 1-1: new device\n");
-        QTest::newRow("words without a driver") << QByteArray("say: ADSL line: up\n");
-        QTest::newRow("NUL bytes") << QByteArray(1000, '\0');
-        QTest::newRow("one endless line") << QByteArray(1 << 20, 'x');
+        const auto row = table<QByteArray>("log");
+        row("empty", QByteArray());
+        row("no driver", "usb 1-1: new device\n");
+        row("words without a driver", "say: ADSL line: up\n");
+        row("NUL bytes", QByteArray(1000, '\0'));
+        row("one endless line", QByteArray(1 << 20, 'x'));
     }
     void oddLogsTellNothing()
     {
@@ -147,14 +145,13 @@ private slots:
 
     void theAgeOfAProcessComesFromItsStartTime_data()
     {
-        QTest::addColumn<QByteArray>("stat");
-        QTest::addColumn<int>("age"); // -1: unknown
+        // An age of -1: unknown.
+        const auto row = table<QByteArray, int>("stat", "age");
         const QByteArray fields = " S 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 5000 20\n";
-        QTest::newRow("usual") << QByteArray("12 (pppd)" + fields) << 50;
-        QTest::newRow("brackets and blanks in the name")
-            << QByteArray("12 (p) S 1 (d)" + fields) << 50;
-        QTest::newRow("cut off") << QByteArray("12 (pppd) S 1") << -1;
-        QTest::newRow("empty") << QByteArray() << -1;
+        row("usual", QByteArray("12 (pppd)" + fields), 50);
+        row("brackets and blanks in the name", QByteArray("12 (p) S 1 (d)" + fields), 50);
+        row("cut off", "12 (pppd) S 1", -1);
+        row("empty", QByteArray(), -1);
     }
     void theAgeOfAProcessComesFromItsStartTime()
     {

@@ -4,6 +4,7 @@
 #include "private_root.h"
 #include "support/files/file_descriptor.h"
 #include "test_data.h"
+#include "test_table.h"
 #include "worker.h"
 
 #include <QCoreApplication>
@@ -97,9 +98,9 @@ private slots:
 
     void anyAnswerIsOne_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("the servers of the root") << recorded("root-servers.txt");
-        QTest::newRow("a refusal") << recorded("refused.txt");
+        const auto row = table<QByteArray>("answer");
+        row("the servers of the root", recorded("root-servers.txt"));
+        row("a refusal", recorded("refused.txt"));
     }
     void anyAnswerIsOne()
     {
@@ -112,11 +113,10 @@ private slots:
 
     void whatIsNoAnswerToTheQuestionDoesNotCount_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("silence") << QByteArray();
-        QTest::newRow("the number alone") << question.left(2);
-        QTest::newRow("of another question")
-            << QByteArray::fromHex("1235") + recorded("refused.txt").mid(2);
+        const auto row = table<QByteArray>("answer");
+        row("silence", QByteArray());
+        row("the number alone", question.left(2));
+        row("of another question", QByteArray::fromHex("1235") + recorded("refused.txt").mid(2));
     }
     void whatIsNoAnswerToTheQuestionDoesNotCount()
     {
@@ -127,10 +127,10 @@ private slots:
 
     void whereNobodyListensIsNotWaitedFor_data()
     {
-        QTest::addColumn<QStringList>("servers");
-        QTest::newRow("nobody there") << QStringList{"127.0.0.1", "127.0.0.2"};
-        QTest::newRow("no route") << QStringList{"192.0.2.1", "2001:db8::1"};
-        QTest::newRow("no address") << QStringList{"localhost", QString()};
+        const auto row = table<QStringList>("servers");
+        row("nobody there", QStringList{"127.0.0.1", "127.0.0.2"});
+        row("no route", QStringList{"192.0.2.1", "2001:db8::1"});
+        row("no address", QStringList{"localhost", QString()});
     }
     void whereNobodyListensIsNotWaitedFor()
     {

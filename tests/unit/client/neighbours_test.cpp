@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Whether others leave the link alone, by what they say of it.
 #include "client/neighbours.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -13,23 +14,22 @@ class ClientNeighboursTest : public QObject
 private slots:
     void networkdSaysOfEachInterfaceWhetherItIsItsOwn_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<Answer>("answer");
+        const auto row = table<QByteArray, Answer>("file", "answer");
         // As systemd-networkd 252 writes them, shortened.
         const QByteArray head = "# This is private data. Do not parse.\n";
-        QTest::newRow("left alone") << head + "ADMIN_STATE=unmanaged\nOPER_STATE=routable\n"
-                                    << Answer::Yes;
-        QTest::newRow("its own") << head
+        row("left alone", head + "ADMIN_STATE=unmanaged\nOPER_STATE=routable\n", Answer::Yes);
+        row("its own",
+            head
                 + "ADMIN_STATE=configured\nOPER_STATE=routable\n"
-                  "NETWORK_FILE=/etc/systemd/network/80-all.network\n"
-                                 << Answer::No;
-        QTest::newRow("becoming its own") << head + "ADMIN_STATE=configuring\n" << Answer::No;
-        QTest::newRow("failed") << head + "ADMIN_STATE=failed\n" << Answer::No;
-        QTest::newRow("not looked at yet") << head + "ADMIN_STATE=pending\n" << Answer::Unknown;
-        QTest::newRow("known of") << head + "ADMIN_STATE=initialized\n" << Answer::Unknown;
-        QTest::newRow("on its way out") << head + "ADMIN_STATE=linger\n" << Answer::Unknown;
-        QTest::newRow("nothing said") << head << Answer::Unknown;
-        QTest::newRow("no file") << QByteArray() << Answer::Unknown;
+                  "NETWORK_FILE=/etc/systemd/network/80-all.network\n",
+            Answer::No);
+        row("becoming its own", head + "ADMIN_STATE=configuring\n", Answer::No);
+        row("failed", head + "ADMIN_STATE=failed\n", Answer::No);
+        row("not looked at yet", head + "ADMIN_STATE=pending\n", Answer::Unknown);
+        row("known of", head + "ADMIN_STATE=initialized\n", Answer::Unknown);
+        row("on its way out", head + "ADMIN_STATE=linger\n", Answer::Unknown);
+        row("nothing said", head, Answer::Unknown);
+        row("no file", QByteArray(), Answer::Unknown);
     }
     void networkdSaysOfEachInterfaceWhetherItIsItsOwn()
     {

@@ -3,6 +3,7 @@
 #include "client/routes.h"
 
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -39,23 +40,17 @@ class ClientRoutesTest : public QObject
 private slots:
     void whereTrafficGoesIsReadFromTheTable_data()
     {
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<int>("use");
-        QTest::addColumn<QString>("interface");
-        QTest::newRow("only networks next door")
-            << "nothing-by-default-ipv4" << int(RouteUse::NoDefault) << "";
-        QTest::newRow("the link without a default route")
-            << "link-without-default-ipv4" << int(RouteUse::NoDefault) << "";
-        QTest::newRow("the link has it")
-            << "through-link-ipv4" << int(RouteUse::ThroughLink) << "ppp0";
-        QTest::newRow("the Wi-Fi has it")
-            << "wifi-has-it-ipv4" << int(RouteUse::Elsewhere) << "wlan0";
-        QTest::newRow("the Wi-Fi has it with the best metric")
-            << "wifi-has-it-metric-0-ipv4" << int(RouteUse::Elsewhere) << "wlan0";
-        QTest::newRow("both, and somebody prefers the link")
-            << "preferred-by-hand-ipv4" << int(RouteUse::ThroughLink) << "ppp0";
-        QTest::newRow("a route that refuses is none")
-            << "refusing-ipv4" << int(RouteUse::Elsewhere) << "wlan0";
+        const auto row = table<QString, int, QString>("table", "use", "interface");
+        row("only networks next door", "nothing-by-default-ipv4", int(RouteUse::NoDefault), "");
+        row("the link without a default route", "link-without-default-ipv4",
+            int(RouteUse::NoDefault), "");
+        row("the link has it", "through-link-ipv4", int(RouteUse::ThroughLink), "ppp0");
+        row("the Wi-Fi has it", "wifi-has-it-ipv4", int(RouteUse::Elsewhere), "wlan0");
+        row("the Wi-Fi has it with the best metric", "wifi-has-it-metric-0-ipv4",
+            int(RouteUse::Elsewhere), "wlan0");
+        row("both, and somebody prefers the link", "preferred-by-hand-ipv4",
+            int(RouteUse::ThroughLink), "ppp0");
+        row("a route that refuses is none", "refusing-ipv4", int(RouteUse::Elsewhere), "wlan0");
     }
     void whereTrafficGoesIsReadFromTheTable()
     {
@@ -97,19 +92,19 @@ private slots:
 
     void linesThatAreNoRoutesAreLeftOut_data()
     {
-        QTest::addColumn<QByteArray>("line");
-        QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("the head") << QByteArray(
+        const auto row = table<QByteArray>("line");
+        row("nothing", QByteArray());
+        row("the head",
             "Iface\tDestination\tGateway "
             "\tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n");
-        QTest::newRow("cut off") << QByteArray("wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600");
-        QTest::newRow("down") << ipv4Line("wlan0", "00000000", "0002", "0", "00000000");
-        QTest::newRow("refusing") << ipv4Line("*", "00000000", "0201", "10", "00000000");
-        QTest::newRow("no address") << ipv4Line("wlan0", "xyz", "0003", "0", "00000000");
-        QTest::newRow("no flags") << ipv4Line("wlan0", "00000000", "", "0", "00000000");
-        QTest::newRow("no metric") << ipv4Line("wlan0", "00000000", "0003", "-", "00000000");
-        QTest::newRow("a mask with gaps") << ipv4Line("wlan0", "00000000", "0003", "0", "00FF00FF");
-        QTest::newRow("bytes") << QByteArray("\0\xff\t\t\n\t\t\t\t\t\t\t\t", 13);
+        row("cut off", "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600");
+        row("down", ipv4Line("wlan0", "00000000", "0002", "0", "00000000"));
+        row("refusing", ipv4Line("*", "00000000", "0201", "10", "00000000"));
+        row("no address", ipv4Line("wlan0", "xyz", "0003", "0", "00000000"));
+        row("no flags", ipv4Line("wlan0", "00000000", "", "0", "00000000"));
+        row("no metric", ipv4Line("wlan0", "00000000", "0003", "-", "00000000"));
+        row("a mask with gaps", ipv4Line("wlan0", "00000000", "0003", "0", "00FF00FF"));
+        row("bytes", QByteArray("\0\xff\t\t\n\t\t\t\t\t\t\t\t", 13));
     }
     void linesThatAreNoRoutesAreLeftOut()
     {
@@ -120,18 +115,12 @@ private slots:
 
     void theNarrowestRouteIsTakenTowardsAnAddress_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("interface");
-        QTest::newRow("next door") << "192.168.1.1"
-                                   << "wlan0";
-        QTest::newRow("the bridge") << "192.168.0.77"
-                                    << "nas0";
-        QTest::newRow("the far end") << "10.64.0.1"
-                                     << "ppp0";
-        QTest::newRow("beside the far end") << "10.64.0.2"
-                                            << "wlan0";
-        QTest::newRow("anywhere") << "198.51.100.5"
-                                  << "wlan0";
+        const auto row = table<QString, QString>("address", "interface");
+        row("next door", "192.168.1.1", "wlan0");
+        row("the bridge", "192.168.0.77", "nas0");
+        row("the far end", "10.64.0.1", "ppp0");
+        row("beside the far end", "10.64.0.2", "wlan0");
+        row("anywhere", "198.51.100.5", "wlan0");
     }
     void theNarrowestRouteIsTakenTowardsAnAddress()
     {
@@ -184,33 +173,21 @@ private slots:
 
     void aNameServerBelongsToTheDefaultRouteOrIsNamed_data()
     {
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("server");
-        QTest::addColumn<QString>("through"); // empty: nothing is said
-        QTest::addColumn<bool>("isProviders");
+        // Through nothing: nothing is said.
+        const auto row
+            = table<QString, QString, QString, bool>("table", "server", "through", "isProviders");
         const QString link = QStringLiteral("through-link-ipv4");
         const QString wifi = QStringLiteral("wifi-has-it-ipv4");
-        QTest::newRow("the provider's through the link") << link << "203.0.113.1"
-                                                         << "" << false;
-        QTest::newRow("the Wi-Fi's through the link's default route") << link << "192.168.1.1"
-                                                                      << "wlan0" << false;
-        QTest::newRow("somebody's anywhere") << link << "198.51.100.5"
-                                             << "" << false;
-        QTest::newRow("this computer's") << link << "127.0.0.53"
-                                         << "" << false;
-        QTest::newRow("the provider's through the Wi-Fi") << wifi << "203.0.113.1"
-                                                          << "wlan0" << true;
-        QTest::newRow("the Wi-Fi's own") << wifi << "192.168.1.1"
-                                         << "" << false;
-        QTest::newRow("the far end's while the Wi-Fi leads") << wifi << "10.64.0.1"
-                                                             << "ppp0" << false;
-        QTest::newRow("this computer's of IPv6") << wifi << "::1"
-                                                 << "" << false;
-        QTest::newRow("no address") << wifi << "router"
-                                    << "" << false;
-        QTest::newRow("where no route leads")
-            << QStringLiteral("nothing-by-default-ipv4") << "203.0.113.1"
-            << "" << false;
+        row("the provider's through the link", link, "203.0.113.1", "", false);
+        row("the Wi-Fi's through the link's default route", link, "192.168.1.1", "wlan0", false);
+        row("somebody's anywhere", link, "198.51.100.5", "", false);
+        row("this computer's", link, "127.0.0.53", "", false);
+        row("the provider's through the Wi-Fi", wifi, "203.0.113.1", "wlan0", true);
+        row("the Wi-Fi's own", wifi, "192.168.1.1", "", false);
+        row("the far end's while the Wi-Fi leads", wifi, "10.64.0.1", "ppp0", false);
+        row("this computer's of IPv6", wifi, "::1", "", false);
+        row("no address", wifi, "router", "", false);
+        row("where no route leads", "nothing-by-default-ipv4", "203.0.113.1", "", false);
     }
     void aNameServerBelongsToTheDefaultRouteOrIsNamed()
     {

@@ -5,6 +5,7 @@
 #include "client/text_format.h"
 #include "client/translation.h"
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QTest>
@@ -58,13 +59,12 @@ private slots:
 
     void bytesHaveTheUnitThatFits_data()
     {
-        QTest::addColumn<double>("bytes");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("none") << 0.0 << "0 B";
-        QTest::newRow("just below a unit") << 999.0 << "999 B";
-        QTest::newRow("a unit") << 1000.0 << "1.0 kB";
-        QTest::newRow("rounding never shows a thousand") << 999950.0 << "1.0 MB";
-        QTest::newRow("all that 32 bits hold") << 4294967295.0 << "4.3 GB";
+        const auto row = table<double, QString>("bytes", "text");
+        row("none", 0.0, "0 B");
+        row("just below a unit", 999.0, "999 B");
+        row("a unit", 1000.0, "1.0 kB");
+        row("rounding never shows a thousand", 999950.0, "1.0 MB");
+        row("all that 32 bits hold", 4294967295.0, "4.3 GB");
     }
     void bytesHaveTheUnitThatFits()
     {
@@ -83,18 +83,18 @@ private slots:
 
     void aSizeIsReadWithItsUnit_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<qulonglong>("bytes"); // 0: refused
-        QTest::newRow("gigabytes") << "50GB" << 50'000'000'000ULL;
-        QTest::newRow("a blank") << "50 GB" << 50'000'000'000ULL;
-        QTest::newRow("a fraction") << "1.5TB" << 1'500'000'000'000ULL;
-        QTest::newRow("a comma") << "1,5 MB" << 1'500'000ULL;
-        QTest::newRow("small k") << "700kB" << 700'000ULL;
-        QTest::newRow("large k") << "700KB" << 700'000ULL;
-        QTest::newRow("bytes") << "1B" << 1ULL;
+        // 0 bytes: refused.
+        const auto row = table<QString, qulonglong>("text", "bytes");
+        row("gigabytes", "50GB", 50'000'000'000ULL);
+        row("a blank", "50 GB", 50'000'000'000ULL);
+        row("a fraction", "1.5TB", 1'500'000'000'000ULL);
+        row("a comma", "1,5 MB", 1'500'000ULL);
+        row("small k", "700kB", 700'000ULL);
+        row("large k", "700KB", 700'000ULL);
+        row("bytes", "1B", 1ULL);
         for (const char *wrong : {"", "50", "GB", "-1GB", "50 gb", "0GB", "0.4B", "1.2.3GB",
                  "50GiB", "50  GB", " 50GB", "999999999999999TB", "1e9B", "50GB\n"}) {
-            QTest::newRow(wrong) << wrong << 0ULL;
+            row(wrong, QString::fromUtf8(wrong), 0ULL);
         }
     }
     void aSizeIsReadWithItsUnit()
@@ -127,25 +127,20 @@ private slots:
 
     void everySignalHasASentence_data()
     {
-        QTest::addColumn<QString>("signal");
-        QTest::addColumn<QVariantList>("arguments");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("speed") << "transmissionSpeed" << QVariantList{1500u, 20u}
-                               << "speed: 1.5 kB/s down, 20 B/s up";
-        QTest::newRow("totals") << "transmissionBytes" << QVariantList{2e6, 1.0}
-                                << "totals: 2.0 MB received, 1 B sent";
-        QTest::newRow("time") << "connectionTime" << QVariantList{1, 2, 3}
-                              << "connected for 01:02:03";
-        QTest::newRow("state") << "connectionState" << QVariantList{2}
-                               << "connection state: not connected";
-        QTest::newRow("a percent sign in a value")
-            << "modemPlugged" << QVariantList{"%1 %2"} << "modem plugged: %1 %2";
-        QTest::newRow("an escape sequence in a value")
-            << "modemPlugged" << QVariantList{"\x1b[2J"} << "modem plugged: \uFFFD[2J";
-        QTest::newRow("success") << "settingOpenDNS" << QVariantList{true}
-                                 << "writing the OpenDNS resolvers: success";
-        QTest::newRow("one that is not known")
-            << "somethingNew" << QVariantList{7, "x"} << "somethingNew 7 x";
+        const auto row = table<QString, QVariantList, QString>("signal", "arguments", "text");
+        row("speed", "transmissionSpeed", QVariantList{1500u, 20u},
+            "speed: 1.5 kB/s down, 20 B/s up");
+        row("totals", "transmissionBytes", QVariantList{2e6, 1.0},
+            "totals: 2.0 MB received, 1 B sent");
+        row("time", "connectionTime", QVariantList{1, 2, 3}, "connected for 01:02:03");
+        row("state", "connectionState", QVariantList{2}, "connection state: not connected");
+        row("a percent sign in a value", "modemPlugged", QVariantList{"%1 %2"},
+            "modem plugged: %1 %2");
+        row("an escape sequence in a value", "modemPlugged", QVariantList{"\x1b[2J"},
+            "modem plugged: \uFFFD[2J");
+        row("success", "settingOpenDNS", QVariantList{true},
+            "writing the OpenDNS resolvers: success");
+        row("one that is not known", "somethingNew", QVariantList{7, "x"}, "somethingNew 7 x");
     }
     void everySignalHasASentence()
     {

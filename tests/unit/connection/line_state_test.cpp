@@ -3,6 +3,7 @@
 #include "connection/line_state.h"
 #include "plain_line_state.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -97,32 +98,30 @@ private slots:
 
 void LineStateTest::aRecordedLogTellsItsState_data()
 {
-    QTest::addColumn<int>("forUeagle");
-    QTest::addColumn<int>("forSpeedtch");
-    QTest::addColumn<int>("forOthers");
+    const auto row = table<int, int, int>("forUeagle", "forSpeedtch", "forOthers");
     // The unicorn driver wrote none of these.
-    QTest::newRow("klog-cxacru-initializing") << 5 << 5 << 3;
-    QTest::newRow("klog-cxacru-attempting-to-activate") << 5 << 5 << 1;
-    QTest::newRow("klog-cxacru-training") << 5 << 5 << 5;
-    QTest::newRow("klog-cxacru-channel-analysis") << 5 << 5 << 5;
-    QTest::newRow("klog-cxacru-exchange") << 5 << 5 << 5;
-    QTest::newRow("klog-cxacru-up") << 5 << 5 << 0;
-    QTest::newRow("klog-cxacru-line-lost") << 5 << 5 << 5;
-    QTest::newRow("klog-cxacru-waiting") << 5 << 5 << 5;
-    QTest::newRow("klog-cxacru-unplugged") << 5 << 5 << 5;
-    QTest::newRow("klog-eagle-preboot") << 5 << 5 << 5;
-    QTest::newRow("klog-eagle-no-firmware") << 3 << 5 << 5;
-    QTest::newRow("klog-eagle-booting") << 3 << 5 << 5;
-    QTest::newRow("klog-eagle-started") << 5 << 5 << 5; // the driver's m is a small one
-    QTest::newRow("klog-eagle-operational") << 0 << 5 << 5;
-    QTest::newRow("klog-eagle-sync-failed") << 3 << 5 << 5;
-    QTest::newRow("klog-eagle-unplugged") << 5 << 5 << 5;
-    QTest::newRow("klog-speedtch-no-firmware") << 5 << 5 << 5;
-    QTest::newRow("klog-speedtch-upload-failed") << 5 << 4 << 5;
-    QTest::newRow("klog-speedtch-synchronising") << 5 << 1 << 5;
-    QTest::newRow("klog-speedtch-up") << 5 << 0 << 5;
-    QTest::newRow("klog-speedtch-down") << 5 << 5 << 5;
-    QTest::newRow("klog-speedtch-unplugged") << 5 << 5 << 5;
+    row("klog-cxacru-initializing", 5, 5, 3);
+    row("klog-cxacru-attempting-to-activate", 5, 5, 1);
+    row("klog-cxacru-training", 5, 5, 5);
+    row("klog-cxacru-channel-analysis", 5, 5, 5);
+    row("klog-cxacru-exchange", 5, 5, 5);
+    row("klog-cxacru-up", 5, 5, 0);
+    row("klog-cxacru-line-lost", 5, 5, 5);
+    row("klog-cxacru-waiting", 5, 5, 5);
+    row("klog-cxacru-unplugged", 5, 5, 5);
+    row("klog-eagle-preboot", 5, 5, 5);
+    row("klog-eagle-no-firmware", 3, 5, 5);
+    row("klog-eagle-booting", 3, 5, 5);
+    row("klog-eagle-started", 5, 5, 5); // the driver's m is a small one
+    row("klog-eagle-operational", 0, 5, 5);
+    row("klog-eagle-sync-failed", 3, 5, 5);
+    row("klog-eagle-unplugged", 5, 5, 5);
+    row("klog-speedtch-no-firmware", 5, 5, 5);
+    row("klog-speedtch-upload-failed", 5, 4, 5);
+    row("klog-speedtch-synchronising", 5, 1, 5);
+    row("klog-speedtch-up", 5, 0, 5);
+    row("klog-speedtch-down", 5, 5, 5);
+    row("klog-speedtch-unplugged", 5, 5, 5);
 }
 
 void LineStateTest::aRecordedLogTellsItsState()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Process ids and interface names from pid files of every make.
 #include "connection/pid_file.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,11 +55,7 @@ int PidFileTest::pidInFile(const QByteArray &content)
 
 void PidFileTest::theFirstLineGivesTheId_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<int>("pid");
-    const auto row = [](const char *name, const QByteArray &content, int pid) {
-        QTest::newRow(name) << content << pid;
-    };
+    const auto row = table<QByteArray, int>("content", "pid");
     row("as pppd writes it", "1234\n", 1234);
     row("with the interface", "1234\nppp0\n", 1234);
     row("without a line feed", "1234", 1234);
@@ -125,21 +122,21 @@ void PidFileTest::aFileThatCannotBeReadGivesNone()
 
 void PidFileTest::anIdIsTheCodeOfOneCharacter_data()
 {
-    QTest::addColumn<int>("id");
-    QTest::addColumn<QByteArray>("utf8"); // empty: no character
-    QTest::newRow("a digit") << 48 << QByteArray("0");
-    QTest::newRow("a letter") << 955 << QByteArray("\xce\xbb");
-    QTest::newRow("last before the surrogates") << 0xd7ff << QByteArray("\xed\x9f\xbf");
-    QTest::newRow("first surrogate") << 0xd800 << QByteArray();
-    QTest::newRow("last surrogate") << 0xdfff << QByteArray();
-    QTest::newRow("first after them") << 0xe000 << QByteArray("\xee\x80\x80");
-    QTest::newRow("the mark of the byte order") << 0xfeff << QByteArray("\xef\xbb\xbf");
-    QTest::newRow("65535") << 0xffff << QByteArray("\xef\xbf\xbf");
-    QTest::newRow("65536") << 0x10000 << QByteArray("\xf0\x90\x80\x80");
-    QTest::newRow("6 and 65536") << 65536 + '6' << QByteArray("\xf0\x90\x80\xb6");
-    QTest::newRow("the last one") << 0x10ffff << QByteArray("\xf4\x8f\xbf\xbf");
-    QTest::newRow("beyond it") << 0x110000 << QByteArray();
-    QTest::newRow("largest id") << INT_MAX << QByteArray();
+    // Without bytes: no character.
+    const auto row = table<int, QByteArray>("id", "utf8");
+    row("a digit", 48, "0");
+    row("a letter", 955, "\xce\xbb");
+    row("last before the surrogates", 0xd7ff, "\xed\x9f\xbf");
+    row("first surrogate", 0xd800, QByteArray());
+    row("last surrogate", 0xdfff, QByteArray());
+    row("first after them", 0xe000, "\xee\x80\x80");
+    row("the mark of the byte order", 0xfeff, "\xef\xbb\xbf");
+    row("65535", 0xffff, "\xef\xbf\xbf");
+    row("65536", 0x10000, "\xf0\x90\x80\x80");
+    row("6 and 65536", 65536 + '6', "\xf0\x90\x80\xb6");
+    row("the last one", 0x10ffff, "\xf4\x8f\xbf\xbf");
+    row("beyond it", 0x110000, QByteArray());
+    row("largest id", INT_MAX, QByteArray());
 }
 
 void PidFileTest::anIdIsTheCodeOfOneCharacter()
@@ -153,11 +150,7 @@ void PidFileTest::anIdIsTheCodeOfOneCharacter()
 
 void PidFileTest::aLinknameFileNamesItsInterface_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("interface");
-    const auto row = [](const char *name, const QByteArray &content, const char *interface) {
-        QTest::newRow(name) << content << QString::fromLatin1(interface);
-    };
+    const auto row = table<QByteArray, QString>("content", "interface");
     row("as pppd writes it", "1234\nppp0\n", "ppp0");
     row("another unit", "1234\nppp7\n", "ppp7");
     row("the first of two", "1234\nppp3\nppp4\n", "ppp3");

@@ -3,6 +3,7 @@
 #include "connection/pppd_line.h"
 #include "support/process/line_cutter.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QTest>
 #include <array>
@@ -117,9 +118,9 @@ private slots:
 
 void PppdLineTest::aTranscriptGivesItsEvents_data()
 {
-    QTest::addColumn<QByteArray>("events");
+    const auto row = table<QByteArray>("events");
     for (const Transcript &transcript : transcripts) {
-        QTest::newRow(transcript.name) << QByteArray(transcript.events);
+        row(transcript.name, QByteArray(transcript.events));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Telling processes apart by when they started.
 #include "connection/process_identity.h"
+#include "test_table.h"
 
 #include <QProcess>
 #include <QTest>
@@ -19,16 +20,16 @@ private slots:
 
 void ProcessIdentityTest::theStartIsTheTwentySecondField_data()
 {
-    QTest::addColumn<QByteArray>("stat");
-    QTest::addColumn<qint64>("start"); // -1: none
+    // A start of -1: none.
+    const auto row = table<QByteArray, qint64>("stat", "start");
     const QByteArray fields = "S 1 42 42 0 -1 4194560 1 2 3 4 5 6 7 8 20 0 1 0 360047 5459968 512 "
                               "18446744073709551615\n";
-    QTest::newRow("pppd") << "42 (pppd) " + fields << qint64(360047);
-    QTest::newRow("a name with blanks") << "42 (a b c) " + fields << qint64(360047);
-    QTest::newRow("a name that looks like fields") << "42 (x) S 1 2 3) " + fields << qint64(360047);
-    QTest::newRow("empty") << QByteArray() << qint64(-1);
-    QTest::newRow("cut off") << QByteArray("42 (pppd) S 1 42 42 0") << qint64(-1);
-    QTest::newRow("no name") << QByteArray("42") << qint64(-1);
+    row("pppd", "42 (pppd) " + fields, qint64(360047));
+    row("a name with blanks", "42 (a b c) " + fields, qint64(360047));
+    row("a name that looks like fields", "42 (x) S 1 2 3) " + fields, qint64(360047));
+    row("empty", QByteArray(), qint64(-1));
+    row("cut off", "42 (pppd) S 1 42 42 0", qint64(-1));
+    row("no name", "42", qint64(-1));
 }
 
 void ProcessIdentityTest::theStartIsTheTwentySecondField()

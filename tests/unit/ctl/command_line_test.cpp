@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // From the words on the command line to a command of the client.
 #include "ctl/command_line.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -11,33 +12,22 @@ class ClientCommandLineTest : public QObject
 private slots:
     void wordsAreUnderstood_data()
     {
-        QTest::addColumn<QString>("words");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("a command") << "status"
-                                   << "status" << QStringList{} << QStringList{};
-        QTest::newRow("a switch") << "status --json"
-                                  << "status" << QStringList{"json="} << QStringList{};
-        QTest::newRow("an option before the command")
-            << "--color never status"
-            << "status" << QStringList{"color=never"} << QStringList{};
-        QTest::newRow("a command of a group")
-            << "line set --vpi 8 --vci=35"
-            << "line set" << QStringList{"vci=35", "vpi=8"} << QStringList{};
-        QTest::newRow("a group alone shows") << "line"
-                                             << "line show" << QStringList{} << QStringList{};
-        QTest::newRow("a letter") << "connect -w -t 5"
-                                  << "connect" << QStringList{"timeout=5", "wait="}
-                                  << QStringList{};
-        QTest::newRow("an argument") << "idle 30"
-                                     << "idle" << QStringList{} << QStringList{"30"};
-        QTest::newRow("an argument that looks like an option")
-            << "account set -- -user"
-            << "account set" << QStringList{} << QStringList{"-user"};
-        QTest::newRow("the options end before the command")
-            << "--terse -- line show"
-            << "line show" << QStringList{"terse="} << QStringList{};
+        const auto row = table<QString, QString, QStringList, QStringList>(
+            "words", "path", "options", "arguments");
+        row("a command", "status", "status", QStringList{}, QStringList{});
+        row("a switch", "status --json", "status", QStringList{"json="}, QStringList{});
+        row("an option before the command", "--color never status", "status",
+            QStringList{"color=never"}, QStringList{});
+        row("a command of a group", "line set --vpi 8 --vci=35", "line set",
+            QStringList{"vci=35", "vpi=8"}, QStringList{});
+        row("a group alone shows", "line", "line show", QStringList{}, QStringList{});
+        row("a letter", "connect -w -t 5", "connect", QStringList{"timeout=5", "wait="},
+            QStringList{});
+        row("an argument", "idle 30", "idle", QStringList{}, QStringList{"30"});
+        row("an argument that looks like an option", "account set -- -user", "account set",
+            QStringList{}, QStringList{"-user"});
+        row("the options end before the command", "--terse -- line show", "line show",
+            QStringList{"terse="}, QStringList{});
     }
     void wordsAreUnderstood()
     {
@@ -60,26 +50,17 @@ private slots:
 
     void whatIsNotUnderstoodIsSaid_data()
     {
-        QTest::addColumn<QString>("words");
-        QTest::addColumn<QString>("error");
-        QTest::newRow("an unknown command") << "frobnicate"
-                                            << "There is no command “frobnicate”";
-        QTest::newRow("an unknown command of a group") << "line frob"
-                                                       << "There is no command “line frob”";
-        QTest::newRow("an unknown option") << "status --frob"
-                                           << "There is no option “--frob” here";
-        QTest::newRow("an option of another command") << "connect --json"
-                                                      << "There is no option “--json” here";
-        QTest::newRow("a missing value") << "connect --timeout"
-                                         << "“--timeout” needs a value";
-        QTest::newRow("a value too many") << "connect --wait=1"
-                                          << "“--wait” takes no value";
-        QTest::newRow("a value that is not possible") << "line set --protocol IPoE"
-                                                      << "Possible are: PPPoE PPPoA";
-        QTest::newRow("a word too many") << "status now"
-                                         << "“now” is one word too many";
-        QTest::newRow("both forms") << "status --json --terse"
-                                    << "either --json or --terse";
+        const auto row = table<QString, QString>("words", "error");
+        row("an unknown command", "frobnicate", "There is no command “frobnicate”");
+        row("an unknown command of a group", "line frob", "There is no command “line frob”");
+        row("an unknown option", "status --frob", "There is no option “--frob” here");
+        row("an option of another command", "connect --json", "There is no option “--json” here");
+        row("a missing value", "connect --timeout", "“--timeout” needs a value");
+        row("a value too many", "connect --wait=1", "“--wait” takes no value");
+        row("a value that is not possible", "line set --protocol IPoE",
+            "Possible are: PPPoE PPPoA");
+        row("a word too many", "status now", "“now” is one word too many");
+        row("both forms", "status --json --terse", "either --json or --terse");
     }
     void whatIsNotUnderstoodIsSaid()
     {
@@ -98,17 +79,17 @@ private slots:
 
     void numbersAreDigitsWithinTheirRange_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("number"); // -1: refused
-        QTest::newRow("least") << "0" << 0;
-        QTest::newRow("most") << "255" << 255;
-        QTest::newRow("too many") << "256" << -1;
-        QTest::newRow("negative") << "-1" << -1;
-        QTest::newRow("signed") << "+1" << -1;
-        QTest::newRow("blank") << " 1" << -1;
-        QTest::newRow("empty") << "" << -1;
-        QTest::newRow("hexadecimal") << "0x10" << -1;
-        QTest::newRow("beyond an integer") << "99999999999" << -1;
+        // -1: refused.
+        const auto row = table<QString, int>("text", "number");
+        row("least", "0", 0);
+        row("most", "255", 255);
+        row("too many", "256", -1);
+        row("negative", "-1", -1);
+        row("signed", "+1", -1);
+        row("blank", " 1", -1);
+        row("empty", "", -1);
+        row("hexadecimal", "0x10", -1);
+        row("beyond an integer", "99999999999", -1);
     }
     void numbersAreDigitsWithinTheirRange()
     {

@@ -2,6 +2,7 @@
 // The judgements of the check-up, fact by fact, in the words of this program.
 #include "client/doctor_checks.h"
 #include "ctl/screen/remedy_text.h"
+#include "test_table.h"
 
 #include <QTest>
 #include <functional>
@@ -155,15 +156,8 @@ private slots:
 
     void eachFactIsJudged_data()
     {
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QString>("verdict");
-        QTest::addColumn<QString>("words"); // in text or remedy
-        QTest::addColumn<Spoil>("spoil");
-        const auto row = [](const char *name, const char *id, const char *verdict,
-                             const char *words, const Spoil &spoil) {
-            QTest::newRow(name) << QString::fromLatin1(id) << QString::fromLatin1(verdict)
-                                << QString::fromUtf8(words) << spoil;
-        };
+        // The words stand in text or remedy.
+        const auto row = table<QString, QString, QString, Spoil>("id", "verdict", "words", "spoil");
         row("no bus", "daemon", "fault", "start dbus", [](Facts &f) { f.isBusThere = false; });
         row("no daemon", "daemon", "fault", "start norvix-daemon",
             [](Facts &f) { f.isDaemonRunning = false; });

@@ -5,6 +5,7 @@
 #include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QJsonDocument>
 #include <QTest>
@@ -16,17 +17,13 @@ class CtlTextTest : public QObject
 private slots:
     void paragraphsWrapAtBlanks_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("indent");
-        QTest::addColumn<QStringList>("lines");
-        QTest::newRow("nothing") << QString() << 0 << QStringList{QString()};
-        QTest::newRow("exactly the width") << "12345 6789" << 0 << QStringList{"12345 6789"};
-        QTest::newRow("one more") << "12345 67890" << 0 << QStringList{"12345", "67890"};
-        QTest::newRow("a long word stays whole")
-            << "a 12345678901 b" << 0 << QStringList{"a", "12345678901", "b"};
-        QTest::newRow("line feeds stay") << "a\nb" << 0 << QStringList{"a", "b"};
-        QTest::newRow("later lines are indented")
-            << "1234 5678 90" << 2 << QStringList{"1234 5678", "  90"};
+        const auto row = table<QString, int, QStringList>("text", "indent", "lines");
+        row("nothing", QString(), 0, QStringList{QString()});
+        row("exactly the width", "12345 6789", 0, QStringList{"12345 6789"});
+        row("one more", "12345 67890", 0, QStringList{"12345", "67890"});
+        row("a long word stays whole", "a 12345678901 b", 0, QStringList{"a", "12345678901", "b"});
+        row("line feeds stay", "a\nb", 0, QStringList{"a", "b"});
+        row("later lines are indented", "1234 5678 90", 2, QStringList{"1234 5678", "  90"});
     }
     void paragraphsWrapAtBlanks()
     {

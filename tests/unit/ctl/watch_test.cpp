@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The client's live view: from signals to lines.
 #include "ctl/screen/watch_view.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -57,20 +58,15 @@ private slots:
 
     void theGraphFillsItsHeightWithTheLargestValue_data()
     {
-        QTest::addColumn<QList<double>>("values");
-        QTest::addColumn<int>("rows");
-        QTest::addColumn<bool>("glyphs");
-        QTest::addColumn<QStringList>("lines");
-        QTest::newRow("nothing yet") << QList<double>{} << 1 << true << QStringList{"    "};
-        QTest::newRow("all zero") << QList<double>{0, 0} << 1 << true << QStringList{"    "};
-        QTest::newRow("steps") << QList<double>{1, 4, 8} << 1 << true << QStringList{" ▁▄█"};
-        QTest::newRow("a trickle still shows")
-            << QList<double>{1, 100000} << 1 << true << QStringList{"  ▁█"};
-        QTest::newRow("two rows") << QList<double>{8, 16} << 2 << true
-                                  << QStringList{"   █", "  ██"};
-        QTest::newRow("only the newest")
-            << QList<double>{9, 8, 0, 0, 0} << 1 << true << QStringList{"█   "};
-        QTest::newRow("ASCII") << QList<double>{0, 8} << 1 << false << QStringList{"   @"};
+        const auto row
+            = table<QList<double>, int, bool, QStringList>("values", "rows", "glyphs", "lines");
+        row("nothing yet", QList<double>{}, 1, true, QStringList{"    "});
+        row("all zero", QList<double>{0, 0}, 1, true, QStringList{"    "});
+        row("steps", QList<double>{1, 4, 8}, 1, true, QStringList{" ▁▄█"});
+        row("a trickle still shows", QList<double>{1, 100000}, 1, true, QStringList{"  ▁█"});
+        row("two rows", QList<double>{8, 16}, 2, true, QStringList{"   █", "  ██"});
+        row("only the newest", QList<double>{9, 8, 0, 0, 0}, 1, true, QStringList{"█   "});
+        row("ASCII", QList<double>{0, 8}, 1, false, QStringList{"   @"});
     }
     void theGraphFillsItsHeightWithTheLargestValue()
     {
@@ -83,12 +79,11 @@ private slots:
 
     void theScreenNeverExceedsTheTerminal_data()
     {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::newRow("usual") << 80 << 24;
-        QTest::newRow("low") << 80 << 4;
-        QTest::newRow("narrow") << 20 << 24;
-        QTest::newRow("large") << 100 << 200;
+        const auto row = table<int, int>("width", "height");
+        row("usual", 80, 24);
+        row("low", 80, 4);
+        row("narrow", 20, 24);
+        row("large", 100, 200);
     }
     void theScreenNeverExceedsTheTerminal()
     {

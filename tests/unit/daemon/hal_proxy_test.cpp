@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Calls to HAL, answered over a real connection by a made-up HAL on a thread of its own.
 #include "daemon/hal_proxy.h"
+#include "test_table.h"
 
 #include <QDBusMessage>
 #include <QDBusServer>
@@ -165,21 +166,20 @@ std::optional<int> HalProxyTest::property(const QString &path, const char *key)
 
 void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped_data()
 {
-    QTest::addColumn<bool>("isNumber");
-    QTest::addColumn<int>("number");
-    QTest::newRow("plain") << true << 4368;
-    QTest::newRow("variant") << true << 4368;
-    QTest::newRow("negative") << true << -1;
+    const auto row = table<bool, int>("isNumber", "number");
+    row("plain", true, 4368);
+    row("variant", true, 4368);
+    row("negative", true, -1);
     for (const char *other : {"unsigned", "unsigned variant", "wide", "narrow", "truth", "real",
              "text of digits", "digits variant"}) {
-        QTest::newRow(other) << false << 0;
+        row(other, false, 0);
     }
-    QTest::newRow("text") << false << 0;
-    QTest::newRow("text variant") << false << 0;
-    QTest::newRow("list") << false << 0;
-    QTest::newRow("nothing") << false << 0;
-    QTest::newRow("error") << false << 0; // though its text is a number
-    QTest::newRow("number of an error") << false << 0;
+    row("text", false, 0);
+    row("text variant", false, 0);
+    row("list", false, 0);
+    row("nothing", false, 0);
+    row("error", false, 0); // though its text is a number
+    row("number of an error", false, 0);
 }
 
 void HalProxyTest::onlyASigned32BitNumberCountsHoweverItIsWrapped()

@@ -4,6 +4,7 @@
 #include "daemon/logging.h"
 #include "private_root.h"
 #include "support/process/debug.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -147,11 +148,11 @@ void LoggingTest::cleanup()
 
 void LoggingTest::everyTypeOfMessageIsPrintedAndLogged_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::newRow("debug") << int(QtDebugMsg);
-    QTest::newRow("info") << int(QtInfoMsg);
-    QTest::newRow("warning") << int(QtWarningMsg);
-    QTest::newRow("critical") << int(QtCriticalMsg);
+    const auto row = table<int>("type");
+    row("debug", int(QtDebugMsg));
+    row("info", int(QtInfoMsg));
+    row("warning", int(QtWarningMsg));
+    row("critical", int(QtCriticalMsg));
 }
 
 void LoggingTest::everyTypeOfMessageIsPrintedAndLogged()
@@ -277,10 +278,10 @@ void LoggingTest::theLogIsMadeAnewWhenItWasRemoved()
 
 void LoggingTest::aLogThatCannotBeWrittenIsSkippedSilently_data()
 {
-    QTest::addColumn<QByteArray>("obstacle");
-    QTest::newRow("the folder is missing") << QByteArray("rmdir /opt/norvix");
-    QTest::newRow("a folder of that name") << QByteArray("mkdir /opt/norvix/daemon.log");
-    QTest::newRow("the disk is full") << QByteArray("ln -s /dev/full /opt/norvix/daemon.log");
+    const auto row = table<QByteArray>("obstacle");
+    row("the folder is missing", "rmdir /opt/norvix");
+    row("a folder of that name", "mkdir /opt/norvix/daemon.log");
+    row("the disk is full", "ln -s /dev/full /opt/norvix/daemon.log");
 }
 
 void LoggingTest::aLogThatCannotBeWrittenIsSkippedSilently()
@@ -446,9 +447,9 @@ void LoggingTest::aPipeInTheLogsPlaceHoldsNobodyUp()
 
 void LoggingTest::stampsAndNamesHaveLatinDigitsInEveryLocale_data()
 {
-    QTest::addColumn<QString>("locale");
+    const auto row = table<QString>("locale");
     for (const char *locale : {"fa_IR.UTF-8", "ar_EG.UTF-8", "mr_IN.UTF-8"}) {
-        QTest::newRow(locale) << QString::fromLatin1(locale);
+        row(locale, QString::fromLatin1(locale));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Ending on a signal, in a child process: see main().
 #include "daemon/process_end.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -66,12 +67,11 @@ private slots:
 
 void ProcessEndTest::aSignalPrintsItsLineAndEndsWith255_data()
 {
-    QTest::addColumn<QString>("where");
-    QTest::addColumn<int>("number");
-    QTest::newRow("hang-up") << QStringLiteral("main") << 1;
-    QTest::newRow("interrupt") << QStringLiteral("main") << 2;
-    QTest::newRow("terminate") << QStringLiteral("main") << 15;
-    QTest::newRow("on another thread") << QStringLiteral("worker") << 15;
+    const auto row = table<QString, int>("where", "number");
+    row("hang-up", "main", 1);
+    row("interrupt", "main", 2);
+    row("terminate", "main", 15);
+    row("on another thread", "worker", 15);
 }
 
 void ProcessEndTest::aSignalPrintsItsLineAndEndsWith255()

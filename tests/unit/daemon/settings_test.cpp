@@ -3,6 +3,7 @@
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "private_root.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -316,11 +317,10 @@ void SettingsTest::thatTheFileCannotBeWrittenIsToldOnceEachTime()
 
 void SettingsTest::ownerAndModeOfTheFileSurviveAWrite_data()
 {
-    QTest::addColumn<uint>("owner");
-    QTest::addColumn<uint>("group");
-    QTest::newRow("another user and group") << 1000U << 1001U;
-    QTest::newRow("our user, another group") << geteuid() << 1001U;
-    QTest::newRow("another user, our group") << 1000U << getegid();
+    const auto row = table<uint, uint>("owner", "group");
+    row("another user and group", 1000U, 1001U);
+    row("our user, another group", geteuid(), 1001U);
+    row("another user, our group", 1000U, getegid());
 }
 
 void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
@@ -384,9 +384,9 @@ void SettingsTest::unfinishedFilesAreRemoved()
 
 void SettingsTest::whatCannotBeTheSettingsFileIsSetAside_data()
 {
-    QTest::addColumn<QString>("kind");
+    const auto row = table<QString>("kind");
     for (const char *kind : {"two million keys", "pipe", "device"}) {
-        QTest::newRow(kind) << QString::fromLatin1(kind);
+        row(kind, QString::fromLatin1(kind));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which settings clients may set over the bus, and how they see them.
 #include "daemon/setup_rules.h"
+#include "test_table.h"
 
 #include <QtTest>
 
@@ -33,32 +34,31 @@ void TestSetupRules::goodValuesAreTakenAsTheFileHoldsThem()
 
 void TestSetupRules::whatIsNotGoodIsRefusedWithAReason_data()
 {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QVariant>("value");
-    QTest::newRow("unknown") << "vpx" << QVariant(1);
-    QTest::newRow("empty name") << "" << QVariant(1);
-    QTest::newRow("a group") << "Other/vpi" << QVariant(1);
-    QTest::newRow("another case") << "VPI" << QVariant(1);
-    QTest::newRow("root's") << "pppd_arguments" << QVariant(QStringList{"mtu", "1400"});
-    QTest::newRow("the modem's name") << "modem" << QVariant("x");
-    QTest::newRow("the modem's vendor") << "vendor_id" << QVariant(1394);
-    QTest::newRow("the modem's product") << "product_id" << QVariant(51966);
-    QTest::newRow("the modem's identifier") << "udi" << QVariant("/x");
-    QTest::newRow("protocol in lower case") << "protocol" << QVariant("pppoe");
-    QTest::newRow("protocol as number") << "protocol" << QVariant(1);
-    QTest::newRow("vpi too great") << "vpi" << QVariant(256);
-    QTest::newRow("vpi negative") << "vpi" << QVariant(-1);
-    QTest::newRow("vpi as text") << "vpi" << QVariant("8");
-    QTest::newRow("vpi as floating point") << "vpi" << QVariant(8.0);
-    QTest::newRow("vpi as flag") << "vpi" << QVariant(true);
-    QTest::newRow("vci too great") << "vci" << QVariant(65536);
-    QTest::newRow("service with a line feed") << "service" << QVariant("a\nb");
-    QTest::newRow("service with an escape") << "service" << QVariant("a\x1b[1m");
-    QTest::newRow("service too long") << "service" << QVariant(QString(101, 'x'));
-    QTest::newRow("service as list") << "service" << QVariant(QStringList{"a", "b"});
-    QTest::newRow("flag as text") << "autoconnect" << QVariant("true");
-    QTest::newRow("flag as number") << "connect_at_boot" << QVariant(1);
-    QTest::newRow("idle time negative") << "idleness" << QVariant(-1);
+    const auto row = table<QString, QVariant>("key", "value");
+    row("unknown", "vpx", QVariant(1));
+    row("empty name", "", QVariant(1));
+    row("a group", "Other/vpi", QVariant(1));
+    row("another case", "VPI", QVariant(1));
+    row("root's", "pppd_arguments", QVariant(QStringList{"mtu", "1400"}));
+    row("the modem's name", "modem", QVariant("x"));
+    row("the modem's vendor", "vendor_id", QVariant(1394));
+    row("the modem's product", "product_id", QVariant(51966));
+    row("the modem's identifier", "udi", QVariant("/x"));
+    row("protocol in lower case", "protocol", QVariant("pppoe"));
+    row("protocol as number", "protocol", QVariant(1));
+    row("vpi too great", "vpi", QVariant(256));
+    row("vpi negative", "vpi", QVariant(-1));
+    row("vpi as text", "vpi", QVariant("8"));
+    row("vpi as floating point", "vpi", QVariant(8.0));
+    row("vpi as flag", "vpi", QVariant(true));
+    row("vci too great", "vci", QVariant(65536));
+    row("service with a line feed", "service", QVariant("a\nb"));
+    row("service with an escape", "service", QVariant("a\x1b[1m"));
+    row("service too long", "service", QVariant(QString(101, 'x')));
+    row("service as list", "service", QVariant(QStringList{"a", "b"}));
+    row("flag as text", "autoconnect", QVariant("true"));
+    row("flag as number", "connect_at_boot", QVariant(1));
+    row("idle time negative", "idleness", QVariant(-1));
 }
 
 void TestSetupRules::whatIsNotGoodIsRefusedWithAReason()

@@ -4,6 +4,7 @@
 #include "dbus/daemon_adaptor.h"
 #include "fake_daemon.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -270,11 +271,7 @@ void DaemonAdaptorTest::eachMethodReachesTheSlotOfItsName()
 
 void DaemonAdaptorTest::aCallWithOtherTypesIsRefusedAndReachesNothing_data()
 {
-    QTest::addColumn<QString>("method");
-    QTest::addColumn<QVariantList>("arguments");
-    const auto row = [](const char *name, const char *method, const QVariantList &arguments) {
-        QTest::newRow(name) << QString::fromLatin1(method) << arguments;
-    };
+    const auto row = table<QString, QVariantList>("method", "arguments");
     row("number for text", "getIP", {1});
     row("text for flag", "setConnectAtBoot", {QStringLiteral("true")});
     row("number for flag", "setConnectAtModemPlug", {1});
@@ -307,9 +304,9 @@ void DaemonAdaptorTest::withoutAddressAndWithAnEmptyOneIsTheSame()
 
 void DaemonAdaptorTest::eachSignalIsRelayedOnceWithItsArguments_data()
 {
-    QTest::addColumn<int>("index");
+    const auto row = table<int>("index");
     for (size_t i = 0; i < daemonSignals.size(); ++i) {
-        QTest::newRow(daemonSignals[i].name) << int(i);
+        row(daemonSignals[i].name, int(i));
     }
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What the window's buttons do about findings, in which order findings stand, and what is sent on.
+#include "client/stop_signals.h"
 #include "desktop/administrator.h"
 #include "desktop/model/checkup_list.h"
 #include "desktop/model/deed.h"
 #include "desktop/rights/findings_text.h"
+#include "script_folder.h"
 
 #include <QTest>
 
@@ -226,6 +228,30 @@ private slots:
         for (const char *word : {"jo@isp", "\"pw\"", "\"jo\""}) {
             QVERIFY2(!report.contains(QString::fromLatin1(word)), qPrintable(report));
         }
+    }
+
+    void whatAsksForAPasswordCanBeEndedThoughThisProgramHoldsSignalsBack_data()
+    {
+        QTest::addColumn<QByteArray>("signal");
+        for (const char *signal : {"TERM", "INT", "HUP"}) {
+            QTest::newRow(signal) << QByteArray(signal);
+        }
+    }
+    void whatAsksForAPasswordCanBeEndedThoughThisProgramHoldsSignalsBack()
+    {
+        QFETCH(QByteArray, signal);
+        ScriptFolder programs;
+        programs.add(QStringLiteral("pkexec"), "kill -" + signal + " $$\nexit 0");
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(programs.path()) + ':' + path);
+        StopSignals::hold();
+        Administrator administrator;
+        std::optional<RightsOutcome> outcome;
+        administrator.perform(
+            Verb::Look, [&outcome](const RightsAnswer &answer) { outcome = answer.outcome; });
+        QTRY_VERIFY_WITH_TIMEOUT(outcome.has_value(), 30000);
+        qputenv("PATH", path);
+        QVERIFY(outcome == RightsOutcome::Failed); // it did not live to say that all is well
     }
 };
 

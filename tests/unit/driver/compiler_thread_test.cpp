@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The driver table, the choice of a record, and the order of a build.
 #include "driver/compiler_thread.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -103,18 +104,15 @@ private slots:
 
     void theRecordIsChosenByItsModuleFile_data()
     {
-        QTest::addColumn<QString>("driverName");
-        QTest::addColumn<QString>("record");
-        QTest::newRow("first") << "ueagle-atm"
-                               << "ueagle-atm";
-        QTest::newRow("second") << "unicorn_usb_eth"
-                                << "unicorn";
-        QTest::newRow("no record") << "speedtch" << QString();
-        QTest::newRow("no record either") << "cxacru" << QString();
-        QTest::newRow("upper case") << "UEAGLE-ATM" << QString();
-        QTest::newRow("package name") << "unicorn" << QString();
-        QTest::newRow("with suffix") << "ueagle-atm.ko" << QString();
-        QTest::newRow("empty") << QString() << QString();
+        const auto row = table<QString, QString>("driverName", "record");
+        row("first", "ueagle-atm", "ueagle-atm");
+        row("second", "unicorn_usb_eth", "unicorn");
+        row("no record", "speedtch", QString());
+        row("no record either", "cxacru", QString());
+        row("upper case", "UEAGLE-ATM", QString());
+        row("package name", "unicorn", QString());
+        row("with suffix", "ueagle-atm.ko", QString());
+        row("empty", QString(), QString());
     }
 
     void theRecordIsChosenByItsModuleFile()

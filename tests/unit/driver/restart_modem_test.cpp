@@ -2,6 +2,7 @@
 // Which module is reloaded for which modem.
 #include "driver/restart_modem.h"
 #include "script_folder.h"
+#include "test_table.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -14,15 +15,14 @@ class RestartModemTest : public QObject
 private slots:
     void theModuleIsChosenByTheVendor_data()
     {
-        QTest::addColumn<int>("vendorId");
-        QTest::addColumn<QString>("module");
-        QTest::newRow("no modem") << 0 << QString();
-        QTest::newRow("0x1110") << 4368 << "ueagle-atm";
-        QTest::newRow("0x06B9") << 1721 << "speedtch";
-        QTest::newRow("0x0483") << 1155 << "unicorn_usb_eth";
-        QTest::newRow("0x0572") << 1394 << "cxacru";
-        QTest::newRow("unknown vendor") << 1 << "cxacru";
-        QTest::newRow("no vendor at all") << -1 << "cxacru";
+        const auto row = table<int, QString>("vendorId", "module");
+        row("no modem", 0, QString());
+        row("0x1110", 4368, "ueagle-atm");
+        row("0x06B9", 1721, "speedtch");
+        row("0x0483", 1155, "unicorn_usb_eth");
+        row("0x0572", 1394, "cxacru");
+        row("unknown vendor", 1, "cxacru");
+        row("no vendor at all", -1, "cxacru");
     }
 
     void theModuleIsChosenByTheVendor()

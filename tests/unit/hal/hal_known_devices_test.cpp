@@ -3,6 +3,7 @@
 #include "hal/known_devices.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -60,24 +61,23 @@ private slots:
 
     void a_list_with_a_line_that_makes_no_sense_counts_as_none_data()
     {
-        QTest::addColumn<QByteArray>("line");
+        const auto row = table<QByteArray>("line");
         const QByteArray udi = "/org/freedesktop/Hal/devices/usb_device_1_2_x";
-        QTest::newRow("good, to compare") << "device\t" + udi + "\t1\t2\t3\tx\t/sys/1\n";
-        QTest::newRow("unknown kind") << "thing\t" + udi + "\t1\t2\t3\tx\t/sys/1\n";
-        QTest::newRow("no identifier") << QByteArray("device\t/org/x\t1\t2\t3\tx\t/sys/1\n");
-        QTest::newRow("the computer")
-            << QByteArray("device\t/org/freedesktop/Hal/devices/computer\t1\t2\t3\tx\t/sys/1\n");
-        QTest::newRow("vendor") << "device\t" + udi + "\t10000\t2\t3\tx\t/sys/1\n";
-        QTest::newRow("product") << "device\t" + udi + "\t1\t\t3\tx\t/sys/1\n";
-        QTest::newRow("number") << "device\t" + udi + "\t1\t2\t-2\tx\t/sys/1\n";
-        QTest::newRow("interface number") << "interface\t" + udi + "\t0\t0\t-1\t-\t/sys/1\n";
-        QTest::newRow("no serial") << "device\t" + udi + "\t1\t2\t3\t\t/sys/1\n";
-        QTest::newRow("no path") << "device\t" + udi + "\t1\t2\t3\tx\t\n";
-        QTest::newRow("relative path") << "device\t" + udi + "\t1\t2\t3\tx\tsys/1\n";
-        QTest::newRow("one field too few") << "device\t" + udi + "\t1\t2\t3\tx\n";
-        QTest::newRow("one field too many") << "device\t" + udi + "\t1\t2\t3\tx\t/sys/1\t\tz\n";
-        QTest::newRow("empty line") << QByteArray("\n");
-        QTest::newRow("two lists") << QByteArray("end\n");
+        row("good, to compare", "device\t" + udi + "\t1\t2\t3\tx\t/sys/1\n");
+        row("unknown kind", "thing\t" + udi + "\t1\t2\t3\tx\t/sys/1\n");
+        row("no identifier", "device\t/org/x\t1\t2\t3\tx\t/sys/1\n");
+        row("the computer", "device\t/org/freedesktop/Hal/devices/computer\t1\t2\t3\tx\t/sys/1\n");
+        row("vendor", "device\t" + udi + "\t10000\t2\t3\tx\t/sys/1\n");
+        row("product", "device\t" + udi + "\t1\t\t3\tx\t/sys/1\n");
+        row("number", "device\t" + udi + "\t1\t2\t-2\tx\t/sys/1\n");
+        row("interface number", "interface\t" + udi + "\t0\t0\t-1\t-\t/sys/1\n");
+        row("no serial", "device\t" + udi + "\t1\t2\t3\t\t/sys/1\n");
+        row("no path", "device\t" + udi + "\t1\t2\t3\tx\t\n");
+        row("relative path", "device\t" + udi + "\t1\t2\t3\tx\tsys/1\n");
+        row("one field too few", "device\t" + udi + "\t1\t2\t3\tx\n");
+        row("one field too many", "device\t" + udi + "\t1\t2\t3\tx\t/sys/1\t\tz\n");
+        row("empty line", "\n");
+        row("two lists", "end\n");
     }
     void a_list_with_a_line_that_makes_no_sense_counts_as_none()
     {

@@ -3,6 +3,7 @@
 #include "hal/options.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 class HalOptionsTest : public QObject
 {
@@ -40,10 +41,10 @@ private slots:
 
     void what_is_not_understood_is_named_data()
     {
-        QTest::addColumn<QByteArray>("argument");
+        const auto row = table<QByteArray>("argument");
         for (const char *argument :
             {"--monitor", "--monitor=", "--monitor=udevd", "list", "-x", "", "--list=yes"}) {
-            QTest::newRow(argument) << QByteArray(argument);
+            row(argument, QByteArray(argument));
         }
     }
     void what_is_not_understood_is_named()

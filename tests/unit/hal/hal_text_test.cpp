@@ -3,6 +3,7 @@
 #include "hal/text.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 class HalTextTest : public QObject
 {
@@ -11,21 +12,21 @@ class HalTextTest : public QObject
 private slots:
     void hexadecimal_numbers_have_one_to_four_digits_and_nothing_else_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<int>("expected"); // -1: not a number
-        QTest::newRow("padded") << QByteArray("046d") << 0x46d;
-        QTest::newRow("not padded") << QByteArray("1") << 1;
-        QTest::newRow("upper case") << QByteArray("CAFE") << 0xcafe;
-        QTest::newRow("largest") << QByteArray("ffff") << 0xffff;
-        QTest::newRow("five digits") << QByteArray("10000") << -1;
-        QTest::newRow("five digits with zero") << QByteArray("00001") << -1;
-        QTest::newRow("empty") << QByteArray() << -1;
-        QTest::newRow("prefix") << QByteArray("0x11") << -1;
-        QTest::newRow("minus") << QByteArray("-1") << -1;
-        QTest::newRow("plus") << QByteArray("+1") << -1;
-        QTest::newRow("blank") << QByteArray(" 11") << -1;
-        QTest::newRow("letters") << QByteArray("11g") << -1;
-        QTest::newRow("NUL") << QByteArray("11\0", 3) << -1;
+        // -1: not a number.
+        const auto row = table<QByteArray, int>("input", "expected");
+        row("padded", "046d", 0x46d);
+        row("not padded", "1", 1);
+        row("upper case", "CAFE", 0xcafe);
+        row("largest", "ffff", 0xffff);
+        row("five digits", "10000", -1);
+        row("five digits with zero", "00001", -1);
+        row("empty", QByteArray(), -1);
+        row("prefix", "0x11", -1);
+        row("minus", "-1", -1);
+        row("plus", "+1", -1);
+        row("blank", " 11", -1);
+        row("letters", "11g", -1);
+        row("NUL", QByteArray("11\0", 3), -1);
     }
     void hexadecimal_numbers_have_one_to_four_digits_and_nothing_else()
     {
@@ -35,18 +36,17 @@ private slots:
 
     void decimal_numbers_may_be_padded_and_must_fit_an_int_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("padded with a blank") << QByteArray(" 3") << 3;
-        QTest::newRow("padded with zeros") << QByteArray("008") << 8;
-        QTest::newRow("line feed") << QByteArray("12\n") << 12;
-        QTest::newRow("largest") << QByteArray("2147483647") << 2147483647;
-        QTest::newRow("too large") << QByteArray("2147483648") << -1;
-        QTest::newRow("far too large") << QByteArray("99999999999999999999") << -1;
-        QTest::newRow("empty") << QByteArray() << -1;
-        QTest::newRow("blanks") << QByteArray("  ") << -1;
-        QTest::newRow("minus") << QByteArray("-1") << -1;
-        QTest::newRow("unit") << QByteArray("500mA") << -1;
+        const auto row = table<QByteArray, int>("input", "expected");
+        row("padded with a blank", " 3", 3);
+        row("padded with zeros", "008", 8);
+        row("line feed", "12\n", 12);
+        row("largest", "2147483647", 2147483647);
+        row("too large", "2147483648", -1);
+        row("far too large", "99999999999999999999", -1);
+        row("empty", QByteArray(), -1);
+        row("blanks", "  ", -1);
+        row("minus", "-1", -1);
+        row("unit", "500mA", -1);
     }
     void decimal_numbers_may_be_padded_and_must_fit_an_int()
     {
@@ -56,18 +56,17 @@ private slots:
 
     void doubles_are_digits_with_at_most_one_point_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<double>("expected");
-        QTest::newRow("low speed") << QByteArray("1.5") << 1.5;
-        QTest::newRow("full speed") << QByteArray("12") << 12.0;
-        QTest::newRow("version") << QByteArray(" 2.00") << 2.0;
-        QTest::newRow("empty") << QByteArray() << -1.0;
-        QTest::newRow("unknown") << QByteArray("unknown") << -1.0;
-        QTest::newRow("infinite") << QByteArray("inf") << -1.0;
-        QTest::newRow("no number") << QByteArray("nan") << -1.0;
-        QTest::newRow("minus") << QByteArray("-2") << -1.0;
-        QTest::newRow("exponent") << QByteArray("1e9") << -1.0;
-        QTest::newRow("two points") << QByteArray("1.2.3") << -1.0;
+        const auto row = table<QByteArray, double>("input", "expected");
+        row("low speed", "1.5", 1.5);
+        row("full speed", "12", 12.0);
+        row("version", " 2.00", 2.0);
+        row("empty", QByteArray(), -1.0);
+        row("unknown", "unknown", -1.0);
+        row("infinite", "inf", -1.0);
+        row("no number", "nan", -1.0);
+        row("minus", "-2", -1.0);
+        row("exponent", "1e9", -1.0);
+        row("two points", "1.2.3", -1.0);
     }
     void doubles_are_digits_with_at_most_one_point()
     {
@@ -77,21 +76,19 @@ private slots:
 
     void what_is_no_utf8_becomes_question_marks_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("plain") << QByteArray("ADSL modem") << QByteArray("ADSL modem");
-        QTest::newRow("accents") << QByteArray("Zażółć") << QByteArray("Zażółć");
-        QTest::newRow("outside the first plane")
-            << QByteArray("\xf0\x9f\x98\x80") << QByteArray("\xf0\x9f\x98\x80");
-        QTest::newRow("Latin-1") << QByteArray("caf\xe9") << QByteArray("caf?");
-        QTest::newRow("lone continuation") << QByteArray("a\x80z") << QByteArray("a?z");
-        QTest::newRow("cut off") << QByteArray("\xe2\x82") << QByteArray("??");
-        QTest::newRow("overlong") << QByteArray("\xc0\xaf") << QByteArray("??");
-        QTest::newRow("overlong of three") << QByteArray("\xe0\x80\xaf") << QByteArray("???");
-        QTest::newRow("overlong of four") << QByteArray("\xf0\x80\x80\xaf") << QByteArray("????");
-        QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << QByteArray("???");
-        QTest::newRow("too large") << QByteArray("\xf4\x90\x80\x80") << QByteArray("????");
-        QTest::newRow("NUL") << QByteArray("a\0b", 3) << QByteArray("a?b");
+        const auto row = table<QByteArray, QByteArray>("input", "expected");
+        row("plain", "ADSL modem", "ADSL modem");
+        row("accents", "Zażółć", "Zażółć");
+        row("outside the first plane", "\xf0\x9f\x98\x80", "\xf0\x9f\x98\x80");
+        row("Latin-1", "caf\xe9", "caf?");
+        row("lone continuation", "a\x80z", "a?z");
+        row("cut off", "\xe2\x82", "??");
+        row("overlong", "\xc0\xaf", "??");
+        row("overlong of three", "\xe0\x80\xaf", "???");
+        row("overlong of four", "\xf0\x80\x80\xaf", "????");
+        row("surrogate", "\xed\xa0\x80", "???");
+        row("too large", "\xf4\x90\x80\x80", "????");
+        row("NUL", QByteArray("a\0b", 3), "a?b");
     }
     void what_is_no_utf8_becomes_question_marks()
     {
@@ -101,17 +98,17 @@ private slots:
 
     void what_steers_a_terminal_is_shown_as_question_marks_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("plain") << QByteArray("Zażółć 5%") << QByteArray("Zażółć 5%");
-        QTest::newRow("escape") << QByteArray("a\x1b[2J") << QByteArray("a?[2J");
-        QTest::newRow("line feed and tabulator") << QByteArray("a\nb\tc") << QByteArray("a?b?c");
-        QTest::newRow("delete") << QByteArray("a\x7f") << QByteArray("a?");
-        QTest::newRow("upper half") << QByteArray("\xc2\x9b\xc2\xa0") << QByteArray("?\xc2\xa0");
-        QTest::newRow("bidirectional") << QByteArray("\xe2\x80\xae\xe2\x81\xa6\xd8\x9c"
-                                                     "\xe2\x80\x8f\xe2\x80\xa8")
-                                       << QByteArray("?????");
-        QTest::newRow("no UTF-8") << QByteArray("\x9b") << QByteArray("?");
+        const auto row = table<QByteArray, QByteArray>("input", "expected");
+        row("plain", "Zażółć 5%", "Zażółć 5%");
+        row("escape", "a\x1b[2J", "a?[2J");
+        row("line feed and tabulator", "a\nb\tc", "a?b?c");
+        row("delete", "a\x7f", "a?");
+        row("upper half", "\xc2\x9b\xc2\xa0", "?\xc2\xa0");
+        row("bidirectional",
+            "\xe2\x80\xae\xe2\x81\xa6\xd8\x9c"
+            "\xe2\x80\x8f\xe2\x80\xa8",
+            "?????");
+        row("no UTF-8", "\x9b", "?");
     }
     void what_steers_a_terminal_is_shown_as_question_marks()
     {

@@ -3,6 +3,7 @@
 #include "hal/udi.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 #include <set>
 
@@ -69,14 +70,14 @@ private slots:
 
     void what_is_no_identifier_is_recognised_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("prefix alone") << QByteArray("/org/freedesktop/Hal/devices/");
-        QTest::newRow("elsewhere") << QByteArray("/org/freedesktop/Hal/Manager");
-        QTest::newRow("deeper") << QByteArray("/org/freedesktop/Hal/devices/a/b");
-        QTest::newRow("dash") << QByteArray("/org/freedesktop/Hal/devices/a-b");
-        QTest::newRow("NUL") << QByteArray("/org/freedesktop/Hal/devices/a\0b", 32);
-        QTest::newRow("accent") << QByteArray("/org/freedesktop/Hal/devices/\xc3\xa9");
+        const auto row = table<QByteArray>("input");
+        row("empty", QByteArray());
+        row("prefix alone", "/org/freedesktop/Hal/devices/");
+        row("elsewhere", "/org/freedesktop/Hal/Manager");
+        row("deeper", "/org/freedesktop/Hal/devices/a/b");
+        row("dash", "/org/freedesktop/Hal/devices/a-b");
+        row("NUL", QByteArray("/org/freedesktop/Hal/devices/a\0b", 32));
+        row("accent", "/org/freedesktop/Hal/devices/\xc3\xa9");
     }
     void what_is_no_identifier_is_recognised()
     {

@@ -3,6 +3,7 @@
 #include "hal/usb_record.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 namespace {
 
@@ -21,17 +22,16 @@ class HalUsbRecordTest : public QObject
 private slots:
     void the_product_text_of_an_event_is_three_hexadecimal_numbers_data()
     {
-        QTest::addColumn<QByteArray>("input");
-        QTest::addColumn<int>("vendor"); // -1: not understood
-        QTest::addColumn<int>("product");
-        QTest::newRow("as the kernel writes it") << QByteArray("1110/9041/1") << 0x1110 << 0x9041;
-        QTest::newRow("not padded") << QByteArray("483/e/0") << 0x483 << 0xe;
-        QTest::newRow("largest") << QByteArray("ffff/ffff/ffff") << 0xffff << 0xffff;
-        QTest::newRow("padded") << QByteArray("0483/0138/0001") << 0x483 << 0x138;
+        // A vendor of -1: not understood.
+        const auto row = table<QByteArray, int, int>("input", "vendor", "product");
+        row("as the kernel writes it", "1110/9041/1", 0x1110, 0x9041);
+        row("not padded", "483/e/0", 0x483, 0xe);
+        row("largest", "ffff/ffff/ffff", 0xffff, 0xffff);
+        row("padded", "0483/0138/0001", 0x483, 0x138);
         for (const char *bad : {"", "/", "//", "1110/9041", "1110/9041/", "/9041/1", "1110//1",
                  "1110/9041/1/2", "11100/9041/1", "g/1/1", "1110/ 9041/1", "-1/1/1", "0x1/1/1",
                  "ffffffff/ffffffff/0"}) {
-            QTest::newRow(bad) << QByteArray(bad) << -1 << -1;
+            row(bad, QByteArray(bad), -1, -1);
         }
     }
     void the_product_text_of_an_event_is_three_hexadecimal_numbers()
@@ -97,13 +97,12 @@ private slots:
 
     void an_interface_without_its_file_has_the_number_of_its_path_data()
     {
-        QTest::addColumn<QByteArray>("syspath");
-        QTest::addColumn<int>("number");
-        QTest::newRow("root port") << QByteArray("/sys/devices/usb1/1-1/1-1:1.2") << 2;
-        QTest::newRow("behind a hub") << QByteArray("/sys/devices/usb1/1-1/1-1.4/1-1.4:1.10") << 10;
-        QTest::newRow("no number") << QByteArray("/sys/devices/usb1/1-1/1-1:1.") << -1;
-        QTest::newRow("no colon") << QByteArray("/sys/devices/usb1/1-1/1-1.0") << -1;
-        QTest::newRow("letters") << QByteArray("/sys/devices/usb1/1-1/1-1:1.x") << -1;
+        const auto row = table<QByteArray, int>("syspath", "number");
+        row("root port", "/sys/devices/usb1/1-1/1-1:1.2", 2);
+        row("behind a hub", "/sys/devices/usb1/1-1/1-1.4/1-1.4:1.10", 10);
+        row("no number", "/sys/devices/usb1/1-1/1-1:1.", -1);
+        row("no colon", "/sys/devices/usb1/1-1/1-1.0", -1);
+        row("letters", "/sys/devices/usb1/1-1/1-1:1.x", -1);
     }
     void an_interface_without_its_file_has_the_number_of_its_path()
     {
@@ -140,14 +139,13 @@ private slots:
 
     void a_device_that_nothing_identifies_is_not_announced_data()
     {
-        QTest::addColumn<QByteArray>("product");
-        QTest::addColumn<QByteArray>("idVendor");
-        QTest::addColumn<QByteArray>("idProduct");
-        QTest::newRow("nothing at all") << QByteArray() << QByteArray() << QByteArray();
-        QTest::newRow("bad event") << QByteArray("ffffffff/1/1") << QByteArray() << QByteArray();
-        QTest::newRow("vendor alone") << QByteArray() << QByteArray("1110") << QByteArray();
-        QTest::newRow("product alone") << QByteArray() << QByteArray() << QByteArray("9041");
-        QTest::newRow("bad file") << QByteArray() << QByteArray("11100") << QByteArray("9041");
+        const auto row
+            = table<QByteArray, QByteArray, QByteArray>("product", "idVendor", "idProduct");
+        row("nothing at all", QByteArray(), QByteArray(), QByteArray());
+        row("bad event", "ffffffff/1/1", QByteArray(), QByteArray());
+        row("vendor alone", QByteArray(), "1110", QByteArray());
+        row("product alone", QByteArray(), QByteArray(), "9041");
+        row("bad file", QByteArray(), "11100", "9041");
     }
     void a_device_that_nothing_identifies_is_not_announced()
     {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the keeper decides, case by case.
 #include "keeper_story.h"
+#include "test_table.h"
 
 #include <QtTest>
 
@@ -210,9 +211,9 @@ private slots:
 
     void theWishOutlivesARebootWhereTheSettingSaysSo_data()
     {
-        QTest::addColumn<bool>("connectsAtBoot");
-        QTest::newRow("connect at boot") << true;
-        QTest::newRow("not") << false;
+        const auto row = table<bool>("connectsAtBoot");
+        row("connect at boot", true);
+        row("not", false);
     }
 
     void theWishOutlivesARebootWhereTheSettingSaysSo()
@@ -363,10 +364,9 @@ private slots:
 
     void pausesAreSpreadByATenth_data()
     {
-        QTest::addColumn<double>("dice");
-        QTest::addColumn<qint64>("pause");
-        QTest::newRow("shortest") << 0.0 << qint64(4'500);
-        QTest::newRow("longest") << 1.0 << qint64(5'500);
+        const auto row = table<double, qint64>("dice", "pause");
+        row("shortest", 0.0, qint64(4'500));
+        row("longest", 1.0, qint64(5'500));
     }
 
     void pausesAreSpreadByATenth()
@@ -382,13 +382,11 @@ private slots:
 
     void aRefusedAccountIsTriedSeldom_data()
     {
-        QTest::addColumn<qint64>("workedAgo");
-        QTest::addColumn<QVector<qint64>>("pauses");
+        const auto row = table<qint64, QVector<qint64>>("workedAgo", "pauses");
         const QVector<qint64> distrusted{900'000, 3'600'000, 21'600'000, 21'600'000};
-        QTest::newRow("worked lately")
-            << qint64(6) * 86400 << (QVector<qint64>{60'000} + distrusted);
-        QTest::newRow("worked long ago") << qint64(8) * 86400 << distrusted;
-        QTest::newRow("never worked") << qint64(0) << distrusted;
+        row("worked lately", qint64(6) * 86400, (QVector<qint64>{60'000} + distrusted));
+        row("worked long ago", qint64(8) * 86400, distrusted);
+        row("never worked", qint64(0), distrusted);
     }
 
     void aRefusedAccountIsTriedSeldom()
@@ -464,12 +462,12 @@ private slots:
 
     void settingsThatStopAFirstAttemptAreWaitedFor_data()
     {
-        QTest::addColumn<Cause>("cause");
-        QTest::newRow("peer file") << Cause::PeerFileMissing;
-        QTest::newRow("account") << Cause::PasswordMissing;
-        QTest::newRow("line") << Cause::CircuitMissing;
-        QTest::newRow("option") << Cause::BadOption;
-        QTest::newRow("noauth") << Cause::PeerMustAuthenticate;
+        const auto row = table<Cause>("cause");
+        row("peer file", Cause::PeerFileMissing);
+        row("account", Cause::PasswordMissing);
+        row("line", Cause::CircuitMissing);
+        row("option", Cause::BadOption);
+        row("noauth", Cause::PeerMustAuthenticate);
     }
 
     void settingsThatStopAFirstAttemptAreWaitedFor()
@@ -532,11 +530,10 @@ private slots:
 
     void aModemRestartIsRememberedByTheNextKeeper_data()
     {
-        QTest::addColumn<int>("secondsAgo");
-        QTest::addColumn<bool>("isRestarted");
-        QTest::newRow("half an hour ago") << 1'800 << false;
-        QTest::newRow("over an hour ago") << 3'700 << true;
-        QTest::newRow("after the clock was set back") << -86'400 << true;
+        const auto row = table<int, bool>("secondsAgo", "isRestarted");
+        row("half an hour ago", 1'800, false);
+        row("over an hour ago", 3'700, true);
+        row("after the clock was set back", -86'400, true);
     }
 
     void aModemRestartIsRememberedByTheNextKeeper()
@@ -738,9 +735,9 @@ private slots:
 
     void whoAsksAgainKeepsTheLink_data()
     {
-        QTest::addColumn<bool>("byTheDaemonsLog");
-        QTest::newRow("through the daemon, which drops it") << true;
-        QTest::newRow("through the keeper") << false;
+        const auto row = table<bool>("byTheDaemonsLog");
+        row("through the daemon, which drops it", true);
+        row("through the keeper", false);
     }
 
     void whoAsksAgainKeepsTheLink()

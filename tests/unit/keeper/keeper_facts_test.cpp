@@ -8,6 +8,7 @@
 #include "keeper/settings.h"
 #include "keeper/system_facts.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -117,13 +118,11 @@ private slots:
 
     void othersAreToldApart_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<bool>("isPpp");
-        QTest::newRow("ppp") << QByteArray("vpn") << int(ARPHRD_PPP) << true;
-        QTest::newRow("by name") << QByteArray("ppp12") << int(ARPHRD_NONE) << true;
-        QTest::newRow("pppoe-wan") << QByteArray("pppoe-wan") << int(ARPHRD_ETHER) << false;
-        QTest::newRow("ethernet") << QByteArray("nas0") << int(ARPHRD_ETHER) << false;
+        const auto row = table<QByteArray, int, bool>("name", "kind", "isPpp");
+        row("ppp", "vpn", int(ARPHRD_PPP), true);
+        row("by name", "ppp12", int(ARPHRD_NONE), true);
+        row("pppoe-wan", "pppoe-wan", int(ARPHRD_ETHER), false);
+        row("ethernet", "nas0", int(ARPHRD_ETHER), false);
     }
 
     void othersAreToldApart()
@@ -277,12 +276,11 @@ private slots:
 
     void aCircuitThatNobodyHasSetIsTold_data()
     {
-        QTest::addColumn<QByteArray>("circuit");
-        QTest::addColumn<Cause>("cause");
-        QTest::newRow("neither") << QByteArray("0.0") << Cause::CircuitMissing;
-        QTest::newRow("no VCI") << QByteArray("8.0") << Cause::CircuitMissing;
-        QTest::newRow("VPI 0 is one") << QByteArray("0.33") << Cause::BridgeMissing;
-        QTest::newRow("both") << QByteArray("8.35") << Cause::BridgeMissing;
+        const auto row = table<QByteArray, Cause>("circuit", "cause");
+        row("neither", "0.0", Cause::CircuitMissing);
+        row("no VCI", "8.0", Cause::CircuitMissing);
+        row("VPI 0 is one", "0.33", Cause::BridgeMissing);
+        row("both", "8.35", Cause::BridgeMissing);
     }
 
     void aCircuitThatNobodyHasSetIsTold()

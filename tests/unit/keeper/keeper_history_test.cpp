@@ -4,6 +4,7 @@
 #include "keeper/history/history.h"
 #include "keeper/history/schema.h"
 #include "keeper/history/thinning.h"
+#include "test_table.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -267,11 +268,11 @@ private slots:
 
     void aDamagedFileIsSetAside_data()
     {
-        QTest::addColumn<QString>("damage");
-        QTest::newRow("text") << QStringLiteral("text");
-        QTest::newRow("header") << QStringLiteral("header");
-        QTest::newRow("truncated") << QStringLiteral("truncated");
-        QTest::newRow("a page in the middle") << QStringLiteral("page");
+        const auto row = table<QString>("damage");
+        row("text", "text");
+        row("header", "header");
+        row("truncated", "truncated");
+        row("a page in the middle", "page");
     }
 
     void aDamagedFileIsSetAside()

@@ -2,6 +2,7 @@
 // The texts of pppd's secrets and peer files: what is edited, and what stays.
 #include "network/account_files.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QFile>
 #include <QRegExp>
@@ -289,9 +290,9 @@ void TestAccountFiles::accountIsRead()
 
 void TestAccountFiles::shippedFilesGetAFurtherEntryAtEveryChange_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("pap-secrets") << shippedFile("pap-secrets");
-    QTest::newRow("chap-secrets") << shippedFile("chap-secrets");
+    const auto row = table<QByteArray>("content");
+    row("pap-secrets", shippedFile("pap-secrets"));
+    row("chap-secrets", shippedFile("chap-secrets"));
 }
 
 void TestAccountFiles::shippedFilesGetAFurtherEntryAtEveryChange()
@@ -338,14 +339,8 @@ void TestAccountFiles::aSecondChangeReplacesALoginOfManyBytes()
 
 void TestAccountFiles::whatIsWrittenIsRead_data()
 {
-    QTest::addColumn<QString>("login");
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<bool>("recognised");
+    const auto row = table<QString, QString, bool>("login", "password", "recognised");
 
-    const auto row
-        = [](const char *name, const QString &login, const QString &password, bool recognised) {
-              QTest::newRow(name) << login << password << recognised;
-          };
     row("plain", QStringLiteral("user@isp"), QStringLiteral("secret"), true);
     row("50 characters fit only one at a time into a piece", letters(50), letters(35), true);
     row("50 and 50 characters exceed a piece", letters(50), letters(50), false);
@@ -401,12 +396,12 @@ void TestAccountFiles::filterBeforeThePatternChangesNoAnswer()
 
 void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly_data()
 {
-    QTest::addColumn<QByteArray>("line");
-    QTest::newRow("comments") << QByteArray("# a comment of some length\n");
-    QTest::newRow("quotes") << QByteArray("\"");
-    QTest::newRow("one line") << QByteArray("x");
-    QTest::newRow("login lines without an end") << QByteArray("user \"abcd ");
-    QTest::newRow("entries for one server") << QByteArray("\"login\" isp \"secret\" *\n");
+    const auto row = table<QByteArray>("line");
+    row("comments", "# a comment of some length\n");
+    row("quotes", "\"");
+    row("one line", "x");
+    row("login lines without an end", "user \"abcd ");
+    row("entries for one server", "\"login\" isp \"secret\" *\n");
 }
 
 void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly()

@@ -3,6 +3,7 @@
 #include "network/account_safety.h"
 
 #include "network/account_files.h"
+#include "test_table.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -47,30 +48,24 @@ private slots:
 
 void TestAccountSafety::wordsAreCutAsPppdCutsThem_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArrayList>("words");
-    QTest::newRow("nothing") << QByteArray() << QByteArrayList();
-    QTest::newRow("options") << peerFile
-                             << QByteArrayList{"^plugin", "pppoe.so", "^nic-nas0", "^user", "login",
-                                    "^noauth"};
-    QTest::newRow("secrets") << entryFirst
-                             << QByteArrayList{
-                                    "^login", "*", "password", "*", "^other", "*", "secret", "*"};
-    QTest::newRow("comment after a word") << QByteArray("a # b\n c") << QByteArrayList{"^a", "^c"};
-    QTest::newRow("comment glued to a word") << QByteArray("a#b\nc") << QByteArrayList{"^a", "^c"};
-    QTest::newRow("underscore") << QByteArray("a_b c") << QByteArrayList{"^a_b", "c"};
-    QTest::newRow("number sign in quotes")
-        << QByteArray("\"a # b\" c") << QByteArrayList{"^a # b", "c"};
-    QTest::newRow("other quotes") << QByteArray("'a \" b' c") << QByteArrayList{"^a \" b", "c"};
-    QTest::newRow("quoted line feed") << QByteArray("\"a\nb\" c") << QByteArrayList{"^a\nb", "c"};
-    QTest::newRow("escaped quotation mark")
-        << QByteArray("\"a\\\" b\" c") << QByteArrayList{"^a\\\" b", "c"};
-    QTest::newRow("escaped blank") << QByteArray("a\\ b c") << QByteArrayList{"^a\\ b", "c"};
-    QTest::newRow("never ending") << QByteArray("\"a\\\"\nb c\n")
-                                  << QByteArrayList{"^a\\\"\nb c\n"};
-    QTest::newRow("glued") << QByteArray("\"a\"b") << QByteArrayList{"^a", "b"};
-    QTest::newRow("up to a zero byte") << QByteArray("a b\0c", 5) << QByteArrayList{"^a", "b"};
-    QTest::newRow("last backslash") << QByteArray("a\\") << QByteArrayList{"^a\\"};
+    const auto row = table<QByteArray, QByteArrayList>("content", "words");
+    row("nothing", QByteArray(), QByteArrayList());
+    row("options", peerFile,
+        QByteArrayList{"^plugin", "pppoe.so", "^nic-nas0", "^user", "login", "^noauth"});
+    row("secrets", entryFirst,
+        QByteArrayList{"^login", "*", "password", "*", "^other", "*", "secret", "*"});
+    row("comment after a word", "a # b\n c", QByteArrayList{"^a", "^c"});
+    row("comment glued to a word", "a#b\nc", QByteArrayList{"^a", "^c"});
+    row("underscore", "a_b c", QByteArrayList{"^a_b", "c"});
+    row("number sign in quotes", "\"a # b\" c", QByteArrayList{"^a # b", "c"});
+    row("other quotes", "'a \" b' c", QByteArrayList{"^a \" b", "c"});
+    row("quoted line feed", "\"a\nb\" c", QByteArrayList{"^a\nb", "c"});
+    row("escaped quotation mark", "\"a\\\" b\" c", QByteArrayList{"^a\\\" b", "c"});
+    row("escaped blank", "a\\ b c", QByteArrayList{"^a\\ b", "c"});
+    row("never ending", "\"a\\\"\nb c\n", QByteArrayList{"^a\\\"\nb c\n"});
+    row("glued", "\"a\"b", QByteArrayList{"^a", "b"});
+    row("up to a zero byte", QByteArray("a b\0c", 5), QByteArrayList{"^a", "b"});
+    row("last backslash", "a\\", QByteArrayList{"^a\\"});
 }
 
 void TestAccountSafety::wordsAreCutAsPppdCutsThem()
@@ -90,28 +85,26 @@ void TestAccountSafety::wordsAreTheSameInTextAndPlaceTogether()
 
 void TestAccountSafety::valuesAreJudged_data()
 {
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<AccountFault>("fault");
-    QTest::newRow("usual") << "user@isp.example" << AccountFault::None;
-    QTest::newRow("blank, number sign, quote") << "a b#c'd" << AccountFault::None;
-    QTest::newRow("50 characters") << QString(50, 'x') << AccountFault::None;
-    QTest::newRow("26 umlauts") << QString(26, QChar(0xe4)) << AccountFault::None;
-    QTest::newRow("encoded quotation mark") << "a\\042b" << AccountFault::None;
-    QTest::newRow("two backslashes") << "a\\\\b" << AccountFault::None;
-    QTest::newRow("two backslashes at the end") << "a\\\\" << AccountFault::None;
-    QTest::newRow("empty") << "" << AccountFault::Empty;
-    QTest::newRow("51 characters") << QString(51, 'x') << AccountFault::TooLong;
-    QTest::newRow("line feed") << "a\nplugin evil.so" << AccountFault::ControlCharacter;
-    QTest::newRow("carriage return") << "a\rb" << AccountFault::ControlCharacter;
-    QTest::newRow("zero") << QString("a").append(QChar(0)) << AccountFault::ControlCharacter;
-    QTest::newRow("delete") << "a\x7f" << AccountFault::ControlCharacter;
-    QTest::newRow("C1 control") << QString(QChar(0x85)) << AccountFault::ControlCharacter;
-    QTest::newRow("line separator") << QString(QChar(0x2028)) << AccountFault::ControlCharacter;
-    QTest::newRow("quotation mark") << "a\" plugin evil.so \"" << AccountFault::QuotationMark;
-    QTest::newRow("escaped quotation mark")
-        << "a\\\" plugin evil.so" << AccountFault::QuotationMark;
-    QTest::newRow("backslash at the end") << "a\\" << AccountFault::Backslash;
-    QTest::newRow("three at the end") << "a\\\\\\" << AccountFault::Backslash;
+    const auto row = table<QString, AccountFault>("value", "fault");
+    row("usual", "user@isp.example", AccountFault::None);
+    row("blank, number sign, quote", "a b#c'd", AccountFault::None);
+    row("50 characters", QString(50, 'x'), AccountFault::None);
+    row("26 umlauts", QString(26, QChar(0xe4)), AccountFault::None);
+    row("encoded quotation mark", "a\\042b", AccountFault::None);
+    row("two backslashes", "a\\\\b", AccountFault::None);
+    row("two backslashes at the end", "a\\\\", AccountFault::None);
+    row("empty", "", AccountFault::Empty);
+    row("51 characters", QString(51, 'x'), AccountFault::TooLong);
+    row("line feed", "a\nplugin evil.so", AccountFault::ControlCharacter);
+    row("carriage return", "a\rb", AccountFault::ControlCharacter);
+    row("zero", QString("a").append(QChar(0)), AccountFault::ControlCharacter);
+    row("delete", "a\x7f", AccountFault::ControlCharacter);
+    row("C1 control", QString(QChar(0x85)), AccountFault::ControlCharacter);
+    row("line separator", QString(QChar(0x2028)), AccountFault::ControlCharacter);
+    row("quotation mark", "a\" plugin evil.so \"", AccountFault::QuotationMark);
+    row("escaped quotation mark", "a\\\" plugin evil.so", AccountFault::QuotationMark);
+    row("backslash at the end", "a\\", AccountFault::Backslash);
+    row("three at the end", "a\\\\\\", AccountFault::Backslash);
 }
 
 void TestAccountSafety::valuesAreJudged()
@@ -128,16 +121,14 @@ void TestAccountSafety::valuesAreJudged()
 
 void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword_data()
 {
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<AccountFault>("fault");
-    QTest::newRow("inside") << "a\\\"b" << AccountFault::None;
-    QTest::newRow("at the end") << "a\\\"" << AccountFault::None;
-    QTest::newRow("behind an escaped backslash") << "a\\\\\"b" << AccountFault::QuotationMark;
-    QTest::newRow("escaped behind an escaped backslash") << "a\\\\\\\"b" << AccountFault::None;
-    QTest::newRow("behind two escaped backslashes")
-        << "a\\\\\\\\\"b" << AccountFault::QuotationMark;
-    QTest::newRow("not escaped") << "a\"b" << AccountFault::QuotationMark;
-    QTest::newRow("before a blank") << "a\\\" * \\\"b" << AccountFault::QuotationMark;
+    const auto row = table<QString, AccountFault>("password", "fault");
+    row("inside", "a\\\"b", AccountFault::None);
+    row("at the end", "a\\\"", AccountFault::None);
+    row("behind an escaped backslash", "a\\\\\"b", AccountFault::QuotationMark);
+    row("escaped behind an escaped backslash", "a\\\\\\\"b", AccountFault::None);
+    row("behind two escaped backslashes", "a\\\\\\\\\"b", AccountFault::QuotationMark);
+    row("not escaped", "a\"b", AccountFault::QuotationMark);
+    row("before a blank", "a\\\" * \\\"b", AccountFault::QuotationMark);
 }
 
 void TestAccountSafety::anEscapedQuotationMarkMayBeInAPassword()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Counter files: what counts as a number, and that a failure leaves the output alone.
 #include "network/number_file.h"
+#include "test_table.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -44,12 +45,7 @@ QString NumberFileTest::fileWith(const QByteArray &content)
 
 void NumberFileTest::theNumberAtTheBeginningIsRead_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<bool>("isNumber");
-    QTest::addColumn<uint>("number");
-    const auto row = [](const char *name, const QByteArray &content, bool isNumber, uint number) {
-        QTest::newRow(name) << content << isNumber << number;
-    };
+    const auto row = table<QByteArray, bool, uint>("content", "isNumber", "number");
     row("as the kernel writes it", "5000\n", true, 5000);
     row("zero", "0\n", true, 0);
     row("without a line feed", "12", true, 12);

@@ -4,6 +4,7 @@
 #include "plain_route_search.h"
 #include "sanitized.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -24,13 +25,13 @@ private slots:
 
 void RouteTableTest::aRealTableGivesItsLastInterface_data()
 {
-    QTest::addColumn<QString>("interface");
-    QTest::newRow("only-loopback") << QString();
-    QTest::newRow("br-lan") << QString();
-    QTest::newRow("eth0-only") << QStringLiteral("eth0");
-    QTest::newRow("enp0s3") << QStringLiteral("enp0s3");
-    QTest::newRow("ppp0-default") << QStringLiteral("ppp0");
-    QTest::newRow("eth0-then-ppp0") << QStringLiteral("ppp0"); // though the default route is eth0's
+    const auto row = table<QString>("interface");
+    row("only-loopback", QString());
+    row("br-lan", QString());
+    row("eth0-only", "eth0");
+    row("enp0s3", "enp0s3");
+    row("ppp0-default", "ppp0");
+    row("eth0-then-ppp0", "ppp0"); // though the default route is eth0's
 }
 
 void RouteTableTest::aRealTableGivesItsLastInterface()

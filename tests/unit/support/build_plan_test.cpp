@@ -2,6 +2,7 @@
 // The commands of a driver build.
 #include "driver/compiler_thread.h"
 #include "support/driver/build_plan.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -64,11 +65,11 @@ private slots:
 
     void anAssignmentTakesThePlaceOfTheVariableWhereverItStands_data()
     {
-        QTest::addColumn<QStringList>("base");
-        QTest::newRow("first") << QStringList({"A=1", "B=2"});
-        QTest::newRow("last") << QStringList({"B=2", "A=1"});
-        QTest::newRow("twice") << QStringList({"A=1", "B=2", "A=2"});
-        QTest::newRow("nowhere") << QStringList("B=2");
+        const auto row = table<QStringList>("base");
+        row("first", QStringList({"A=1", "B=2"}));
+        row("last", QStringList({"B=2", "A=1"}));
+        row("twice", QStringList({"A=1", "B=2", "A=2"}));
+        row("nowhere", QStringList("B=2"));
     }
 
     void anAssignmentTakesThePlaceOfTheVariableWhereverItStands()
@@ -92,14 +93,13 @@ private slots:
 
     void listsAreSplitAtCommas_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("entries");
-        QTest::newRow("none") << QString() << QStringList();
-        QTest::newRow("one") << "all" << QStringList("all");
-        QTest::newRow("two") << "clean, modules" << QStringList({"clean", "modules"});
-        QTest::newRow("no blank") << "clean,modules" << QStringList({"clean", "modules"});
-        QTest::newRow("blank inside") << "A=b c, D=e" << QStringList({"A=b c", "D=e"});
-        QTest::newRow("empty entries") << ", all, ," << QStringList("all");
+        const auto row = table<QString, QStringList>("text", "entries");
+        row("none", QString(), QStringList());
+        row("one", "all", QStringList("all"));
+        row("two", "clean, modules", QStringList({"clean", "modules"}));
+        row("no blank", "clean,modules", QStringList({"clean", "modules"}));
+        row("blank inside", "A=b c, D=e", QStringList({"A=b c", "D=e"}));
+        row("empty entries", ", all, ,", QStringList("all"));
     }
 
     void listsAreSplitAtCommas()
@@ -110,16 +110,12 @@ private slots:
 
     void theHeadersPackageIsNamedAfterTheKernel_data()
     {
-        QTest::addColumn<QString>("release");
-        QTest::addColumn<QString>("packages");
-        QTest::newRow("amd64") << "6.1.0-56-amd64"
-                               << "linux-headers-6.1.0-56-amd64 (or linux-headers-amd64)";
-        QTest::newRow("32 bit") << "6.1.0-56-686-pae"
-                                << "linux-headers-6.1.0-56-686-pae (or linux-headers-686-pae)";
-        QTest::newRow("rt") << "6.1.0-9-rt-amd64"
-                            << "linux-headers-6.1.0-9-rt-amd64 (or linux-headers-rt-amd64)";
-        QTest::newRow("own kernel") << "6.18.44"
-                                    << "linux-headers-6.18.44 (or linux-headers-amd64)";
+        const auto row = table<QString, QString>("release", "packages");
+        row("amd64", "6.1.0-56-amd64", "linux-headers-6.1.0-56-amd64 (or linux-headers-amd64)");
+        row("32 bit", "6.1.0-56-686-pae",
+            "linux-headers-6.1.0-56-686-pae (or linux-headers-686-pae)");
+        row("rt", "6.1.0-9-rt-amd64", "linux-headers-6.1.0-9-rt-amd64 (or linux-headers-rt-amd64)");
+        row("own kernel", "6.18.44", "linux-headers-6.18.44 (or linux-headers-amd64)");
     }
 
     void theHeadersPackageIsNamedAfterTheKernel()
@@ -130,17 +126,16 @@ private slots:
 
     void theModulesToLoadAreReadInOrder_data()
     {
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<QStringList>("files");
-        QTest::newRow("none") << QString() << QStringList();
-        QTest::newRow("built in") << "builtin loop\n" << QStringList();
-        QTest::newRow("one") << "insmod /lib/modules/6.1/extra/a.ko \n"
-                             << QStringList("/lib/modules/6.1/extra/a.ko");
-        QTest::newRow("with needs and options")
-            << "insmod /lib/modules/6.1/b.ko.xz \ninsmod /lib/modules/6.1/a.ko x=1 y=2\n"
-            << QStringList({"/lib/modules/6.1/b.ko.xz", "/lib/modules/6.1/a.ko"});
-        QTest::newRow("cut off") << "insmod " << QStringList(QString());
-        QTest::newRow("noise") << "xinsmod /a\n insmod /b\n" << QStringList();
+        const auto row = table<QString, QStringList>("output", "files");
+        row("none", QString(), QStringList());
+        row("built in", "builtin loop\n", QStringList());
+        row("one", "insmod /lib/modules/6.1/extra/a.ko \n",
+            QStringList("/lib/modules/6.1/extra/a.ko"));
+        row("with needs and options",
+            "insmod /lib/modules/6.1/b.ko.xz \ninsmod /lib/modules/6.1/a.ko x=1 y=2\n",
+            QStringList({"/lib/modules/6.1/b.ko.xz", "/lib/modules/6.1/a.ko"}));
+        row("cut off", "insmod ", QStringList(QString()));
+        row("noise", "xinsmod /a\n insmod /b\n", QStringList());
     }
 
     void theModulesToLoadAreReadInOrder()

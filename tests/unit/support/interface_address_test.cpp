@@ -2,6 +2,7 @@
 // The address of an interface, for real interfaces in a network of the test's own.
 #include "private_root.h"
 #include "support/resolver/interface_address.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -99,14 +100,14 @@ void InterfaceAddressTest::ofAnIpv6PairTheOwnOneCountsAndALinksOwnAddressNamesTh
 
 void InterfaceAddressTest::whatIsNoInterfaceHasNoAnswer_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("unknown") << QStringLiteral("none7");
-    QTest::newRow("the beginning of one") << QStringLiteral("l");
-    QTest::newRow("longer than one") << QStringLiteral("lo0");
-    QTest::newRow("other case") << QStringLiteral("LO");
-    QTest::newRow("number of one") << QStringLiteral("1");
-    QTest::newRow("other letters") << QString(QChar(0x20ac));
+    const auto row = table<QString>("name");
+    row("empty", QString());
+    row("unknown", "none7");
+    row("the beginning of one", "l");
+    row("longer than one", "lo0");
+    row("other case", "LO");
+    row("number of one", "1");
+    row("other letters", QString(QChar(0x20ac)));
 }
 
 void InterfaceAddressTest::whatIsNoInterfaceHasNoAnswer()

@@ -2,6 +2,7 @@
 // The line cutter, fed in pieces of every size.
 #include "support/process/line_cutter.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -48,19 +49,16 @@ private slots:
 
 void LineCutterTest::linesComeWithoutTheirLineFeed_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArrayList>("parts");
-    QTest::newRow("nothing") << QByteArray() << QByteArrayList{""};
-    QTest::newRow("one line") << QByteArray("a\n") << QByteArrayList{"a", ""};
-    QTest::newRow("no line feed") << QByteArray("a") << QByteArrayList{"a"};
-    QTest::newRow("empty lines") << QByteArray("\n\n") << QByteArrayList{"", "", ""};
-    QTest::newRow("unfinished last line") << QByteArray("a\nbc") << QByteArrayList{"a", "bc"};
-    QTest::newRow("carriage return stays")
-        << QByteArray("a\r\nb\r") << QByteArrayList{"a\r", "b\r"};
-    QTest::newRow("NUL bytes stay") << QByteArray(
-        "a\0b\n\0\n", 6) << QByteArrayList{QByteArray("a\0b", 3), QByteArray("\0", 1), ""};
-    QTest::newRow("no valid UTF-8")
-        << QByteArray("\xff\xc3\n\x80") << QByteArrayList{"\xff\xc3", "\x80"};
+    const auto row = table<QByteArray, QByteArrayList>("text", "parts");
+    row("nothing", QByteArray(), QByteArrayList{""});
+    row("one line", "a\n", QByteArrayList{"a", ""});
+    row("no line feed", "a", QByteArrayList{"a"});
+    row("empty lines", "\n\n", QByteArrayList{"", "", ""});
+    row("unfinished last line", "a\nbc", QByteArrayList{"a", "bc"});
+    row("carriage return stays", "a\r\nb\r", QByteArrayList{"a\r", "b\r"});
+    row("NUL bytes stay", QByteArray("a\0b\n\0\n", 6),
+        QByteArrayList{QByteArray("a\0b", 3), QByteArray("\0", 1), ""});
+    row("no valid UTF-8", "\xff\xc3\n\x80", QByteArrayList{"\xff\xc3", "\x80"});
 }
 
 void LineCutterTest::linesComeWithoutTheirLineFeed()
@@ -78,10 +76,10 @@ void LineCutterTest::linesComeWithoutTheirLineFeed()
 
 void LineCutterTest::recordedTextIsCutTheSameWhereverItIsSplit_data()
 {
-    QTest::addColumn<QByteArray>("text");
+    const auto row = table<QByteArray>("text");
     const QStringList names = testDataNames(QStringLiteral("pppd"), QStringLiteral("*.txt"));
     for (const QString &name : names) {
-        QTest::newRow(qPrintable(name)) << testData(QStringLiteral("pppd/") + name);
+        row(qPrintable(name), testData(QStringLiteral("pppd/") + name));
     }
 }
 

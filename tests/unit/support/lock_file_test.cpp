@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The single-instance lock, between real processes.
 #include "support/files/lock_file.h"
+#include "test_table.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -197,9 +198,9 @@ void LockFileTest::theLockDoesNotOutliveAnExec()
 
 void LockFileTest::aSurvivingChildDoesNotKeepTheLock_data()
 {
-    QTest::addColumn<QByteArray>("how");
-    QTest::newRow("another program") << QByteArray("spawn");
-    QTest::newRow("a copy of the daemon") << QByteArray("fork");
+    const auto row = table<QByteArray>("how");
+    row("another program", "spawn");
+    row("a copy of the daemon", "fork");
 }
 
 void LockFileTest::aSurvivingChildDoesNotKeepTheLock()
@@ -227,10 +228,10 @@ void LockFileTest::theFolderIsMade()
 
 void LockFileTest::whatOthersLeftIsNeitherFollowedNorWritten_data()
 {
-    QTest::addColumn<QByteArray>("what");
+    const auto row = table<QByteArray>("what");
     for (const char *what :
         {"link", "dangling link", "link to itself", "hard link", "folder", "full folder", "pipe"}) {
-        QTest::newRow(what) << QByteArray(what);
+        row(what, QByteArray(what));
     }
 }
 
@@ -391,9 +392,9 @@ void LockFileTest::aFileSystemWithoutLocksIsNoOtherInstance()
 
 void LockFileTest::aPlantedFolderThatCannotBePutAsideStaysWhole_data()
 {
-    QTest::addColumn<QString>("without");
-    QTest::newRow("no place for it") << QStringLiteral("mkdir");
-    QTest::newRow("not to be moved") << QStringLiteral("rename");
+    const auto row = table<QString>("without");
+    row("no place for it", "mkdir");
+    row("not to be moved", "rename");
 }
 
 void LockFileTest::aPlantedFolderThatCannotBePutAsideStaysWhole()

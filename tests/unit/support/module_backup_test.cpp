@@ -4,6 +4,7 @@
 #include "few_descriptors.h"
 #include "support/driver/module_backup.h"
 #include "support/files/safe_file.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QFile>
@@ -159,16 +160,11 @@ private slots:
 
     void aModuleComesBackWhateverCompressionTookItsPlace_data()
     {
-        QTest::addColumn<QString>("former");
-        QTest::addColumn<QString>("built");
-        QTest::newRow("a compressed one for a plain one") << "extra/ueagle-atm.ko"
-                                                          << "updates/ueagle-atm.ko.xz";
-        QTest::newRow("a plain one for a compressed one") << "updates/ueagle-atm.ko.xz"
-                                                          << "extra/ueagle-atm.ko";
-        QTest::newRow("in the same folder") << "kernel/ueagle-atm.ko.xz"
-                                            << "kernel/ueagle-atm.ko";
-        QTest::newRow("over itself") << "updates/ueagle-atm.ko.xz"
-                                     << "updates/ueagle-atm.ko.xz";
+        const auto row = table<QString, QString>("former", "built");
+        row("a compressed one for a plain one", "extra/ueagle-atm.ko", "updates/ueagle-atm.ko.xz");
+        row("a plain one for a compressed one", "updates/ueagle-atm.ko.xz", "extra/ueagle-atm.ko");
+        row("in the same folder", "kernel/ueagle-atm.ko.xz", "kernel/ueagle-atm.ko");
+        row("over itself", "updates/ueagle-atm.ko.xz", "updates/ueagle-atm.ko.xz");
     }
 
     void aModuleComesBackWhateverCompressionTookItsPlace()

@@ -2,6 +2,7 @@
 // The line-reading process with children of every kind.
 #include "script_folder.h"
 #include "support/process/my_process.h"
+#include "test_table.h"
 #include "worker.h"
 
 #include <QCoreApplication>
@@ -77,11 +78,7 @@ void MyProcessTest::cleanup()
 
 void MyProcessTest::outputComesLineByLine_data()
 {
-    QTest::addColumn<QByteArray>("script");
-    QTest::addColumn<QByteArrayList>("lines");
-    const auto row = [](const char *name, const char *script, const QByteArrayList &lines) {
-        QTest::newRow(name) << QByteArray(script) << lines;
-    };
+    const auto row = table<QByteArray, QByteArrayList>("script", "lines");
     row("nothing", "exit 0", {});
     row("two lines", "echo one; echo two", {"one", "two"});
     row("leading blanks stay", "echo '  one '", {"  one "});
@@ -178,13 +175,13 @@ void MyProcessTest::aChildsFilesHaveTheUsualModeWhateverTheDaemonsMask()
 
 void MyProcessTest::aChildThatCannotBeStartedGivesNoLines_data()
 {
-    QTest::addColumn<QString>("program");
+    const auto row = table<QString>("program");
     const QString plain = m_scripts.add(QStringLiteral("plain"), "echo never");
     QVERIFY(QFile::setPermissions(plain, QFile::ReadOwner | QFile::WriteOwner));
-    QTest::newRow("missing") << QStringLiteral("no-such-program-here");
-    QTest::newRow("missing path") << QStringLiteral("/nowhere/program");
-    QTest::newRow("not executable") << plain;
-    QTest::newRow("a folder") << m_scripts.path();
+    row("missing", "no-such-program-here");
+    row("missing path", "/nowhere/program");
+    row("not executable", plain);
+    row("a folder", m_scripts.path());
 }
 
 void MyProcessTest::aChildThatCannotBeStartedGivesNoLines()

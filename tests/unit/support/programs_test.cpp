@@ -3,6 +3,7 @@
 #include "sanitized.h"
 #include "script_folder.h"
 #include "support/process/programs.h"
+#include "test_table.h"
 #include "without_right_to_kill.h"
 #include "worker.h"
 
@@ -92,9 +93,7 @@ void ProgramsTest::cleanup()
 
 void ProgramsTest::aNameIsFoundAlongThePathOfTheEnvironment_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QStringList>("environment");
-    QTest::addColumn<QString>("found");
+    const auto row = table<QString, QStringList, QString>("name", "environment", "found");
 
     const QDir folder(m_scripts.path());
     for (const char *sub : {"a", "b", "c/tool"}) {
@@ -111,19 +110,16 @@ void ProgramsTest::aNameIsFoundAlongThePathOfTheEnvironment_data()
     const QString tool = QStringLiteral("tool");
     const QString only = QStringLiteral("only");
 
-    QTest::newRow("in the first folder") << tool << pathEntry({a, b}) << inA;
-    QTest::newRow("in the second folder") << tool << pathEntry({b, a}) << inB;
-    QTest::newRow("not executable in the first") << only << pathEntry({a, b}) << onlyB;
-    QTest::newRow("a folder of that name first") << tool << pathEntry({c, a}) << inA;
-    QTest::newRow("missing folders first")
-        << tool << pathEntry({QStringLiteral("/nowhere"), b}) << inB;
-    QTest::newRow("the first of two paths") << tool << (pathEntry({a}) + pathEntry({b})) << inA;
-    QTest::newRow("a path") << inB << pathEntry({a}) << inB;
-    QTest::newRow("a relative path")
-        << QStringLiteral("./tool") << pathEntry({a}) << QStringLiteral("./tool");
-    QTest::newRow("no path at all")
-        << tool << QStringList{QStringLiteral("MYPATH=") + a, a} << tool;
-    QTest::newRow("empty environment") << tool << QStringList() << tool;
+    row("in the first folder", tool, pathEntry({a, b}), inA);
+    row("in the second folder", tool, pathEntry({b, a}), inB);
+    row("not executable in the first", only, pathEntry({a, b}), onlyB);
+    row("a folder of that name first", tool, pathEntry({c, a}), inA);
+    row("missing folders first", tool, pathEntry({QStringLiteral("/nowhere"), b}), inB);
+    row("the first of two paths", tool, (pathEntry({a}) + pathEntry({b})), inA);
+    row("a path", inB, pathEntry({a}), inB);
+    row("a relative path", "./tool", pathEntry({a}), "./tool");
+    row("no path at all", tool, QStringList{QStringLiteral("MYPATH=") + a, a}, tool);
+    row("empty environment", tool, QStringList(), tool);
 }
 
 void ProgramsTest::aNameIsFoundAlongThePathOfTheEnvironment()
@@ -178,7 +174,7 @@ void ProgramsTest::theExitCodeIsGiven()
 
 void ProgramsTest::whatCannotBeStartedHasNoExitCode_data()
 {
-    QTest::addColumn<QString>("program");
+    const auto row = table<QString>("program");
     const QString plain = m_scripts.add(QStringLiteral("plain"), "exit 0");
     QVERIFY(QFile::setPermissions(plain, QFile::ReadOwner | QFile::WriteOwner));
     const QString broken = m_scripts.add(QStringLiteral("broken"), "");
@@ -186,11 +182,11 @@ void ProgramsTest::whatCannotBeStartedHasNoExitCode_data()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("#!/nowhere/interpreter\n");
     file.close();
-    QTest::newRow("missing") << QStringLiteral("/nowhere/program");
-    QTest::newRow("missing on the path") << QStringLiteral("no-such-program-here");
-    QTest::newRow("not executable") << plain;
-    QTest::newRow("without its interpreter") << broken;
-    QTest::newRow("a folder") << m_scripts.path();
+    row("missing", "/nowhere/program");
+    row("missing on the path", "no-such-program-here");
+    row("not executable", plain);
+    row("without its interpreter", broken);
+    row("a folder", m_scripts.path());
 }
 
 void ProgramsTest::whatCannotBeStartedHasNoExitCode()
@@ -267,12 +263,7 @@ void ProgramsTest::theStandardStreamsAreTheNullDevice()
 
 void ProgramsTest::outputIsGivenUpToItsLimit_data()
 {
-    QTest::addColumn<QByteArray>("script");
-    QTest::addColumn<int>("limit");
-    QTest::addColumn<QByteArray>("output");
-    const auto row = [](const char *name, const char *script, int limit, const QByteArray &output) {
-        QTest::newRow(name) << QByteArray(script) << limit << output;
-    };
+    const auto row = table<QByteArray, int, QByteArray>("script", "limit", "output");
     row("none", "exit 0", 49, "");
     row("a short one", "echo '      00:07'", 49, "      00:07\n");
     row("exactly the limit", "printf 12345", 5, "12345");

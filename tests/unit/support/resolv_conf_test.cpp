@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The text of the resolver configuration: what the resolver would see, and what a repair writes.
 #include "support/resolver/resolv_conf.h"
+#include "test_table.h"
 
 #include <QtTest>
 
@@ -32,15 +33,12 @@ private slots:
 
 void TestResolvConf::usableServerIsFound_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<bool>("usable");
+    const auto row = table<QByteArray, bool>("content", "usable");
 
-    const auto good = [](const char *name, const QByteArray &content) {
-        QTest::newRow(name) << content << true;
-    };
-    const auto bad = [](const char *name, const QByteArray &content) {
-        QTest::newRow(name) << content << false;
-    };
+    const auto good
+        = [&](const char *name, const QByteArray &content) { row(name, content, true); };
+    const auto bad
+        = [&](const char *name, const QByteArray &content) { row(name, content, false); };
 
     good("plain", "nameserver 192.0.2.1\n");
     good("without a line feed", "nameserver 192.0.2.1");
@@ -103,20 +101,19 @@ void TestResolvConf::usableServerIsFound()
 
 void TestResolvConf::addressFitToBeWritten_data()
 {
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("fit");
+    const auto row = table<QString, bool>("address", "fit");
     for (const char *address :
         {"192.0.2.1", "127.0.0.1", "2001:db8::53", "fe80::1%eth0", "fe80::1%2", "::1"}) {
-        QTest::newRow(address) << QString::fromLatin1(address) << true;
+        row(address, QString::fromLatin1(address), true);
     }
     for (const char *address : {"", " ", "192.0.2.1 ", " 192.0.2.1", "192.0.2.1\n", "192.0.2",
              "0xc0000201", "0.0.0.0", "255.255.255.255", "224.0.0.1", "::", "ff02::1", "fe80::1%",
              "fe80::1%a b", "fe80::1%a\nb", "fe80::1%a%b", "fe80::1%a/b",
              "fe80::1%0123456789abcdef", "192.0.2.1%1", "dns.example.org", "::ffff:0.0.0.0"}) {
-        QTest::newRow(address) << QString::fromLatin1(address) << false;
+        row(address, QString::fromLatin1(address), false);
     }
-    QTest::newRow("NUL byte") << QString::fromLatin1("192.0.2.1\0x", 11) << false;
-    QTest::newRow("not ASCII") << QStringLiteral(u"fe80::1%\u00e9") << false;
+    row("NUL byte", QString::fromLatin1("192.0.2.1\0x", 11), false);
+    row("not ASCII", QStringLiteral(u"fe80::1%\u00e9"), false);
 }
 
 void TestResolvConf::addressFitToBeWritten()
@@ -128,36 +125,33 @@ void TestResolvConf::addressFitToBeWritten()
 
 void TestResolvConf::serversReplaceTheOldOnes_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArray>("expected");
+    const auto row = table<QByteArray, QByteArray>("content", "expected");
 
     const QByteArray begin = QByteArray(comment) + "\n";
     const QByteArray two = "nameserver 192.0.2.1\nnameserver 2001:db8::1\n";
-    QTest::newRow("empty file") << QByteArray() << begin + two;
-    QTest::newRow("only old servers")
-        << QByteArray("nameserver 0.0.0.0\nnameserver x\n") << begin + two;
-    QTest::newRow("other lines stay in place")
-        << QByteArray("# mine\nsearch example.org\nnameserver 0.0.0.0\noptions rotate\n")
-        << begin + "# mine\nsearch example.org\n" + two + "options rotate\n";
-    QTest::newRow("servers all over the file")
-        << QByteArray("nameserver 10.0.0.1\nsearch a\nnameserver 10.0.0.2\noptions b\nnameserver c")
-        << begin + two + "search a\noptions b\n";
-    QTest::newRow("no server: at the end")
-        << QByteArray("search a\n") << begin + "search a\n" + two;
-    QTest::newRow("last line without a line feed")
-        << QByteArray("search a") << begin + "search a\n" + two;
-    QTest::newRow("last other line without a line feed stays so")
-        << QByteArray("nameserver x\nsearch a") << begin + two + "search a";
-    QTest::newRow("the writer's comment once") << QByteArray(comment) + "\nsearch a\n" + comment
-            + "\nnameserver x\n" + comment << begin + "search a\n" + two;
-    QTest::newRow("a comment like the writer's stays") << QByteArray(comment) + "!\n"
-                                                       << begin + comment + "!\n" + two;
-    QTest::newRow("lines that the resolver does not take for servers stay") << QByteArray(
-        "NAMESERVER 10.0.0.1\n nameserver 10.0.0.2\n#nameserver 10.0.0.3\nnameserver\n")
-                                                                            << begin
-            + "NAMESERVER 10.0.0.1\n nameserver 10.0.0.2\n#nameserver 10.0.0.3\nnameserver\n" + two;
-    QTest::newRow("foreign bytes stay") << QByteArray("# caf\xe9 \0 \xff\r\n\n\n",
-        14) << begin + QByteArray("# caf\xe9 \0 \xff\r\n\n\n", 14) + two;
+    row("empty file", QByteArray(), begin + two);
+    row("only old servers", "nameserver 0.0.0.0\nnameserver x\n", begin + two);
+    row("other lines stay in place",
+        "# mine\nsearch example.org\nnameserver 0.0.0.0\noptions rotate\n",
+        begin + "# mine\nsearch example.org\n" + two + "options rotate\n");
+    row("servers all over the file",
+        "nameserver 10.0.0.1\nsearch a\nnameserver 10.0.0.2\noptions b\nnameserver c",
+        begin + two + "search a\noptions b\n");
+    row("no server: at the end", "search a\n", begin + "search a\n" + two);
+    row("last line without a line feed", "search a", begin + "search a\n" + two);
+    row("last other line without a line feed stays so", "nameserver x\nsearch a",
+        begin + two + "search a");
+    row("the writer's comment once",
+        QByteArray(comment) + "\nsearch a\n" + comment + "\nnameserver x\n" + comment,
+        begin + "search a\n" + two);
+    row("a comment like the writer's stays", QByteArray(comment) + "!\n",
+        begin + comment + "!\n" + two);
+    row("lines that the resolver does not take for servers stay",
+        "NAMESERVER 10.0.0.1\n nameserver 10.0.0.2\n#nameserver 10.0.0.3\nnameserver\n",
+        begin + "NAMESERVER 10.0.0.1\n nameserver 10.0.0.2\n#nameserver 10.0.0.3\nnameserver\n"
+            + two);
+    row("foreign bytes stay", QByteArray("# caf\xe9 \0 \xff\r\n\n\n", 14),
+        begin + QByteArray("# caf\xe9 \0 \xff\r\n\n\n", 14) + two);
 }
 
 void TestResolvConf::serversReplaceTheOldOnes()

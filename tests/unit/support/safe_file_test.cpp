@@ -2,6 +2,7 @@
 // Reading and rewriting small files: nothing waits, nothing is lost.
 #include "few_descriptors.h"
 #include "support/files/safe_file.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -136,11 +137,11 @@ struct stat TestSafeFile::statusOf(const char *file) const
 
 void TestSafeFile::fileIsReadWhole_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("NUL bytes") << QByteArray("a\0b\0", 4);
-    QTest::newRow("one block") << QByteArray(65536, 'x');
-    QTest::newRow("many blocks") << QByteArray(1000001, 'x');
+    const auto row = table<QByteArray>("bytes");
+    row("empty", QByteArray());
+    row("NUL bytes", QByteArray("a\0b\0", 4));
+    row("one block", QByteArray(65536, 'x'));
+    row("many blocks", QByteArray(1000001, 'x'));
 }
 
 void TestSafeFile::aFileOverTheLimitIsNotRead()
@@ -162,9 +163,9 @@ void TestSafeFile::fileIsReadWhole()
 
 void TestSafeFile::onlyRegularFilesAreRead_data()
 {
-    QTest::addColumn<QString>("kind");
+    const auto row = table<QString>("kind");
     for (const char *kind : {"missing", "folder", "pipe", "dangling link", "link to itself"}) {
-        QTest::newRow(kind) << QString::fromLatin1(kind);
+        row(kind, QString::fromLatin1(kind));
     }
 }
 
@@ -198,13 +199,12 @@ void TestSafeFile::linkIsFollowedUnlessRefused()
 
 void TestSafeFile::rewritingKeepsInodeOwnerAndMode_data()
 {
-    QTest::addColumn<QByteArray>("oldBytes");
-    QTest::addColumn<QByteArray>("newBytes");
-    QTest::newRow("longer") << QByteArray("old") << QByteArray(100000, 'n');
-    QTest::newRow("shorter") << QByteArray(100000, 'o') << QByteArray("new");
-    QTest::newRow("to nothing") << QByteArray("old") << QByteArray();
-    QTest::newRow("from nothing") << QByteArray() << QByteArray("new");
-    QTest::newRow("the same") << QByteArray("same") << QByteArray("same");
+    const auto row = table<QByteArray, QByteArray>("oldBytes", "newBytes");
+    row("longer", "old", QByteArray(100000, 'n'));
+    row("shorter", QByteArray(100000, 'o'), "new");
+    row("to nothing", "old", QByteArray());
+    row("from nothing", QByteArray(), "new");
+    row("the same", "same", "same");
 }
 
 void TestSafeFile::rewritingKeepsInodeOwnerAndMode()
@@ -225,9 +225,9 @@ void TestSafeFile::rewritingKeepsInodeOwnerAndMode()
 
 void TestSafeFile::fullDiskCostsNoOldByte_data()
 {
-    QTest::addColumn<bool>("reservable");
-    QTest::newRow("room is refused before anything is written") << true;
-    QTest::newRow("the write stops half-way and is undone") << false;
+    const auto row = table<bool>("reservable");
+    row("room is refused before anything is written", true);
+    row("the write stops half-way and is undone", false);
 }
 
 void TestSafeFile::fullDiskCostsNoOldByte()

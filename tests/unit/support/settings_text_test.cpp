@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The text of the settings file, beside what the library itself makes of it.
 #include "support/files/settings_text.h"
+#include "test_table.h"
 
 #include <QSettings>
 #include <QTemporaryDir>
@@ -145,12 +146,11 @@ void TestSettingsText::valuesAreWrittenAsTheLibraryWritesThem()
 
 void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost_data()
 {
-    QTest::addColumn<QByteArray>("value");
-    QTest::newRow("a list with a huge count")
-        << QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)");
-    QTest::newRow("a time") << QByteArray("@DateTime(\\0\\0\\0\\x10)");
-    QTest::newRow("a size") << QByteArray("@Size(1 2)");
-    QTest::newRow("in a list") << QByteArray("a, @Variant(\\0), b");
+    const auto row = table<QByteArray>("value");
+    row("a list with a huge count", QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"));
+    row("a time", QByteArray("@DateTime(\\0\\0\\0\\x10)"));
+    row("a size", "@Size(1 2)");
+    row("in a list", QByteArray("a, @Variant(\\0), b"));
 }
 
 void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
@@ -166,11 +166,11 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
 
 void TestSettingsText::whatTheEndOfTheFileCutsOffTakesNoOtherLineIn_data()
 {
-    QTest::addColumn<QByteArray>("cutOff");
+    const auto row = table<QByteArray>("cutOff");
     for (const char *text :
         {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\", "@Variant(x), a \\",
             "@Variant(x), a\\\r", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
-        QTest::newRow(text) << QByteArray(text);
+        row(text, QByteArray(text));
     }
 }
 
@@ -205,12 +205,11 @@ void TestSettingsText::aKeyWithoutANameDeepInAGroupDoesNotSpoilTheFile()
 
 void TestSettingsText::linesThatMeanNothingAreTold_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("isWellFormed");
-    QTest::newRow("empty") << QByteArray() << true;
-    QTest::newRow("comments") << QByteArray("; a\n[General]\n;b=c\n") << true;
-    QTest::newRow("no equals sign") << QByteArray("[General]\nvpi\n") << false;
-    QTest::newRow("no end of a section") << QByteArray("[General\nvpi=8\n") << false;
+    const auto row = table<QByteArray, bool>("text", "isWellFormed");
+    row("empty", QByteArray(), true);
+    row("comments", "; a\n[General]\n;b=c\n", true);
+    row("no equals sign", "[General]\nvpi\n", false);
+    row("no end of a section", "[General\nvpi=8\n", false);
 }
 
 void TestSettingsText::linesThatMeanNothingAreTold()

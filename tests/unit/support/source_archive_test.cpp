@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Judging tarballs by their listing and by their unpacked tree.
 #include "support/driver/source_archive.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,13 +17,12 @@ class SourceArchiveTest : public QObject
 private slots:
     void listingsThatStayInTheirFolderAreAccepted_data()
     {
-        QTest::addColumn<QByteArray>("listing");
-        QTest::addColumn<int>("topDepth");
-        QTest::newRow("plain") << QByteArray("d-1/\nd-1/Makefile\nd-1/a/b.c\n") << 1;
-        QTest::newRow("no folder member") << QByteArray("d-1/Makefile\n") << 1;
-        QTest::newRow("led by a dot") << QByteArray("./d-1/\n./d-1/Makefile\n") << 2;
-        QTest::newRow("dots in names") << QByteArray("d-1/..a\nd-1/b..\nd-1/...\n") << 1;
-        QTest::newRow("no last line feed") << QByteArray("d-1/a") << 1;
+        const auto row = table<QByteArray, int>("listing", "topDepth");
+        row("plain", "d-1/\nd-1/Makefile\nd-1/a/b.c\n", 1);
+        row("no folder member", "d-1/Makefile\n", 1);
+        row("led by a dot", "./d-1/\n./d-1/Makefile\n", 2);
+        row("dots in names", "d-1/..a\nd-1/b..\nd-1/...\n", 1);
+        row("no last line feed", "d-1/a", 1);
     }
 
     void listingsThatStayInTheirFolderAreAccepted()
@@ -35,11 +35,7 @@ private slots:
 
     void listingsThatLeadOutsideAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("listing");
-        QTest::addColumn<QString>("refusal");
-        const auto row = [](const char *name, const char *listing, const char *refusal) {
-            QTest::newRow(name) << QByteArray(listing) << QString::fromUtf8(refusal);
-        };
+        const auto row = table<QByteArray, QString>("listing", "refusal");
         row("up", "d-1/a\nd-1/../../etc/x\n", "member \"d-1/../../etc/x\" leads outside");
         row("up at once", "../x\n", "member \"../x\" leads outside");
         row("up at the end", "d-1/..\n", "member \"d-1/..\" leads outside");
@@ -72,14 +68,13 @@ private slots:
 
     void aTreeWithALinkThatLeadsOutsideIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("target");
-        QTest::addColumn<QString>("refusal");
-        QTest::newRow("absolute") << QByteArray("/etc/passwd") << "has an absolute target";
-        QTest::newRow("up") << QByteArray("../..") << "leads outside";
+        const auto row = table<QByteArray, QString>("target", "refusal");
+        row("absolute", "/etc/passwd", "has an absolute target");
+        row("up", "../..", "leads outside");
         // By its text it ends at a/b; but "top" is the top itself, so ".." is outside.
-        QTest::newRow("through a link") << QByteArray("a/b/top/../..") << "leads outside";
-        QTest::newRow("nowhere") << QByteArray("none") << "leads nowhere";
-        QTest::newRow("itself") << QByteArray("link") << "leads nowhere";
+        row("through a link", "a/b/top/../..", "leads outside");
+        row("nowhere", "none", "leads nowhere");
+        row("itself", "link", "leads nowhere");
     }
 
     void aTreeWithALinkThatLeadsOutsideIsRefused()

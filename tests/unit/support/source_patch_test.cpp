@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Adapting old makefiles and sources.
 #include "support/driver/source_patch.h"
+#include "test_table.h"
 
 #include <QTest>
 #include <ctime>
@@ -18,11 +19,7 @@ class SourcePatchTest : public QObject
 private slots:
     void makefilesAreAdapted_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("after");
-        const auto row = [](const char *name, const char *before, const char *after) {
-            QTest::newRow(name) << QByteArray(before) << QByteArray(after);
-        };
+        const auto row = table<QByteArray, QByteArray>("before", "after");
         const auto kept = [&row](const char *name, const char *text) { row(name, text, text); };
 
         row("SUBDIRS on a command", "\t$(MAKE) -C $(KDIR) SUBDIRS=$(PWD) modules",
@@ -78,11 +75,7 @@ private slots:
 
     void sourcesAreAdapted_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("after");
-        const auto row = [](const char *name, const char *before, const char *after) {
-            QTest::newRow(name) << QByteArray(before) << QByteArray(after);
-        };
+        const auto row = table<QByteArray, QByteArray>("before", "after");
         row("a header that has gone", "a\n#include <linux/config.h>\nb", "a\n\nb");
         row("a header that has moved", "# include <asm/uaccess.h>", "# include <linux/uaccess.h>");
         row("attributes", "static int __devinit probe(void)", "static int probe(void)");
@@ -115,10 +108,10 @@ private slots:
 
     void aLineOfAMegabyteIsAdaptedInTime_data()
     {
-        QTest::addColumn<QByteArray>("repeated");
+        const auto row = table<QByteArray>("repeated");
         for (const char *text : {"/lib/modules/$(", "/lib/modules/${", "$(/lib/modules/$(a)",
                  "/usr/src/linux-$(", "/usr/src/kernels/a`", "/usr/src/linux-a+", " SUBDIRS="}) {
-            QTest::newRow(text) << QByteArray(text);
+            row(text, QByteArray(text));
         }
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The architecture's name.
 #include "support/process/system_info.h"
+#include "test_table.h"
 
 #include <QSysInfo>
 #include <QTest>
@@ -19,19 +20,19 @@ private slots:
 
 void SystemInfoTest::every32BitX86MachineIsCalledI386_data()
 {
-    QTest::addColumn<QString>("architecture");
+    const auto row = table<QString>("architecture");
     for (const char *machine : {"i386", "i486", "i586", "i686", "x86"}) {
-        QTest::newRow(machine) << QStringLiteral("i386");
+        row(machine, "i386");
     }
     for (const char *machine : {"x86_64", "amd64", "ia64", "aarch64", "armv7l", "ppc64le", "i86",
              "ix86", "i6866", "I686"}) {
-        QTest::newRow(machine) << QString::fromLatin1(machine);
+        row(machine, QString::fromLatin1(machine));
     }
-    QTest::newRow("") << QString();
-    QTest::newRow("i\xff"
-                  "86")
-        << QString::fromLatin1("i\xff"
-                               "86");
+    row("", QString());
+    row("i\xff"
+        "86",
+        QString::fromLatin1("i\xff"
+                            "86"));
 }
 
 void SystemInfoTest::every32BitX86MachineIsCalledI386()

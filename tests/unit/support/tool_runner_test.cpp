@@ -2,6 +2,7 @@
 // Running the tools of a build: what they are given, how their end is told.
 #include "support/driver/build_log.h"
 #include "support/process/tool_runner.h"
+#include "test_table.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -272,12 +273,10 @@ private slots:
 
     void aToolWhoseInputOrOutputCannotBeGivenIsNotStarted_data()
     {
-        QTest::addColumn<int>("input");
-        QTest::addColumn<bool>("hasLog");
-        QTest::addColumn<int>("maxOutput");
-        QTest::newRow("input") << 9999 << true << 0;
-        QTest::newRow("output and errors") << -1 << false << 0;
-        QTest::newRow("errors") << -1 << false << 100;
+        const auto row = table<int, bool, int>("input", "hasLog", "maxOutput");
+        row("input", 9999, true, 0);
+        row("output and errors", -1, false, 0);
+        row("errors", -1, false, 100);
     }
 
     void aToolWhoseInputOrOutputCannotBeGivenIsNotStarted()

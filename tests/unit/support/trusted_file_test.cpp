@@ -2,6 +2,7 @@
 // What root may act upon, and folders that root makes where others can write.
 #include "support/files/safe_file.h"
 #include "support/files/trusted_file.h"
+#include "test_table.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,12 +55,12 @@ private slots:
 
     void linksAreFollowedToAFileThatOnlyItsOwnerWrites_data()
     {
-        QTest::addColumn<QByteArray>("leadsTo");
-        QTest::newRow("beside") << QByteArray("file");
-        QTest::newRow("up and down") << QByteArray("../../a/./b/../b/file");
-        QTest::newRow("another link") << QByteArray("second");
-        QTest::newRow("a folder that is a link") << QByteArray("../../c/file");
-        QTest::newRow("from the root") << QByteArray();
+        const auto row = table<QByteArray>("leadsTo");
+        row("beside", "file");
+        row("up and down", "../../a/./b/../b/file");
+        row("another link", "second");
+        row("a folder that is a link", "../../c/file");
+        row("from the root", QByteArray());
     }
 
     void linksAreFollowedToAFileThatOnlyItsOwnerWrites()
@@ -76,12 +77,11 @@ private slots:
 
     void aWayOfLinksThatOthersCouldChangeIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("changed");
-        QTest::addColumn<int>("mode");
-        QTest::newRow("the file") << QByteArray("a/b/file") << 0664;
-        QTest::newRow("the file's folder") << QByteArray("a/b") << 0777;
-        QTest::newRow("the folder of a link on the way") << QByteArray("way") << 01777;
-        QTest::newRow("the folder of the first link") << QByteArray("etc") << 0775;
+        const auto row = table<QByteArray, int>("changed", "mode");
+        row("the file", "a/b/file", 0664);
+        row("the file's folder", "a/b", 0777);
+        row("the folder of a link on the way", "way", 01777);
+        row("the folder of the first link", "etc", 0775);
     }
 
     void aWayOfLinksThatOthersCouldChangeIsRefused()
@@ -99,12 +99,12 @@ private slots:
 
     void aLinkThatLeadsToNoFileIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("leadsTo");
-        QTest::newRow("nowhere") << QByteArray("nowhere");
-        QTest::newRow("itself") << QByteArray("link");
-        QTest::newRow("a folder") << QByteArray("a/b");
-        QTest::newRow("below a file") << QByteArray("a/b/file/x");
-        QTest::newRow("a device") << QByteArray("/dev/null");
+        const auto row = table<QByteArray>("leadsTo");
+        row("nowhere", "nowhere");
+        row("itself", "link");
+        row("a folder", "a/b");
+        row("below a file", "a/b/file/x");
+        row("a device", "/dev/null");
     }
 
     void aLinkThatLeadsToNoFileIsRefused()
@@ -129,15 +129,14 @@ private slots:
 
     void whatOthersCouldChangeIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("changed");
-        QTest::addColumn<int>("mode");
-        QTest::newRow("file by all") << QByteArray("a/b/file") << 0646;
-        QTest::newRow("file by the group") << QByteArray("a/b/file") << 0664;
-        QTest::newRow("folder by all") << QByteArray("a/b") << 0757;
-        QTest::newRow("folder by the group") << QByteArray("a/b") << 0775;
-        QTest::newRow("sticky folder") << QByteArray("a/b") << 01777;
-        QTest::newRow("folder above") << QByteArray("a") << 0777;
-        QTest::newRow("the top") << QByteArray(".") << 0777;
+        const auto row = table<QByteArray, int>("changed", "mode");
+        row("file by all", "a/b/file", 0646);
+        row("file by the group", "a/b/file", 0664);
+        row("folder by all", "a/b", 0757);
+        row("folder by the group", "a/b", 0775);
+        row("sticky folder", "a/b", 01777);
+        row("folder above", "a", 0777);
+        row("the top", ".", 0777);
     }
 
     void whatOthersCouldChangeIsRefused()
@@ -152,10 +151,10 @@ private slots:
 
     void whatBelongsToSomebodyElseIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("changed");
-        QTest::newRow("file") << QByteArray("a/b/file");
-        QTest::newRow("folder") << QByteArray("a/b");
-        QTest::newRow("folder above") << QByteArray("a");
+        const auto row = table<QByteArray>("changed");
+        row("file", "a/b/file");
+        row("folder", "a/b");
+        row("folder above", "a");
     }
 
     void whatBelongsToSomebodyElseIsRefused()
@@ -210,9 +209,9 @@ private slots:
 
     void whateverStandsInTheWayOfAPrivateFolderIsRemoved_data()
     {
-        QTest::addColumn<QString>("planted");
+        const auto row = table<QString>("planted");
         for (const char *what : {"nothing", "file", "folder", "link", "link to nothing", "pipe"}) {
-            QTest::newRow(what) << QString::fromLatin1(what);
+            row(what, QString::fromLatin1(what));
         }
     }
 

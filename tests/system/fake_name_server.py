@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """A name server for one address: answers every question for an IPv4 address with 198.51.100.7.
 
-Called as: name_server.py ADDRESS. Prints "ready", then the name of each question."""
+Called as: fake_name_server.py ADDRESS. Prints "ready", then the name of each question."""
 import socket
 import struct
 import sys
