@@ -161,7 +161,7 @@ def start_on_wayland(desktop, *command):
     desktop.tray.item()
 
 
-@pytest.mark.xfail(IS_DEBIAN_13, strict=False, reason="found by reading the toolkit, not seen there yet")
+@pytest.mark.xfail(IS_DEBIAN_13, strict=False, reason="both ways seen there by hand, not in this test")
 def test_on_wayland_the_same_can_be_done(new_desktop, probe, tmp_path):
     desktop = new_desktop(wayland=True)
     desktop.tray.start()
