@@ -68,7 +68,7 @@ int showWindow(int argc, char *argv[])
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    // Nothing here is drawn by a graphics card; its libraries would be most of this program's memory.
+    // Nothing here is drawn by a graphics card, whose libraries would take most of the memory.
     qputenv("QT_XCB_GL_INTEGRATION", "none");
     StopSignals::hold();
     const QApplication application(argc, argv);
