@@ -111,7 +111,8 @@ Unheard unheardInLog(
 
 bool wasRequestDropped(const QByteArray &log)
 {
-    return log.contains("Can not establish connection, thread is still running!");
+    return log.lastIndexOf("Can not establish connection, thread is still running!")
+        > log.lastIndexOf("debugHandler: 3 \n"); // the step of a disconnect that is told to all
 }
 
 qint64 DaemonLog::end() const

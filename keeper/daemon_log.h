@@ -21,7 +21,8 @@ Cause causeInLog(const QByteArray &log);
 Unheard unheardInLog(
     const QByteArray &log, qint64 heardUntil, const QByteArray &modem, bool wasPlugged);
 
-/// Whether the log tells of a request that the daemon dropped because it was connecting.
+/// Whether the log tells of a request that the daemon dropped because it was connecting, after the
+/// last disconnect.
 bool wasRequestDropped(const QByteArray &log);
 
 /// The log from a place on. Marking it costs one look at its size.

@@ -93,7 +93,7 @@ void Keeper::busLost()
 void Keeper::handle(const Event &event)
 {
     if (std::holds_alternative<event::Terminated>(event)) {
-        m_disconnectMark = m_log.end();
+        m_disconnectMark = m_attemptMark; // the log may be further by now
         m_stored.heardUntil = momentNow().wall + 1; // its line in the log tells the second only
     } else if (std::holds_alternative<event::DaemonAppeared>(event)) {
         m_attemptMark = 0;

@@ -104,7 +104,7 @@ private:
     Stillness m_stillness;
 
     qint64 m_attemptMark = 0; ///< where the log's part of the next or running attempt begins
-    qint64 m_disconnectMark = 0; ///< and what was written after a disconnect
+    qint64 m_disconnectMark = 0; ///< and that of the attempt that a disconnect fell into
     QByteArray m_settingsStamp;
 
     QVariantMap m_told;

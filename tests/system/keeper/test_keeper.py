@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Keeping the connection: losses, refusals, disconnects, sleep, and what clients are told."""
 import os
+import signal
 import time
 
 import pytest
@@ -286,13 +287,19 @@ def test_a_disconnect_during_a_pause_stops_it(world):
     stays_idle(world)
 
 
-def test_who_asks_again_while_the_attempt_runs_keeps_the_link(machine):
+@pytest.mark.parametrize("late", [False, True], ids=["at once", "late"])
+def test_who_asks_again_while_the_attempt_runs_keeps_the_link(machine, late):
     world = World(machine, protocol="PPPoE")
     world.start_keeper()
     world.client.call("establishConnection")
     machine.wait_call("br2684ctl_amd64")
+    if late:  # it hears of the disconnect when the log is further
+        world.keeper.wait_for(Wanted=True)
+        world.keeper.process.signal(signal.SIGSTOP)
     world.client.call("terminateConnection")
     world.client.call("establishConnection")  # dropped, the log tells
+    if late:
+        world.keeper.process.signal(signal.SIGCONT)
     world.client.wait_signal("connectionEstablished")
     world.keeper.wait_for(State="connected", Wanted=True)
     time.sleep(1)

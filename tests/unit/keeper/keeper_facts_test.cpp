@@ -339,6 +339,24 @@ private slots:
             Unheard::DisconnectOrUnplugged);
     }
 
+    void aRequestIsDroppedAfterTheLastDisconnect_data()
+    {
+        const QByteArray dropped
+            = "21-11-2026 20:00:02 Can not establish connection, thread is still running!\n";
+        const auto row = table<QByteArray, bool>("log", "wasDropped");
+        row("nobody asked again", disconnectAt("20:00:01"), false);
+        row("somebody did", disconnectAt("20:00:01") + dropped, true);
+        row("before it was ended", dropped + disconnectAt("20:00:03"), false);
+        row("and ended it once more", disconnectAt("20:00:01") + dropped + disconnectAt("20:00:03"),
+            false);
+    }
+
+    void aRequestIsDroppedAfterTheLastDisconnect()
+    {
+        QFETCH(QByteArray, log);
+        QTEST(wasRequestDropped(log), "wasDropped");
+    }
+
     // ---- files of our own
 
     void whatIsStoredComesBack()
