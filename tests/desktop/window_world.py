@@ -56,6 +56,7 @@ class WindowWorld:
 
     def hang_up(self):
         """The link ends; the next attempt comes up again."""
+        self.computer.keeper.wait_for(State="connected")  # it loses only what it has seen
         ending = self._links
         self.answer()
         self.machine.pppd.trigger("hang-up-%d" % ending)
