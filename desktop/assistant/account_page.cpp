@@ -23,7 +23,7 @@ AccountPage::AccountPage(Controller &controller, Draft &draft, QWidget *parent)
     m_password->setEchoMode(QLineEdit::Password);
     m_login->setInputMethodHints(Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
     for (QWidget *control : std::initializer_list<QWidget *>{m_login, m_password, show}) {
-        makeComfortable(control);
+        comfortable(control);
     }
     auto *form = new QFormLayout;
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);

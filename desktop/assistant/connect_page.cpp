@@ -6,6 +6,7 @@
 #include "desktop/controller.h"
 #include "desktop/errand.h"
 #include "desktop/window/deed_runner.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QDateTime>
@@ -55,8 +56,8 @@ ConnectPage::ConnectPage(Controller &controller, Draft &draft, QWidget *parent)
         grid->addWidget(stage.progress, row, 2);
         m_stages.append(stage);
     }
-    makeComfortable(m_connect);
-    makeComfortable(m_help);
+    comfortable(m_connect);
+    comfortable(m_help);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_connect);
     buttons->addWidget(m_help);

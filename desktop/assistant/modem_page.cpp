@@ -7,6 +7,7 @@
 #include "desktop/controller.h"
 #include "desktop/errand.h"
 #include "desktop/window/deed_runner.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QLabel>
@@ -54,7 +55,7 @@ ModemPage::ModemPage(Controller &controller, Draft &draft, QWidget *parent)
 {
     m_list->setAccessibleName(Say::tr("Modems that are plugged in"));
     m_list->setMaximumHeight(m_list->fontMetrics().height() * 5);
-    makeComfortable(m_button);
+    comfortable(m_button);
     m_button->hide();
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(Say::tr("These modems are plugged in:")));

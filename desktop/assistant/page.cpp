@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/assistant/page.h"
 
-#include "desktop/window/pieces.h"
-
 #include <QLabel>
 
 namespace desktop {
@@ -20,11 +18,6 @@ QLabel *AssistantPage::newText(const QString &text)
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
-}
-
-void AssistantPage::makeComfortable(QWidget *control)
-{
-    comfortable(control);
 }
 
 } // namespace desktop

@@ -40,8 +40,6 @@ protected:
 
     /// A label for running text.
     static QLabel *newText(const QString &text = {});
-    /// Gives a control the height of a comfortable target.
-    static void makeComfortable(QWidget *control);
 
 private:
     Controller &m_controller;

@@ -7,6 +7,7 @@
 #include "desktop/controller.h"
 #include "desktop/errand.h"
 #include "desktop/window/deed_runner.h"
+#include "desktop/window/pieces.h"
 #include "desktop/window/rights_panel.h"
 
 #include <QLabel>
@@ -48,7 +49,7 @@ PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *pa
     , m_panel(new RightsPanel)
     , m_runner(new DeedRunner(controller, m_panel, this))
 {
-    makeComfortable(m_button);
+    comfortable(m_button);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(
         Say::tr("This assistant leads to the first connection. Each of its pages can be skipped, "

@@ -71,11 +71,11 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
         {Say::tr("VC&I"), m_vci},
     };
     for (const auto &row : rows) {
-        makeComfortable(row.second);
+        comfortable(row.second);
         form->addRow(row.first, row.second);
     }
     alignNames(form);
-    makeComfortable(m_mend);
+    comfortable(m_mend);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(Say::tr(
         "Choose your provider: the three values below become those that it commonly uses. "
