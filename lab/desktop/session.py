@@ -129,7 +129,10 @@ class Session:
         number = self._wait_for(server, lambda: server.output().endswith("\n") and server.output())
         self.env.update(DISPLAY=":" + number.strip(), QT_QPA_PLATFORM="xcb")
         if self._window_manager:
-            self.spawn(["/usr/bin/openbox", "--sm-disable"], label="window-manager")
+            # A window that is there before its manager never gets the keyboard.
+            manager = self.spawn(["/usr/bin/openbox", "--sm-disable", "--startup", "/bin/echo manages"],
+                                 label="window-manager")
+            self._wait_for(manager, lambda: "manages\n" in manager.output())
         return self.machine.path(self.runtime_folder) / "Xvfb_screen0"
 
     def _start_weston(self):
