@@ -145,11 +145,17 @@ class Item:
         _, root = self._menu_call("GetLayout", "iias", 0, -1, [])
         return _entries(root[2])
 
+    @property
+    def labels(self):
+        """The texts of the menu's own entries."""
+        return [entry.label for entry in self.menu()]
+
     def press(self, label):
-        """Chooses an entry of the menu, also of a submenu, by its text."""
-        entry = next((entry for entry in _flat(self.menu()) if entry.label == label), None)
-        assert entry, "no %r in %s" % (label, [entry.label for entry in _flat(self.menu())])
-        assert entry.enabled, "%r is disabled" % label
+        """Chooses an entry of the menu, also of a submenu, by its text, as soon as it can be chosen."""
+        def there():
+            return [entry for entry in _flat(self.menu()) if entry.label == label and entry.enabled]
+
+        entry = self._session.wait_on_bus(there, what="the menu offers %r" % label, detail=self.menu)[0]
         self._menu_call("Event", "isvu", entry.id, "clicked", ("i", 0), 0)
 
 
