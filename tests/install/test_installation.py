@@ -4,7 +4,7 @@ import re
 import subprocess
 
 import pytest
-from conftest import REPOSITORY, USER
+from conftest import BUILD_SECONDS, REPOSITORY, USER
 
 OURS = ("norvix-daemon", "norvix-hald", "norvix-keeper", "norvix-desktop", "norvixctl",
         "libnorvix-support")
@@ -99,7 +99,7 @@ def test_manual_pages_and_completion_are_found(from_clone):
 def test_a_second_installation_is_harmless(from_clone):
     before = result(from_clone)
     clone = "/home/%s/norvix" % USER
-    told = from_clone.run("sudo", "./install", "--yes", user=USER, cwd=clone, timeout=1800).output
+    told = from_clone.run("sudo", "./install", "--yes", user=USER, cwd=clone, timeout=BUILD_SECONDS).output
     assert "Installed." in told
     assert result(from_clone) == before
 
