@@ -164,7 +164,6 @@ class Chain:
         mark = len(self.client.signals)
         self.client.call("terminateConnection")
         self.client.wait_signal("connectionTerminated", after=mark)
-        return mark
 
     def daemon_log(self):
         return read_text(system.LOG)
