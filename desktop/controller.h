@@ -2,11 +2,11 @@
 // Holds the one model, feeds it with events and carries out what a person asks for.
 #pragma once
 
-#include "desktop/assistant/step.h"
 #include "desktop/bus/async_bus.h"
 #include "desktop/bus/daemon_watch.h"
 #include "desktop/bus/keeper_watch.h"
 #include "desktop/model/headline.h"
+#include "desktop/model/step.h"
 
 #include <QObject>
 #include <QTimer>

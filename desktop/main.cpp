@@ -6,9 +6,9 @@
 #include "desktop/assistant/new_beginning.h"
 #include "desktop/controller.h"
 #include "desktop/plot/plot.h"
+#include "desktop/presence.h"
 #include "desktop/session/instance.h"
 #include "desktop/session/options.h"
-#include "desktop/session/presence.h"
 
 #include <QApplication>
 #include <QLibraryInfo>

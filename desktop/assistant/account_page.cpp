@@ -4,7 +4,7 @@
 #include "client/account_rules.h"
 #include "client/say.h"
 #include "desktop/controller.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QCheckBox>
 #include <QFormLayout>

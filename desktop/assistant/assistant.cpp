@@ -8,7 +8,7 @@
 #include "desktop/assistant/permission_page.h"
 #include "desktop/assistant/provider_page.h"
 #include "desktop/controller.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>

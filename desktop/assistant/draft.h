@@ -2,7 +2,7 @@
 // What a person has entered into the assistant and what is not stored yet.
 #pragma once
 
-#include "desktop/assistant/step.h"
+#include "desktop/model/step.h"
 
 #include <QByteArray>
 #include <QString>

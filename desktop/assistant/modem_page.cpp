@@ -6,9 +6,9 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
-#include "desktop/window/deed_runner.h"
-#include "desktop/window/pieces.h"
-#include "desktop/window/rights_panel.h"
+#include "desktop/pieces/deed_runner.h"
+#include "desktop/pieces/pieces.h"
+#include "desktop/pieces/rights_panel.h"
 
 #include <QLabel>
 #include <QListWidget>

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "client/remedy.h"
-#include "desktop/assistant/step.h"
 #include "desktop/model/headline.h"
+#include "desktop/model/step.h"
 #include "desktop/rights/verb.h"
 
 #include <QStringList>

@@ -4,7 +4,7 @@
 #include "client/say.h"
 #include "desktop/controller.h"
 #include "desktop/icons/icons.h"
-#include "desktop/tray/tray_facts.h"
+#include "desktop/model/tray_facts.h"
 
 #include <QDateTime>
 

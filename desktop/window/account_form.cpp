@@ -6,7 +6,7 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>

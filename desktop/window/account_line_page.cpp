@@ -5,10 +5,10 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
+#include "desktop/pieces/pieces.h"
 #include "desktop/window/account_form.h"
 #include "desktop/window/automatic_form.h"
 #include "desktop/window/line_form.h"
-#include "desktop/window/pieces.h"
 
 namespace desktop {
 

@@ -4,7 +4,7 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QVBoxLayout>
 

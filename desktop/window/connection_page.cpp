@@ -8,10 +8,10 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/pieces/pieces.h"
 #include "desktop/plot/colours.h"
 #include "desktop/plot/plot.h"
 #include "desktop/plot/speed_plot.h"
-#include "desktop/window/pieces.h"
 #include "desktop/window/standing_picture.h"
 
 #include <QDateTime>

@@ -7,8 +7,8 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
-#include "desktop/window/pieces.h"
-#include "desktop/window/rights_panel.h"
+#include "desktop/pieces/pieces.h"
+#include "desktop/pieces/rights_panel.h"
 
 #include <QDateTime>
 #include <QFontDatabase>

@@ -4,9 +4,9 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
+#include "desktop/pieces/pieces.h"
 #include "desktop/plot/history_plots.h"
 #include "desktop/plot/plot.h"
-#include "desktop/window/pieces.h"
 
 #include <QDateTime>
 #include <QEvent>

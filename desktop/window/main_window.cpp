@@ -4,13 +4,13 @@
 #include "client/say.h"
 #include "desktop/assistant/assistant.h"
 #include "desktop/controller.h"
+#include "desktop/pieces/pieces.h"
 #include "desktop/window/account_line_page.h"
 #include "desktop/window/checkup_page.h"
 #include "desktop/window/connection_page.h"
 #include "desktop/window/driver_page.h"
 #include "desktop/window/history_page.h"
 #include "desktop/window/log_page.h"
-#include "desktop/window/pieces.h"
 
 #include <QEvent>
 #include <QGuiApplication>

@@ -3,8 +3,8 @@
 
 #include "client/say.h"
 #include "desktop/controller.h"
-#include "desktop/tray/tray_facts.h"
-#include "desktop/window/pieces.h"
+#include "desktop/model/tray_facts.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QCoreApplication>
 #include <QGroupBox>

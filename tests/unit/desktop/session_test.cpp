@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The command line, the colours, the log, and what is left out of reports.
 #include "client/redaction.h"
+#include "desktop/model/tray_facts.h"
 #include "desktop/plot/colours.h"
 #include "desktop/session/options.h"
 #include "desktop/session/preferences.h"
 #include "desktop/session/theme.h"
-#include "desktop/tray/tray_facts.h"
 #include "desktop/window/log_page.h"
 
 #include <QtTest>

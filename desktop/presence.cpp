@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/session/presence.h"
+#include "desktop/presence.h"
 
 #include "client/say.h"
 #include "dbus/contract.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/window/command_box.h"
+#include "desktop/pieces/command_box.h"
 
 #include "client/say.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QClipboard>
 #include <QFontDatabase>

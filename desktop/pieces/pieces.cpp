@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/pieces.h"
 
 #include "desktop/plot/colours.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/window/rights_panel.h"
+#include "desktop/pieces/rights_panel.h"
 
 #include "client/say.h"
 #include "desktop/model/deed.h"
-#include "desktop/window/command_box.h"
-#include "desktop/window/pieces.h"
+#include "desktop/pieces/command_box.h"
+#include "desktop/pieces/pieces.h"
 
 #include <QDateTime>
 #include <QPushButton>

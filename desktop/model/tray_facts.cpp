@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/tray/tray_facts.h"
+#include "desktop/model/tray_facts.h"
 
 #include "client/say.h"
 #include "dbus/contract.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/window/deed_runner.h"
+#include "desktop/pieces/deed_runner.h"
 
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
-#include "desktop/window/command_box.h"
-#include "desktop/window/rights_panel.h"
+#include "desktop/pieces/command_box.h"
+#include "desktop/pieces/rights_panel.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/assistant/step.h"
+#include "desktop/model/step.h"
 
 #include "client/say.h"
 
