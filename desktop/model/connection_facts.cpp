@@ -6,7 +6,6 @@
 #include "client/text_format.h"
 #include "dbus/contract.h"
 #include "desktop/model/headline.h"
-#include "desktop/plot/history_plots.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -106,6 +105,12 @@ QString marginWord(double decibels)
     return decibels >= goodMargin ? Say::tr("good")
         : decibels >= fairMargin  ? Say::tr("fair")
                                   : Say::tr("poor");
+}
+
+QString trafficText(quint64 bytes, quint64 limit)
+{
+    return limit == 0 ? bytesText(double(bytes))
+                      : Say::tr("%1 of %2").arg(bytesText(double(bytes)), bytesText(double(limit)));
 }
 
 QString momentText(qint64 seconds, qint64 now)

@@ -34,6 +34,9 @@ QVector<ShownFact> connectionFacts(
 /// A noise margin in a word: below 6 dB a line drops, from 10 dB on it has some to spare.
 QString marginWord(double decibels);
 
+/// Traffic against a limit: "31.4 GB of 60.0 GB", or the traffic alone without one.
+QString trafficText(quint64 bytes, quint64 limit);
+
 /// A past time as people say it: "today, 17:48", "yesterday, 9:05", "19 Nov, 21:40".
 QString momentText(qint64 seconds, qint64 now);
 

@@ -92,12 +92,6 @@ QVector<PlotMark> timeMarks(qint64 from, qint64 until)
 
 } // namespace
 
-QString trafficText(quint64 bytes, quint64 limit)
-{
-    return limit == 0 ? bytesText(double(bytes))
-                      : Say::tr("%1 of %2").arg(bytesText(double(bytes)), bytesText(double(limit)));
-}
-
 PlotContent dayPlot(const QList<KeeperTraffic> &days, const QDate &begin, const QDate &end)
 {
     QList<KeeperTraffic> shown;

@@ -23,7 +23,4 @@ enum class LineValue
 /// The line between two times (seconds since 1970).
 PlotContent linePlot(const QList<LineSample> &samples, LineValue value, qint64 from, qint64 until);
 
-/// Traffic against a limit: "31.4 GB of 60.0 GB", or the traffic alone without one.
-QString trafficText(quint64 bytes, quint64 limit);
-
 } // namespace desktop

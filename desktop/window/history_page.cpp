@@ -4,6 +4,7 @@
 #include "client/say.h"
 #include "dbus/contract.h"
 #include "desktop/controller.h"
+#include "desktop/model/connection_facts.h"
 #include "desktop/pieces/pieces.h"
 #include "desktop/plot/history_plots.h"
 #include "desktop/plot/plot.h"

@@ -287,12 +287,6 @@ private slots:
         QCOMPARE(content.points.first().name, QStringLiteral("15/10/2026 to 14/11/2026"));
     }
 
-    void trafficIsSaidAgainstTheLimit()
-    {
-        QCOMPARE(trafficText(31400000000, 60000000000), QStringLiteral("31.4 GB of 60.0 GB"));
-        QCOMPARE(trafficText(31400000000, 0), QStringLiteral("31.4 GB"));
-    }
-
     void theLineIsBrokenWhereTheKeeperSlept()
     {
         const qint64 now = noon / 1000;
