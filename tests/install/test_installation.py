@@ -16,6 +16,8 @@ BOOKS = ("/var/lib/dpkg", "/var/lib/apt", "/var/cache", "/var/log/apt", "/var/lo
          "/var/log/alternatives.log", "/etc/ld.so.cache", "/proc", "/sys", "/dev", "/run", "/tmp",
          "/root", "/home", "/var/lib/systemd", "/etc/.pwd.lock", "/var/log/journal",
          "/var/log/faillog", "/var/log/lastlog")
+# What packages that ours need make when they are installed, and leave when they are purged.
+BOOKS += ("/etc/sgml", "/etc/xml", "/usr/share/mime", "/usr/local")
 PAP, CHAP = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"
 VERSION = re.search(r"project\(norvix VERSION ([0-9.]+)",
                     (REPOSITORY / "CMakeLists.txt").read_text(encoding="ascii"))[1]
@@ -40,12 +42,13 @@ def ids(system):
 
 
 def result(system):
-    """All that an installation has made, with owners by name. What is needed for building only
-    brings files of its own to systemd."""
+    """All that an installation has made, with owners by name. What is needed for building only, or
+    recommended by what ours need, brings files of its own to systemd and the bus."""
     names = ids(system)
     return {path: (mode, owner, names[group], *rest)
             for path, (mode, owner, group, *rest) in system.files(*PLACES).items()
-            if not path.startswith(("/etc/systemd/", "/usr/lib/")) or "norvix" in path}
+            if not path.startswith(("/etc/systemd/", "/usr/lib/", "/usr/share/dbus-1/"))
+            or re.search("norvix|freedesktop.Hal", path)}
 
 
 def test_what_is_installed_has_the_owners_and_modes_it_needs(from_clone):
