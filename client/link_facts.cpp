@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
+#include <cmath>
 #include <sys/klog.h>
 #include <unistd.h>
 
@@ -82,8 +84,12 @@ std::optional<qint64> processAge(
     if (nameEnd < 0 || fields.size() <= startTimeField || !isUptime || ticksPerSecond <= 0) {
         return std::nullopt;
     }
-    const qint64 age = qint64(now - fields.at(startTimeField).toDouble() / double(ticksPerSecond));
-    return age < 0 ? 0 : age;
+    const double age = now - fields.at(startTimeField).toDouble() / double(ticksPerSecond);
+    constexpr double longestUptime = 1e12; // seconds; beyond it, it is no uptime
+    if (std::isnan(age) || age > longestUptime) {
+        return std::nullopt;
+    }
+    return qint64(std::max(0.0, age));
 }
 
 std::optional<qint64> connectionSeconds(const QString &interface)

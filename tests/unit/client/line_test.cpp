@@ -160,6 +160,17 @@ private slots:
         QCOMPARE(int(processAge(stat, "100.00 1.0\n", 100).value_or(-1)), age);
     }
 
+    void whatNoComputerHasBeenUpIsNoAge()
+    {
+        const QByteArray stat
+            = "12 (pppd) S 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 5000 20\n";
+        QVERIFY(processAge(stat, "1000000000.00 1.0\n", 100));
+        QVERIFY(!processAge(stat, "1" + QByteArray(60, '3') + ".5 3\n", 100));
+        QVERIFY(!processAge(stat, "nan 1.0\n", 100));
+        QVERIFY(!processAge(stat, "inf 1.0\n", 100));
+        QCOMPARE(processAge(stat, "-inf 1.0\n", 100).value_or(-1), 0);
+    }
+
     void ourPppdIsKnownByItsLinkname()
     {
         const auto words = [](const char *text) { return QByteArray(text).replace(' ', '\0'); };
