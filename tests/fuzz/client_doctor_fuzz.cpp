@@ -45,6 +45,10 @@ Facts factsFrom(FuzzInput input)
     facts.protocol = input.textLine();
     facts.vpi = input.textLine();
     facts.vci = input.textLine();
+    const auto keeper = keeperState({{"State", input.textLine()}, {"Wanted", flag(23)},
+        {"Keep", flag(24)}, {"Reason", input.textLine()}, {"History", input.textLine()}});
+    facts.keeper.value = keeper.value_or(KeeperState());
+    facts.keeper.failure.kind = keeper ? FailureKind::None : FailureKind::KeeperNotUnderstood;
     const QByteArray content = input.rest();
     if (flag(20)) {
         facts.line = lineFromKernelLog(content);
