@@ -87,7 +87,11 @@ QStringList readableValues(const QString &signal, const QVariantList &values)
         return {bytesText(number(0)), bytesText(number(1))};
     }
     if (signal == QLatin1String(DaemonSignal::connectionTime)) {
-        return {clockText(qint64(number(0)) * 3600 + qint64(number(1)) * 60 + qint64(number(2)))};
+        const auto whole = [&](int position) {
+            const QVariant value = values.value(position);
+            return qint64(value.userType() == QMetaType::Int ? value.toInt() : 0);
+        };
+        return {clockText(whole(0) * 3600 + whole(1) * 60 + whole(2))};
     }
     if (signal == QLatin1String(DaemonSignal::connectionState)) {
         return {connectionText(values.value(0).toInt())};
@@ -113,10 +117,12 @@ QString signalText(const QString &signal, const QVariantList &arguments)
         return printable(signal) + QLatin1Char(' ') + values.join(QLatin1Char(' '));
     }
     QString text = Say::tr(row->text);
+    const auto places = text.count(QLatin1Char('%'));
+    if (places == 0) {
+        return text;
+    }
     // Both at once: a value may itself contain a percent sign.
-    return values.size() > 1 ? text.arg(values.at(0), values.at(1))
-        : values.size() == 1 ? text.arg(values.at(0))
-                             : text;
+    return places == 1 ? text.arg(values.value(0)) : text.arg(values.value(0), values.value(1));
 }
 
 QJsonObject signalArguments(const QString &signal, const QVariantList &arguments)

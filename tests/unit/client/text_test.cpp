@@ -133,6 +133,11 @@ private slots:
         row("totals", "transmissionBytes", QVariantList{2e6, 1.0},
             "totals: 2.0 MB received, 1 B sent");
         row("time", "connectionTime", QVariantList{1, 2, 3}, "connected for 01:02:03");
+        row("time of the wrong type", "connectionTime", QVariantList{1e18, "a", false},
+            "connected for 00:00:00");
+        row("more than it has", "IP", QVariantList{"10.0.0.1", "ppp0"}, "address: 10.0.0.1");
+        row("something where there is nothing", "modemUnplugged", QVariantList{"oops"},
+            "modem unplugged");
         row("state", "connectionState", QVariantList{2}, "connection state: not connected");
         row("a percent sign in a value", "modemPlugged", QVariantList{"%1 %2"},
             "modem plugged: %1 %2");
