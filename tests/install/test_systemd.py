@@ -7,7 +7,7 @@ from conftest import USER
 
 from lab.kernel import guest, image
 
-GUEST_SECONDS = 900
+GUEST_SECONDS = 3600
 
 
 def compiler_of_the_kernel():
