@@ -54,7 +54,7 @@ def test_an_item_in_the_tray_is_read_and_its_menu_used(desktop, probe):
     program = desktop.start(probe, "--tray")
     item = desktop.tray.item()
     assert (item.status, item.tooltip) == ("Active", "green")
-    assert [entry.label for entry in item.menu()] == ["Be red", "", "Quit"]
+    assert item.labels == ["Be red", "", "Quit"]
     item.press("Be red")
     item.wait(tooltip="red")
     item.press("Quit")

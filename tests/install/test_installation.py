@@ -17,7 +17,8 @@ BOOKS = ("/var/lib/dpkg", "/var/lib/apt", "/var/cache", "/var/log/apt", "/var/lo
          "/root", "/home", "/var/lib/systemd", "/etc/.pwd.lock", "/var/log/journal",
          "/var/log/faillog", "/var/log/lastlog")
 # What packages that ours need make when they are installed, and leave when they are purged.
-BOOKS += ("/etc/sgml", "/etc/xml", "/usr/share/mime", "/usr/local")
+BOOKS += ("/etc/sgml", "/etc/xml", "/usr/share/mime", "/usr/local/share/sgml",
+          "/usr/local/share/xml")
 PAP, CHAP = "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"
 VERSION = re.search(r"project\(norvix VERSION ([0-9.]+)",
                     (REPOSITORY / "CMakeLists.txt").read_text(encoding="ascii"))[1]

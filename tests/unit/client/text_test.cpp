@@ -135,6 +135,7 @@ private slots:
         row("time", "connectionTime", QVariantList{1, 2, 3}, "connected for 01:02:03");
         row("time of the wrong type", "connectionTime", QVariantList{1e18, "a", false},
             "connected for 00:00:00");
+        row("fewer than it has", "IP", QVariantList{}, "address: ");
         row("more than it has", "IP", QVariantList{"10.0.0.1", "ppp0"}, "address: 10.0.0.1");
         row("something where there is nothing", "modemUnplugged", QVariantList{"oops"},
             "modem unplugged");

@@ -65,17 +65,17 @@ class FactsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void trafficIsSaidAgainstTheLimit()
-    {
-        QCOMPARE(trafficText(31400000000, 60000000000), QStringLiteral("31.4 GB of 60.0 GB"));
-        QCOMPARE(trafficText(31400000000, 0), QStringLiteral("31.4 GB"));
-    }
-
     void initTestCase()
     {
         qputenv("TZ", "UTC");
         tzset();
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    }
+
+    void trafficIsSaidAgainstTheLimit()
+    {
+        QCOMPARE(trafficText(31400000000, 60000000000), QStringLiteral("31.4 GB of 60.0 GB"));
+        QCOMPARE(trafficText(31400000000, 0), QStringLiteral("31.4 GB"));
     }
 
     void whileConnectedTheConnectionIsDescribed()
