@@ -70,8 +70,8 @@ private slots:
     void whatIsWrittenIsRead_data();
     void whatIsWrittenIsRead();
     void filterBeforeThePatternChangesNoAnswer();
-    void tenMegabytesAreEditedAndReadQuickly_data();
-    void tenMegabytesAreEditedAndReadQuickly();
+    void megabytesAreEditedAndReadQuickly_data();
+    void megabytesAreEditedAndReadQuickly();
     void thousandLoginLinesAreAllReplaced();
 };
 
@@ -394,7 +394,7 @@ void TestAccountFiles::filterBeforeThePatternChangesNoAnswer()
     QVERIFY(recognised > 100);
 }
 
-void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly_data()
+void TestAccountFiles::megabytesAreEditedAndReadQuickly_data()
 {
     const auto row = table<QByteArray>("line");
     row("comments", "# a comment of some length\n");
@@ -404,17 +404,17 @@ void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly_data()
     row("entries for one server", "\"login\" isp \"secret\" *\n");
 }
 
-void TestAccountFiles::tenMegabytesAreEditedAndReadQuickly()
+void TestAccountFiles::megabytesAreEditedAndReadQuickly()
 {
     QFETCH(QByteArray, line);
-    const QByteArray content = "#\n" + line.repeated(10000000 / line.size());
+    const QByteArray content = "#\n" + line.repeated(2000000 / line.size());
     const std::clock_t start = std::clock(); // of the processor, which other programs share
     QVERIFY(withSecretsEntry(content, QStringLiteral("x"), QStringLiteral("y"))
                 .endsWith("\"x\" * \"y\" *\n"));
     QVERIFY(withLoginLine(content, QStringLiteral("x")).contains("user \"x\""));
     QVERIFY(!accountFromSecrets(content));
     const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
-    QVERIFY2(seconds < 30, qPrintable(QString::number(seconds)));
+    QVERIFY2(seconds < 6, qPrintable(QString::number(seconds)));
 }
 
 void TestAccountFiles::thousandLoginLinesAreAllReplaced()
