@@ -2,6 +2,7 @@
 """What a screen reader has of the windows: finds by role and name, reads, presses, waits by events."""
 import re
 import time
+import weakref
 from collections import namedtuple
 
 from ..machine.bus_client import BusError
@@ -11,6 +12,7 @@ REGISTRY, ROOT = "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"
 ACCESSIBLE, PROPERTIES = "org.a11y.atspi.Accessible", "org.freedesktop.DBus.Properties"
 EVENTS = ("object:", "window:", "focus:")
 LOOK_AGAIN = 0.25  # seconds; not everything that changes makes an event
+BETWEEN_LOOKS = 0.05  # events come by the hundred, and each look asks every element
 STATES = ("invalid active armed busy checked collapsed defunct editable enabled expandable expanded "
           "focusable focused has-tooltip horizontal iconified modal multi-line multiselectable opaque "
           "pressed resizable selectable selected sensitive showing single-line stale transient "
@@ -24,6 +26,8 @@ NEED_NO_NAME = {"application", "desktop frame", "filler", "panel", "frame", "lay
 COMBO = "combo box"
 LABELLED_BY = 2
 TAB_LIMIT = 300
+
+ROLES = weakref.WeakKeyDictionary()  # bus to {element: role}; an element keeps its role
 
 # One element at one moment. depth: 0 for where one began to look.
 Seen = namedtuple("Seen", "element depth role name states")
@@ -138,21 +142,23 @@ class Element:
     def _ask(self, elements, told):
         """Asks all elements of a level at once, so that this takes only as long as the tree is deep.
         told: element to what it said and its children. Returns the next level."""
+        roles = ROLES.setdefault(self._bus, {})
         asked = [(element, [element._start(PROPERTIES, "Get", "ss", ACCESSIBLE, "Name"),
-                            element._start(ACCESSIBLE, "GetRoleName"),
                             element._start(ACCESSIBLE, "GetState"),
-                            element._start(ACCESSIBLE, "GetChildren")]) for element in elements]
+                            element._start(ACCESSIBLE, "GetChildren")],
+                  None if element in roles else element._start(ACCESSIBLE, "GetRoleName")) for element in elements]
         below = []
-        for element, serials in asked:
+        for element, serials, role in asked:
             try:
-                name, role, bits, references = [self._bus.finish_call(serial).body[0]
-                                                for serial in serials]
+                name, bits, references = [self._bus.finish_call(serial).body[0] for serial in serials]
+                if role is not None:
+                    roles[element] = self._bus.finish_call(role).body[0]
             except BusError:  # it has just gone
                 continue
             states = _states(bits)
             if "showing" in states or element.path == ROOT:
                 children = [Element(self._bus, self._keyboard, *one) for one in references]
-                told[element] = (role, name[1], states, children)
+                told[element] = (roles[element], name[1], states, children)
                 below += children
         return below
 
@@ -196,6 +202,7 @@ class Element:
             if left <= 0:
                 raise NotHappened("not within %g s: %s\n%s" % (timeout, what, self.outline()))
             self._bus.signal_at(position, min(left, LOOK_AGAIN))
+            time.sleep(BETWEEN_LOOKS)
 
     # ---- what a test does most
 
