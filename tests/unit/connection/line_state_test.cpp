@@ -89,7 +89,7 @@ private slots:
     void onlyTheLastDriverLineDecides();
     void theLogEndsAtItsFirstNul();
     void aMarkerMayStandAtEitherEnd();
-    void everyTruncationOfARecordedLogEqualsThePlainLineState();
+    void truncationsOfARecordedLogEqualThePlainLineState();
     void everyTruncationOfSplicedLogsEqualsThePlainLineState();
     void shortRandomLogsEqualThePlainLineState();
     void fullRandomLogsEqualThePlainLineState();
@@ -240,11 +240,13 @@ void LineStateTest::aMarkerMayStandAtEitherEnd()
     }
 }
 
-void LineStateTest::everyTruncationOfARecordedLogEqualsThePlainLineState()
+void LineStateTest::truncationsOfARecordedLogEqualThePlainLineState()
 {
-    const QByteArrayList logs = recordedLogs();
-    for (const QByteArray &log : logs) {
-        for (int size = 0; size <= log.size(); ++size) {
+    int first = 0;
+    for (const QByteArray &log : recordedLogs()) {
+        QCOMPARE(difference(log), QByteArray());
+        // Logs of one driver begin alike, so each is cut at another third of its places.
+        for (int size = first++ % 3; size <= log.size(); size += 3) {
             QCOMPARE(difference(log.left(size)), QByteArray());
         }
     }
