@@ -76,6 +76,16 @@ QList<PppdWord> entryWords(const QString &login, const QString &password)
         {login.toLocal8Bit(), true}, {"*", false}, {password.toLocal8Bit(), false}, {"*", false}};
 }
 
+/// Whether the last word is an option "user" whose value is still to come.
+bool expectsLogin(const QList<PppdWord> &words)
+{
+    bool expects = false;
+    for (const PppdWord &word : words) {
+        expects = !expects && word.text == "user";
+    }
+    return expects;
+}
+
 } // namespace
 
 QList<PppdWord> pppdWords(const QByteArray &content)
@@ -158,6 +168,9 @@ AccountFault faultInPeerFile(const QByteArray &content, const QString &login)
     const QByteArray value = login.toLocal8Bit();
     const QList<PppdWord> before = pppdWords(content);
     const QList<PppdWord> after = pppdWords(edited);
+    if (expectsLogin(before)) {
+        return AccountFault::FileDisagrees; // our "user" would be the value, our value an option
+    }
     if (after == before + QList<PppdWord>{{"user", true}, {value, false}}) {
         return AccountFault::None;
     }

@@ -14,10 +14,12 @@ QList<PppdWord> withoutLogins(const QByteArray &content)
 {
     const QList<PppdWord> words = pppdWords(content);
     QList<PppdWord> others;
-    for (int i = 0; i < words.size(); ++i) {
-        if (i == 0 || words.at(i - 1).text != "user") {
-            others.append(words.at(i));
+    bool isValue = false; // which may be "user" as well
+    for (const PppdWord &word : words) {
+        if (!isValue) {
+            others.append(word);
         }
+        isValue = !isValue && word.text == "user";
     }
     return others;
 }

@@ -42,6 +42,7 @@ private slots:
     void aPasswordThatNamesAFileToPppdIsRefused();
     void whatAnEscapedQuotationMarkLeftBehindIsNotLetOut();
     void aFileThatDoesNotEndInALineFeedIsNotGluedTo();
+    void aLoginDoesNotBecomeAnOptionBehindOneWithoutItsValue();
     void aLoginLineThatIsOnlyACommentDoesNotCount();
     void whateverIsAcceptedChangesNothingButTheAccount();
 };
@@ -184,6 +185,12 @@ void TestAccountSafety::aFileThatDoesNotEndInALineFeedIsNotGluedTo()
 {
     QCOMPARE(faultInPeerFile("noauth", "login"), AccountFault::FileDisagrees);
     QCOMPARE(faultInSecrets("# comment", "login", "password"), AccountFault::FileDisagrees);
+}
+
+void TestAccountSafety::aLoginDoesNotBecomeAnOptionBehindOneWithoutItsValue()
+{
+    QCOMPARE(faultInPeerFile("noauth\nuser\n", "login"), AccountFault::FileDisagrees);
+    QCOMPARE(faultInPeerFile("user user\n", "login"), AccountFault::None);
 }
 
 void TestAccountSafety::aLoginLineThatIsOnlyACommentDoesNotCount()
