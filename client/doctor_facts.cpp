@@ -134,9 +134,9 @@ void lookAtDriver(Facts &facts)
         family != nullptr ? family->driver : driverOfVendor(facts.configured.vendor));
     if (!facts.driver.isEmpty()) {
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
-        facts.atmModule = lookAtModule(facts, "atm");
-        facts.usbatmModule = lookAtModule(facts, "usbatm");
     }
+    facts.atmModule = lookAtModule(facts, "atm");
+    facts.usbatmModule = lookAtModule(facts, "usbatm");
     const std::optional<QByteArray> modules = moduleList(facts.kernel, "modules.dep");
     if (const ModulePacker packer = modulePacker(modules.value_or("")); packer.program != nullptr) {
         const bool isThere = !QStandardPaths::findExecutable(QLatin1String(packer.program),
