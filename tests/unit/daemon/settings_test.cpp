@@ -302,11 +302,11 @@ void SettingsTest::untilAnotherHasWrittenAllWhatWasReadBeforeCounts()
 
 void SettingsTest::aTextByHandNeedsNoLastLineFeed()
 {
-    writeAndRead("vci=35\nvpi=8\n");
-    writeFile("[General]\nvci=36\nvpi=9");
+    writeAndRead("service=x\nvci=35\nvpi=8\n");
+    writeFile("[General]\nservice=x\nvci=36\nvpi=9");
     writeSetting(settings(), "idleness", 1);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nvci=36\nvpi=9\n"));
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nservice=x\nvci=36\nvpi=9\n"));
 }
 
 void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
