@@ -139,8 +139,16 @@ Finding checkModem(const Facts &facts)
 
 Finding checkDriver(const Facts &facts)
 {
+    const NeededModule atm = {QStringLiteral("atm"), facts.atmModule};
+    const NeededModule usbatm = {QStringLiteral("usbatm"), facts.usbatmModule};
     if (facts.driver.isEmpty()) {
-        return notChecked(Say::tr("not known without a modem"));
+        // All modems but one need them.
+        std::optional<Finding> lacking = lackingModules(facts, {atm, usbatm});
+        if (!lacking) {
+            return notChecked(Say::tr("not known without a modem"));
+        }
+        lacking->verdict = Verdict::Doubtful;
+        return *lacking;
     }
     if (facts.isCompiling) {
         return doubtful(Say::tr("The driver is being built now."), RemedyKind::WaitForDriver);
@@ -148,10 +156,7 @@ Finding checkDriver(const Facts &facts)
     // Without what it stands on no driver loads, and none can be built.
     if (facts.isDriverOverAtm()
         && (facts.atmModule == Module::Missing || facts.usbatmModule == Module::Missing)) {
-        return *lackingModules(facts,
-            {{QStringLiteral("atm"), facts.atmModule},
-                {QStringLiteral("usbatm"), facts.usbatmModule},
-                {facts.driver, facts.driverModule}});
+        return *lackingModules(facts, {atm, usbatm, {facts.driver, facts.driverModule}});
     }
     switch (facts.driverModule) {
     case Module::Loaded:

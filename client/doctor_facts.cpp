@@ -134,9 +134,9 @@ void lookAtDriver(Facts &facts)
         family != nullptr ? family->driver : driverOfVendor(facts.configured.vendor));
     if (!facts.driver.isEmpty()) {
         facts.driverModule = lookAtModule(facts, qPrintable(facts.driver));
-        facts.atmModule = lookAtModule(facts, "atm");
-        facts.usbatmModule = lookAtModule(facts, "usbatm");
     }
+    facts.atmModule = lookAtModule(facts, "atm");
+    facts.usbatmModule = lookAtModule(facts, "usbatm");
     const std::optional<QByteArray> modules = moduleList(facts.kernel, "modules.dep");
     if (const ModulePacker packer = modulePacker(modules.value_or("")); packer.program != nullptr) {
         const bool isThere = !QStandardPaths::findExecutable(QLatin1String(packer.program),
@@ -145,9 +145,9 @@ void lookAtDriver(Facts &facts)
         facts.lackingPacker = isThere ? QString() : QLatin1String(packer.package);
     }
     const QDir sources(QStringLiteral("/opt/norvix/drivers"));
-    facts.hasDriverSource = (facts.driver == QLatin1String("unicorn_usb_eth")
+    facts.hasDriverSource = (facts.driver == QLatin1String(unicornModule)
                                 && sources.exists(QStringLiteral("unicorn-neo.tar")))
-        || (facts.driver == QLatin1String("ueagle-atm")
+        || (facts.driver == QLatin1String(eagleModule)
             && sources.exists(QStringLiteral("ueagle-atm-1.4.tar")));
     const ModemFirmware firmware
         = family != nullptr ? firmwareOf(*family) : ModemFirmware{nullptr, nullptr};
@@ -243,7 +243,7 @@ ModulePacker modulePacker(const QByteArray &modulesDep)
 
 bool Facts::isDriverOverAtm() const
 {
-    return !driver.isEmpty() && driver != QLatin1String("unicorn_usb_eth");
+    return !driver.isEmpty() && driver != QLatin1String(unicornModule);
 }
 
 const char *Facts::protocolModuleName() const

@@ -20,10 +20,10 @@ ModemFirmware firmwareOf(const ModemFamily &family)
     if (std::strcmp(family.name, "Sagem F@st 800 E4") == 0) {
         return {"ueagle-atm/eagleIV.fw", "firmware-misc-nonfree"};
     }
-    if (std::strcmp(family.driver, "ueagle-atm") == 0) {
+    if (std::strcmp(family.driver, eagleModule) == 0) {
         return {"ueagle-atm/eagleIII.fw", nullptr};
     }
-    if (std::strcmp(family.driver, "speedtch") == 0) {
+    if (std::strcmp(family.driver, speedtouchModule) == 0) {
         return {"speedtch-2.bin", nullptr};
     }
     return {nullptr, nullptr};

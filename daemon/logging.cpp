@@ -106,13 +106,23 @@ void thinLog(qint64 size)
     logLimit.postpone(size);
 }
 
+/// For a line more. A pipe in the log's place must not hold us up until somebody reads it.
+FileDescriptor openLog(const char *path)
+{
+    return FileDescriptor(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0666));
+}
+
+/// Takes the beginning of a line that had no room out again: the next one would be glued to it.
+bool takeBack(int log, ssize_t written)
+{
+    return ftruncate(log, lseek(log, 0, SEEK_CUR) - written) == 0;
+}
+
 /// Opens the main log, appends one line in a single write, closes it. False when it cannot be
 /// opened. Call it with the log mutex held.
 bool appendLine(const char *prefix, const char *text, size_t size)
 {
-    // A pipe in the log's place must not hold us up until somebody reads it.
-    const FileDescriptor file(
-        open(logPath, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0666));
+    const FileDescriptor file = openLog(logPath);
     if (!file.isOpen()) {
         return false;
     }
@@ -125,8 +135,7 @@ bool appendLine(const char *prefix, const char *text, size_t size)
         return true;
     }
     const qint64 logSize = lseek(file.get(), 0, SEEK_CUR);
-    // All of it: the next line would be glued to what was left of this one.
-    if (written < lengthOf(line) && ftruncate(file.get(), logSize - written) == 0) {
+    if (written < lengthOf(line) && takeBack(file.get(), written)) {
         return true;
     }
     if (logLimit.isExceeded(logSize)) {
@@ -240,11 +249,14 @@ void appendToDailyLog(const QString &msg)
     // Not QDateTime's own text: its digits are those of the system's language.
     const QLocale plain = QLocale::c();
     const QDateTime now = QDateTime::currentDateTime();
-    QFile file(folder.filePath(
-        plain.toString(now, QStringLiteral("dd-MM-yyyy")) + QStringLiteral(".log")));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        return;
+    const QString name = plain.toString(now, QStringLiteral("dd-MM-yyyy")) + QStringLiteral(".log");
+    const FileDescriptor file = openLog(QFile::encodeName(folder.filePath(name)).constData());
+    const QByteArray line
+        = plain.toString(now, QStringLiteral("dd.MM.yyyy hh:mm:ss: ")).toLocal8Bit()
+        + msg.toLocal8Bit() + '\n';
+    const ssize_t written
+        = file.isOpen() ? write(file.get(), line.constData(), size_t(line.size())) : 0;
+    if (written > 0 && written < line.size()) {
+        takeBack(file.get(), written);
     }
-    file.write(plain.toString(now, QStringLiteral("dd.MM.yyyy hh:mm:ss: ")).toLocal8Bit()
-        + msg.toLocal8Bit() + '\n');
 }

@@ -4,26 +4,70 @@
 #include "support/files/safe_file.h"
 #include "support/files/settings_text.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QEvent>
 #include <QFile>
 #include <QFileDevice>
 #include <QFileInfo>
 #include <QMutexLocker>
-#include <QSet>
 #include <QStringList>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
+// Somebody who writes the file in place needs no millisecond.
+constexpr int tornForMs = 250;
+constexpr int tornPollMs = 10;
+constexpr int mostAttempts = 3;
+
+// All under the one store's mutex.
+QByteArray lastWritten; ///< null when the library had nothing to write
+std::optional<QByteArray> lastJudged; ///< what stood in the file when it was looked at
+QByteArray lastMerged; ///< the same with our changes
+bool isOvertaken = false; ///< something else stood in the file when it was about to be replaced
+bool isLeftOut = false; ///< what stands in the file is not to be merged with anything
+
 bool readValues(QIODevice &device, QSettings::SettingsMap &values)
 {
-    values = settingsFrom(device.read(mostSettingsBytes)).values;
+    if (!isLeftOut) {
+        values = settingsFrom(device.read(mostSettingsBytes)).values;
+    }
     return true;
+}
+
+std::optional<QByteArray> contentOf(const QString &path)
+{
+    return readFileBytes(path, Links::Follow, mostSettingsBytes);
+}
+
+/// As it stands in a file.
+QByteArray valueText(const QVariant &value)
+{
+    return settingsText({{QStringLiteral("value"), value}});
+}
+
+/// Whether @p text is what a writer has left that was kept from coming to its end: the end of a
+/// line is missing, and something of what was @p known as well. What a person has typed may lack
+/// the former.
+bool isTorn(const QByteArray &text, const QSettings::SettingsMap &known)
+{
+    if (text.endsWith('\n')) {
+        return false;
+    }
+    const QSettings::SettingsMap values = settingsFrom(text).values;
+    const auto isMissing = [&](const QString &key) {
+        const QString before = settingText(known.value(key));
+        const QString now = settingText(values.value(key));
+        return !values.contains(key) || (now != before && before.startsWith(now));
+    };
+    return std::any_of(known.keyBegin(), known.keyEnd(), isMissing);
 }
 
 /// Gives the file that the library is about to put in the place of @p path the owner, group and
@@ -42,19 +86,19 @@ void takeOver(const QString &path, int replacement)
     fchmod(replacement, before.st_mode & 07777);
 }
 
-QByteArray lastWritten; // under the one store's mutex; null when the library had nothing to write
-
 /// @p device is a new file beside the old one. Flushed and checked here: the library does not see
-/// the error of a write that it has buffered, and would put an empty file in place.
-bool writeValues(QIODevice &device, const QSettings::SettingsMap &values)
+/// the error of a write that it has buffered, and would put an empty file in place. What it has
+/// merged does not count: it may have read half of what somebody was writing.
+bool writeValues(QIODevice &device, const QSettings::SettingsMap & /*values*/)
 {
     auto *file = qobject_cast<QFileDevice *>(&device);
-    const QByteArray text = settingsText(values);
-    if (file == nullptr || file->write(text) != text.size() || !file->flush()) {
+    isOvertaken = file != nullptr && contentOf(file->fileName()) != lastJudged;
+    if (isOvertaken || file == nullptr || file->write(lastMerged) != lastMerged.size()
+        || !file->flush()) {
         return false;
     }
     takeOver(file->fileName(), file->handle());
-    lastWritten = text;
+    lastWritten = lastMerged;
     return fsync(file->handle()) == 0;
 }
 
@@ -92,6 +136,7 @@ class SettingsStore : public QSettings
 public:
     explicit SettingsStore(const QString &path)
         : QSettings(path, settingsFormat())
+        , m_whole(settingsFrom(contentOf(path).value_or(QByteArray())).values)
     {
     }
 
@@ -105,7 +150,7 @@ public:
     void setPending(const QString &key)
     {
         m_isPending = true;
-        m_changed.insert(key);
+        m_changes.insert(key, contains(key) ? value(key) : QVariant());
     }
 
     QRecursiveMutex &mutex() { return m_mutex; }
@@ -126,11 +171,26 @@ private:
     {
         tell(setAside(fileName()));
         const QString mounted = mountedFile();
-        if (!mounted.isEmpty()) {
-            m_isPending = !exchangeInPlace(mounted) && m_isPending;
-        }
-        lastWritten = QByteArray();
-        sync();
+        int attempts = 0;
+        do {
+            isLeftOut = !isWhole();
+            if (isLeftOut && !m_isPending) {
+                return true; // what was read before it still counts
+            }
+            if (!isLeftOut) {
+                m_whole = settingsFrom(lastJudged.value_or(QByteArray())).values;
+            }
+            const SettingsMap merged = withChanges(m_whole);
+            lastMerged = settingsText(merged);
+            take(m_changes);
+            if (!mounted.isEmpty()) {
+                m_isPending = !exchangeInPlace(mounted) && m_isPending;
+            }
+            lastWritten = QByteArray();
+            isOvertaken = false;
+            sync();
+            takeMissing(merged);
+        } while (isOvertaken && mounted.isEmpty() && ++attempts < mostAttempts);
         if (!mounted.isEmpty()) {
             // What the library could not rename is in the file already.
         } else if (!lastWritten.isNull()) {
@@ -145,9 +205,74 @@ private:
         }
         m_hasFailed = m_isPending;
         if (!m_isPending) {
-            m_changed.clear();
+            m_whole = withChanges(m_whole);
+            m_changes.clear();
         }
         return !m_isPending;
+    }
+
+    /// What the file held when it was last whole, but for keys that are to be written.
+    SettingsMap known() const
+    {
+        SettingsMap values = m_whole;
+        for (auto change = m_changes.begin(); change != m_changes.end(); ++change) {
+            values.remove(change.key());
+        }
+        return values;
+    }
+
+    /// Whether the file may be read. One that somebody is writing in place is given a moment, once.
+    bool isWhole()
+    {
+        const SettingsMap values = known();
+        const QDeadlineTimer deadline(tornForMs);
+        for (;;) {
+            lastJudged = contentOf(fileName());
+            const bool isMissing = !lastJudged && errno == ENOENT;
+            if (isMissing || (lastJudged && !isTorn(*lastJudged, values))) {
+                m_torn.reset();
+                return true;
+            }
+            if (lastJudged == m_torn || deadline.hasExpired()) {
+                m_torn = lastJudged;
+                return false;
+            }
+            poll(nullptr, 0, tornPollMs);
+        }
+    }
+
+    SettingsMap withChanges(SettingsMap values) const
+    {
+        for (auto change = m_changes.begin(); change != m_changes.end(); ++change) {
+            if (change->isValid()) {
+                values.insert(change.key(), *change);
+            } else {
+                values.remove(change.key());
+            }
+        }
+        return values;
+    }
+
+    /// Has the library know @p changes, and write.
+    void take(const SettingsMap &changes)
+    {
+        for (auto change = changes.begin(); change != changes.end(); ++change) {
+            if (change->isValid()) {
+                setValue(change.key(), *change);
+            } else {
+                remove(change.key());
+            }
+        }
+    }
+
+    /// Has the library know those of @p values that it has not read.
+    void takeMissing(const SettingsMap &values)
+    {
+        for (auto setting = values.begin(); setting != values.end(); ++setting) {
+            if (valueText(value(setting.key())) != valueText(*setting)) {
+                setValue(setting.key(), *setting);
+            }
+        }
     }
 
     /// Where the file is when something is mounted on it, as container managers do with single
@@ -168,16 +293,9 @@ private:
         if (!before) {
             return false;
         }
-        SettingsMap values = settingsFrom(*before).values;
-        const SettingsMap others = values;
-        for (const QString &key : qAsConst(m_changed)) {
-            if (contains(key)) {
-                values.insert(key, value(key));
-            } else {
-                values.remove(key);
-            }
-        }
-        if (!m_changed.isEmpty()
+        const SettingsMap others = isLeftOut ? m_whole : settingsFrom(*before).values;
+        const SettingsMap values = withChanges(others);
+        if (!m_changes.isEmpty()
             && rewriteFileInPlace(place, *before, settingsText(values), Links::Refuse)
                 != Rewrite::Done) {
             return false;
@@ -188,7 +306,7 @@ private:
             }
         }
         for (auto other = others.begin(); other != others.end(); ++other) {
-            const bool isKnown = m_changed.contains(other.key())
+            const bool isKnown = m_changes.contains(other.key())
                 || settingsText({{other.key(), value(other.key())}})
                     == settingsText({{other.key(), other.value()}});
             if (!isKnown) {
@@ -220,7 +338,9 @@ private:
 
     QRecursiveMutex m_mutex;
     bool m_isPending = false;
-    QSet<QString> m_changed; ///< keys that are not on the disk
+    SettingsMap m_changes; ///< what is not on the disk; no value for what is to go from it
+    SettingsMap m_whole; ///< what the file held when nobody was just writing it
+    std::optional<QByteArray> m_torn; ///< content that was waited for in vain
     bool m_hasFailed = false; ///< which has been told
 };
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/memory_file.h"
 
+#include "support/files/safe_file.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
+#include <unistd.h>
 
 namespace keeper {
 
@@ -48,15 +50,18 @@ Stored Stored::from(const QByteArray &text)
 
 Stored readStored(const QString &path)
 {
+    clearUnfinished(path);
     QFile file(path);
     return Stored::from(file.open(QIODevice::ReadOnly) ? file.read(1 << 16) : QByteArray());
 }
 
 bool writeStored(const QString &path, const Stored &stored)
 {
-    QSaveFile file(path);
-    const QByteArray text = Stored::textOf(stored);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    FileAttributes attributes;
+    attributes.mode = 0600;
+    attributes.owner = geteuid();
+    attributes.group = getegid();
+    return replaceFile(path, Stored::textOf(stored), attributes);
 }
 
 } // namespace keeper

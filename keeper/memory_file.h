@@ -25,10 +25,11 @@ struct Stored
     static Stored from(const QByteArray &text);
 };
 
-/// The file's content; defaults when it cannot be read.
+/// The file's content; defaults when it cannot be read. Removes what a killed keeper left beside
+/// it.
 Stored readStored(const QString &path);
 
-/// Replaces the file, whole or not at all. False when that fails.
+/// Replaces the file, whole or not at all; nobody but its user reads it. False when that fails.
 bool writeStored(const QString &path, const Stored &stored);
 
 } // namespace keeper

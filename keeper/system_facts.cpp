@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "keeper/system_facts.h"
 
+#include "client/settings_file.h"
 #include "keeper/line/line_quality.h"
 #include "keeper/line/loss_judge.h"
 
 #include <QFile>
-#include <QSettings>
 #include <cerrno>
 #include <csignal>
 #include <sys/stat.h>
@@ -13,8 +13,6 @@
 namespace keeper {
 
 namespace {
-
-constexpr char settingsPath[] = "/opt/norvix/.daemon_ng.ini";
 
 QByteArray contentOf(const QString &path, qint64 most = 4096)
 {
@@ -86,8 +84,7 @@ std::optional<quint64> atmCellsReceived()
 
 QByteArray modemIdentifier()
 {
-    const QSettings settings(QString::fromLatin1(settingsPath), QSettings::IniFormat);
-    return settings.value(QStringLiteral("udi")).toString().toUtf8();
+    return settingText("udi").toUtf8();
 }
 
 bool isModemSeen()
@@ -99,10 +96,12 @@ QByteArray settingsStamp()
 {
     // Peer files may lie in a folder that only root and dip may enter: its own time tells enough.
     QByteArray stamp;
-    for (const char *path : {settingsPath, "/etc/ppp/peers", "/etc/ppp/peers/norvix",
-             "/etc/ppp/peers/norvix_unicorn", "/etc/ppp/pap-secrets", "/etc/ppp/chap-secrets"}) {
+    for (const QString &path :
+        {settingsPath(), QStringLiteral("/etc/ppp/peers"), QStringLiteral("/etc/ppp/peers/norvix"),
+            QStringLiteral("/etc/ppp/peers/norvix_unicorn"), QStringLiteral("/etc/ppp/pap-secrets"),
+            QStringLiteral("/etc/ppp/chap-secrets")}) {
         struct stat info = {};
-        if (stat(path, &info) == 0) {
+        if (stat(QFile::encodeName(path).constData(), &info) == 0) {
             stamp += QByteArray::number(qlonglong(info.st_ino)) + ' '
                 + QByteArray::number(qlonglong(info.st_size)) + ' '
                 + QByteArray::number(qlonglong(info.st_mtim.tv_sec)) + '.'

@@ -71,7 +71,8 @@ bool Preferences::setAutostarted(bool isWanted)
     }
     QDir().mkpath(QFileInfo(autostartFile()).path());
     QSaveFile file(autostartFile());
-    return file.open(QIODevice::WriteOnly) && file.write(autostartText) > 0 && file.commit();
+    return file.open(QIODevice::WriteOnly) && file.write(autostartText) > 0 && file.flush()
+        && file.commit(); // which does not see the error of what is still buffered
 }
 
 bool Preferences::wasSaid(const QString &what) const

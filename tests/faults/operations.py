@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The operations that write, one a row: the table of the harness."""
 import contextlib
+import json
 import lzma
 import re
 import shutil
@@ -12,6 +13,7 @@ import account
 from account import CHAP, PAP, PEER, UNICORN
 from driver_world import DIRECT, UEAGLE_MODEM, DriverWorld, built_module
 from lab.machine import companion as hal_companion
+from lab.machine import keeper_service
 from lab.machine.private_machine import BUILD, REPOSITORY, USUAL_PATH
 from lab.machine.pppd_script import end, link_up, out
 from lab.machine.simulated_usb import SimulatedUsb
@@ -364,6 +366,52 @@ def watch_again(world):
     companion.process.wait()
 
 
+# ---- norvix-keeper
+
+MEMORY = keeper_service.STATE_FOLDER + "/memory.json"
+
+
+def memory(world):
+    keeper_service.prepare(world.machine)
+    world.write(MEMORY, b'{"billing_day": 1, "keep": true}\n', 0o600, keeper_service.USER_ID,
+                keeper_service.USER_ID)
+
+
+def end_keeper(keeper):
+    with contextlib.suppress(ProcessLookupError):
+        keeper.process.signal()
+    keeper.process.wait()
+    wait_until(lambda: not keeper.client.owner_of(keeper_service.NAME), what="the name is free")
+    keeper.client.close()
+
+
+def set_billing_day(world):
+    keeper = keeper_service.Keeper(world.machine, wait=False, wrapper=UNDER)
+    wait_until(lambda: keeper.process.ended() or keeper.client.owner_of(keeper_service.NAME),
+               what="the keeper runs or has ended", detail=keeper.errors)
+    try:
+        keeper.call("SetBillingDay", "u", 9)
+    except BusError:
+        return None
+    finally:
+        end_keeper(keeper)
+    return "cannot write" not in keeper.errors()
+
+
+def keep_again(world):
+    end_keeper(keeper_service.Keeper(world.machine))
+
+
+def without_times(path, content):
+    """What it remembers, but for when it was written and since which start of the computer."""
+    if not path.endswith(".json") or not content:
+        return content
+    with contextlib.suppress(ValueError):
+        return {key: value for key, value in json.loads(content).items()
+                if key in ("billing_day", "keep", "wanted", "limit")} or None
+    return content
+
+
 # ---- the table
 
 SETTINGS = {"files": r"^/opt/norvix(/\.|$)", "folder": "/opt/norvix", "prepare": settings}
@@ -420,4 +468,7 @@ OPERATIONS = (
     Operation("norvix-hald: the list of devices", prepare=devices, act=watch_devices,
               next_start=watch_again, files="^/run/norvix-hal(/|$)", folder="/run/norvix-hal",
               policies=(hal_companion.POLICY,)),
+    Operation("norvix-keeper: what it remembers", prepare=memory, act=set_billing_day, next_start=keep_again,
+              files=r"^%s(/(memory|\.)|$)" % keeper_service.STATE_FOLDER, same=without_times,
+              folder=keeper_service.STATE_FOLDER, policies=(keeper_service.POLICY,)),
 )

@@ -170,6 +170,18 @@ def test_a_module_that_the_protocol_does_not_need_is_not_missed(sound):
     assert findings(sound)["ppp"]["verdict"] == "ok"
 
 
+def test_before_there_is_a_modem_what_nearly_all_of_them_need_is_missed(sound):
+    (sound.path("/sys/bus/usb/devices/1-1") / "idVendor").unlink()
+    configure(sound, vendor_id=None, product_id=None, modem=None, udi=None)
+    planted_modules(sound, "atm", "usbatm", "cxacru")
+    driver = run_all(sound)["driver"]
+    assert driver["verdict"] == "warning"
+    assert "%s lacks what this connection needs: atm, usbatm." % os.uname().release in driver["text"]
+    assert "linux-image" in driver["remedy"]
+    planted_modules(sound)
+    assert findings(sound)["driver"]["verdict"] == "not-checked"
+
+
 @pytest.mark.parametrize("missing, word, text", [((), "available", "there, not loaded"),
                                                  (("cxacru",), "missing", "missing for this kernel"),
                                                  (None, "unknown", "unknown")])

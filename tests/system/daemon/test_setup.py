@@ -134,6 +134,17 @@ def test_a_file_that_can_not_be_written_is_an_error_and_stays(running):
     assert running.path(INI).read_bytes() == before.replace(b"vpi", b"vci=35\nvpi")
 
 
+def test_what_a_killed_writer_left_of_the_file_costs_no_setting(bus_machine):
+    bus_machine.settings(protocol="PPPoE", vpi=8, vci=35)
+    bus_machine.start_daemon()
+    ini = bus_machine.path(INI)
+    ini.write_text("", encoding="ascii")
+    setup = Setup(bus_machine.client())
+    setup.set(vpi=1)
+    assert ini.read_text(encoding="ascii") == "[General]\nprotocol=PPPoE\nvci=35\nvpi=1\n"
+    assert setup.settings() == {"protocol": "PPPoE", "vpi": 1, "vci": 35}
+
+
 def test_a_file_on_which_something_is_mounted_is_written_in_place(running):
     """As container managers do with single files: no rename reaches it."""
     setup = Setup(running.client())
@@ -156,11 +167,16 @@ def test_a_file_on_which_something_is_mounted_is_written_in_place(running):
     assert mounted.read_text(encoding="ascii") == (
         "[General]\nconnect_at_boot=true\nprotocol=PPPoA\nvci=36\nvpi=1\n")
     assert setup.settings() == {"protocol": "PPPoA", "vpi": 1, "vci": 36, "connect_at_boot": True}
+    # Nor what a writer has left that was killed.
+    mounted.write_text("", encoding="ascii")
+    setup.set(vci=37)
+    assert mounted.read_text(encoding="ascii") == (
+        "[General]\nconnect_at_boot=true\nprotocol=PPPoA\nvci=37\nvpi=1\n")
     folder = [path.name for path in running.path("/opt/norvix").iterdir()]
     assert [name for name in folder if name.startswith(".daemon_ng.ini.")] == []
     assert running.daemons[0].stop() == 255
     running.start_daemon()
-    assert Setup(running.client()).settings()["vci"] == 36
+    assert Setup(running.client()).settings()["vci"] == 37
 
 
 # ---- the account

@@ -318,6 +318,17 @@ def test_a_disconnect_while_nobody_listened_is_found_in_the_log(world):
 
 
 @ROOT_ONLY
+def test_a_settings_value_that_is_no_plain_one_does_not_end_it(world):
+    """The daemon leaves it alone, too: decoded it would take all memory."""
+    world.connect()
+    world.keeper.kill()
+    ini = world.machine.path("/opt/norvix/.daemon_ng.ini")
+    ini.write_bytes(ini.read_bytes() + b"foreign=@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)\n")
+    world.start_keeper()
+    world.keeper.wait_for(State="connected", Wanted=True)
+
+
+@ROOT_ONLY
 def test_an_unplugging_while_nobody_listened_is_no_disconnect(world):
     world.connect()
     time.sleep(2.1)  # the log tells seconds

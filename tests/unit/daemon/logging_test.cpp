@@ -127,6 +127,7 @@ private slots:
     void eachDayHasItsOwnFile();
     void theDailyFolderIsMadeAgain();
     void aDailyLogThatCannotBeWrittenIsSkippedSilently();
+    void aPipeInTheDailyLogsPlaceHoldsNobodyUp();
     void theDailyLogPrintsNothing();
 };
 
@@ -525,6 +526,18 @@ void LoggingTest::aDailyLogThatCannotBeWrittenIsSkippedSilently()
     file.close();
     appendToDailyLog(QStringLiteral("x"));
     QCOMPARE(file.size(), 0);
+}
+
+void LoggingTest::aPipeInTheDailyLogsPlaceHoldsNobodyUp()
+{
+    const QDir folder(QString::fromLatin1(dailyFolder));
+    QVERIFY(folder.mkpath(QStringLiteral(".")));
+    for (int day = 0; day < 2; ++day) {
+        const QString name
+            = QDate::currentDate().addDays(day).toString(QStringLiteral("dd-MM-yyyy"));
+        QCOMPARE(mkfifo(qPrintable(folder.filePath(name + QStringLiteral(".log"))), 0600), 0);
+    }
+    appendToDailyLog(QStringLiteral("x"));
 }
 
 void LoggingTest::theDailyLogPrintsNothing()

@@ -65,6 +65,11 @@ private slots:
     void whatIsStoredStandsInTheFile();
     void whatIsStoredIsReadBackAtOnceAndReachesTheFileInTheLoop();
     void otherKeysSurviveAWrite();
+    void whatATornWriteOfOthersLeftIsNotMerged_data();
+    void whatATornWriteOfOthersLeftIsNotMerged();
+    void untilAnotherHasWrittenAllWhatWasReadBeforeCounts();
+    void aTextByHandNeedsNoLastLineFeed();
+    void whoWritesInPlaceMeanwhileCostsNoSetting();
     void changesOfOthersAreSeenAfterASyncOnly();
     void theFolderIsMadeOnTheFirstWrite();
     void aFileThatCannotBeWrittenKeepsTheValueInMemory();
@@ -87,7 +92,9 @@ void SettingsTest::init()
 {
     QVERIFY(QDir(folder).removeRecursively());
     QVERIFY(QDir().mkpath(folder));
-    settings()->clear();
+    for (const QString &key : settings()->allKeys()) {
+        writeSetting(settings(), key.toLatin1().constData(), QVariant());
+    }
     writeAndRead(QByteArray());
     QCOMPARE(settings()->allKeys(), QStringList());
 }
@@ -257,6 +264,72 @@ void SettingsTest::otherKeysSurviveAWrite()
     writeSetting(settings(), "idleness", 1);
     syncSettings(settings());
     QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
+}
+
+void SettingsTest::whatATornWriteOfOthersLeftIsNotMerged_data()
+{
+    const auto row = table<QByteArray>("torn");
+    row("nothing", "");
+    row("a part of a section", "[Gene");
+    row("a part of a key", "[General]\nvp");
+    row("a part of a value", "[General]\nservice=x\nvci=3");
+    row("a part of a new key's value", "[General]\nnew=on");
+    row("new values and the part of one", "[General]\nnew=1\nvci=36\nvpi=");
+}
+
+void SettingsTest::whatATornWriteOfOthersLeftIsNotMerged()
+{
+    QFETCH(QByteArray, torn);
+    writeAndRead("service=x\nvci=35\nvpi=8\n");
+    writeFile(torn);
+    writeSetting(settings(), "idleness", 1);
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nservice=x\nvci=35\nvpi=8\n"));
+}
+
+void SettingsTest::untilAnotherHasWrittenAllWhatWasReadBeforeCounts()
+{
+    writeAndRead("vci=35\nvpi=8\n");
+    writeFile("");
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("35"));
+    QCOMPARE(fileText(), QByteArray()); // whoever is writing goes on
+    writeFile("[General]\nvci=36\n");
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("36"));
+    QCOMPARE(readSettingText(settings(), "vpi"), QString());
+}
+
+void SettingsTest::aTextByHandNeedsNoLastLineFeed()
+{
+    writeAndRead("service=x\nvci=35\nvpi=8\n");
+    writeFile("[General]\nservice=x\nvci=36\nvpi=9");
+    writeSetting(settings(), "idleness", 1);
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nservice=x\nvci=36\nvpi=9\n"));
+}
+
+void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
+{
+    writeAndRead("service=x\nvpi=0\n");
+    std::atomic<bool> isOver{false};
+    std::thread other([&] {
+        for (int number = 1; !isOver; ++number) {
+            writeFile("[General]\nservice=x\nvpi=" + QByteArray::number(number) + '\n');
+        }
+    });
+    QByteArray lost;
+    for (int number = 1; number <= 200; ++number) {
+        writeSetting(settings(), "idleness", number);
+        syncSettings(settings());
+        const QByteArray text = fileText();
+        if (text.endsWith('\n') && !text.contains("service=x\n")) {
+            lost = text;
+        }
+    }
+    isOver = true;
+    other.join();
+    QCOMPARE(lost, QByteArray());
 }
 
 void SettingsTest::changesOfOthersAreSeenAfterASyncOnly()

@@ -9,6 +9,8 @@
 #include "desktop/window/log_page.h"
 
 #include <QtTest>
+#include <csignal>
+#include <sys/resource.h>
 
 using namespace desktop;
 
@@ -114,6 +116,21 @@ private slots:
         QVERIFY(!later.isTold(NoticeKind::LinkLost) && later.isTold(NoticeKind::NewModem));
         QVERIFY(later.wasSaid(QStringLiteral("once")) && later.isAutostarted());
         QVERIFY(later.setAutostarted(false) && !later.isAutostarted());
+    }
+
+    void onAFullDiskNothingBeginsWithTheSession()
+    {
+        const QTemporaryDir home;
+        qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
+        Preferences preferences;
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const rlimit full = {10, before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
+        const bool isSet = preferences.setAutostarted(true);
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+        QVERIFY(!isSet && !preferences.isAutostarted());
     }
 
     void quittingSaysThatTheConnectionStays()

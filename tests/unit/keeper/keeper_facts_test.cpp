@@ -10,11 +10,14 @@
 #include "test_data.h"
 #include "test_table.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
 #include <linux/if_arp.h>
 #include <linux/rtnetlink.h>
 #include <random>
+#include <sys/resource.h>
 
 using namespace keeper;
 
@@ -358,6 +361,46 @@ private slots:
     }
 
     // ---- files of our own
+
+    void aFullDiskLeavesWhatWasStored()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("memory.json"));
+        Stored stored;
+        stored.limit = 1;
+        QVERIFY(writeStored(path, stored));
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const rlimit full = {10, before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
+        const bool isWritten = writeStored(path, Stored());
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+        QVERIFY(!isWritten);
+        QVERIFY(readStored(path) == stored);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+            QStringList(QStringLiteral("memory.json")));
+    }
+
+    void whatAKilledKeeperLeftIsRemoved()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("memory.json"));
+        QVERIFY(writeStored(path, Stored()));
+        QVERIFY(
+            QFile::copy(path, folder.filePath(QStringLiteral(".norvix-new-memory.json-abcdef"))));
+        static_cast<void>(readStored(path));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+            QStringList(QStringLiteral("memory.json")));
+    }
+
+    void onlyItsUserReadsWhatIsStored()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("memory.json"));
+        QVERIFY(writeStored(path, Stored()));
+        QCOMPARE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), 0);
+    }
 
     void whatIsStoredComesBack()
     {
