@@ -23,7 +23,7 @@
 namespace {
 
 // Somebody who writes the file in place needs no millisecond.
-constexpr int tornForMs = 250;
+constexpr int tornForMs = 100;
 constexpr int tornPollMs = 10;
 constexpr int mostAttempts = 3;
 

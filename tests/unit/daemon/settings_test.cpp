@@ -319,7 +319,7 @@ void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
         }
     });
     QByteArray lost;
-    for (int number = 1; number <= 200; ++number) {
+    for (int number = 1; number <= 100; ++number) {
         writeSetting(settings(), "idleness", number);
         syncSettings(settings());
         const QByteArray text = fileText();
