@@ -160,7 +160,7 @@ private slots:
             QTest::newRow(name) << facts << standing << QString::fromLatin1(text);
         };
         row("it was there before the daemon", ModemStanding::PlugAnew,
-            "when the computer's service for modems began", [](ModemFacts &) {});
+            "this one was there before", [](ModemFacts &) {});
         row("none", ModemStanding::NoModem, "No modem",
             [](ModemFacts &facts) { facts.system.modems.clear(); });
         row("none, no daemon", ModemStanding::NoModem, "No modem", [](ModemFacts &facts) {
