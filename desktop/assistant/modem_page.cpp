@@ -187,13 +187,14 @@ void ModemPage::refresh()
     if (m_came.isValid()) {
         facts.pluggedForMs = m_came.elapsed();
     }
+    const ModemStanding before = m_advice.standing;
     m_advice = modemAdviceOf(facts);
+    if (m_advice.standing != before) {
+        m_objection->hide();
+    }
     m_text->setText(m_advice.text);
     m_deed = deedOf(m_advice.remedy);
     const bool canAdopt = m_advice.standing == ModemStanding::Announced;
-    if (canAdopt || m_advice.standing == ModemStanding::Ready) {
-        m_objection->hide();
-    }
     m_button->setText(canAdopt ? Say::tr("Take it into use") : m_deed.button);
     m_button->setVisible(canAdopt || m_deed.kind != DeedKind::None);
     m_button->setEnabled(!m_isAdopting && !m_panel->isBusy());

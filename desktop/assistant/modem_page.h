@@ -41,7 +41,7 @@ private:
     bool m_isLooking = false;
     bool m_isAsking = false;
     bool m_isAdopting = false;
-    bool m_isNextWanted = false; ///< "Next" was pressed and waits for the modem to be taken into use
+    bool m_isNextWanted = false; ///< "Next" waits for the modem to be taken into use
     QElapsedTimer m_looked; ///< the whole system, not only the modems
     QElapsedTimer m_came; ///< a modem was plugged in while we looked
     QTimer m_clock;

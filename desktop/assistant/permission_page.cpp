@@ -62,8 +62,10 @@ PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *pa
     column->addStretch(1);
     m_button->hide();
     m_objection->hide();
-    connect(m_button, &QPushButton::clicked, this,
-        [this] { m_runner->run(m_deed, stepTitle(AssistantStep::Permission)); });
+    connect(m_button, &QPushButton::clicked, this, [this] {
+        m_objection->hide();
+        m_runner->run(m_deed, stepTitle(AssistantStep::Permission));
+    });
     connect(m_runner, &DeedRunner::done, this, [this](const Deed &deed) {
         if (deed.kind == DeedKind::Join) {
             beginAnew();
@@ -124,8 +126,7 @@ void PermissionPage::goOnIfAllowed()
         emit goOn();
         return;
     }
-    m_objection->setText(
-        Say::tr("You may not use the modem yet. “Skip” goes on without that."));
+    m_objection->setText(Say::tr("You may not use the modem yet. “Skip” goes on without that."));
     m_objection->show();
 }
 
