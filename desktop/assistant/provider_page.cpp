@@ -19,6 +19,8 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
+#include <cerrno>
+#include <unistd.h>
 
 namespace desktop {
 
@@ -38,7 +40,10 @@ Fit peerFileFit(PeerKind kind, const QString &circuit)
     const QString path = QStringLiteral("/etc/ppp/peers/norvix");
     const std::optional<QByteArray> content = fileContent(path);
     if (!content) {
-        return QFile::exists(path) ? Fit::Unknown : Fit::No;
+        // The folder, too, is closed to others on many systems.
+        const bool isMissing
+            = access(QFile::encodeName(path).constData(), F_OK) != 0 && errno != EACCES;
+        return isMissing ? Fit::No : Fit::Unknown;
     }
     for (const Fact &fact : peerFaults(*content, kind, circuit)) {
         if (fact.remedy.kind != RemedyKind::SetAccount) {

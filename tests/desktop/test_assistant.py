@@ -286,6 +286,21 @@ def test_values_for_the_other_protocol_come_with_a_file_that_fits_them(computer,
     guide.next("Account")
 
 
+@pytest.mark.parametrize("provider", (("Italy", "TIM (Alice)"), ("United Kingdom", "BT and resellers")))
+def test_a_file_that_may_not_be_looked_for_is_not_taken_for_a_missing_one(computer, desktop, provider):
+    computer.machine.path(PEER).parent.chmod(0o750)  # as the distribution has it
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Provider")
+    desktop.window.choose("Country", provider[0])
+    desktop.window.choose("Provider", provider[1])
+    guide.press("Next")
+    if "Italy" in provider:  # the shipped file fits
+        guide.at("Account")
+    else:
+        guide.says("They stand in a file of the system, too")
+        guide.press("Put a fitting file in place…").says("The file fits now")
+
+
 def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
     computer.start_daemon()
     guide = at_the_beginning(stranger).skip_to("Account")
