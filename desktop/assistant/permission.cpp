@@ -61,8 +61,8 @@ QString permissionText(Permission permission)
     case Permission::Allowed:
         return Say::tr("You may use the modem.");
     case Permission::StartAnew:
-        return Say::tr("You are a member of the group norvix, but this program began before that. "
-                       "Started anew it may use the modem.");
+        return Say::tr("You joined the group norvix after you had logged in, so this program does "
+                       "not know it yet. “Use it now” starts it anew; then it may use the modem.");
     case Permission::Join:
         return Say::tr(
             "Only members of the group norvix may use the modem, and you are not one yet. "

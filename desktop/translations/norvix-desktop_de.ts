@@ -232,8 +232,8 @@
         <translation>Noch dürfen Sie das Modem nicht benutzen. „Überspringen“ geht trotzdem weiter.</translation>
     </message>
     <message>
-        <source>You are a member of the group norvix, but this program began before that. Started anew it may use the modem.</source>
-        <translation>Sie sind Mitglied der Gruppe norvix, aber dieses Programm begann vorher. Neu gestartet darf es das Modem benutzen.</translation>
+        <source>You joined the group norvix after you had logged in, so this program does not know it yet. “Use it now” starts it anew; then it may use the modem.</source>
+        <translation>Sie sind der Gruppe norvix nach Ihrer Anmeldung beigetreten, deshalb weiß dieses Programm noch nichts davon. „Jetzt benutzen“ startet es neu; dann darf es das Modem benutzen.</translation>
     </message>
     <message>
         <source>Only members of the group norvix may use the modem, and you are not one yet. An administrator&apos;s password makes you one: the one that is asked for when programs are installed on this computer.</source>

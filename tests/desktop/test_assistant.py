@@ -208,7 +208,7 @@ def test_somebody_who_became_a_member_elsewhere_goes_on_with_next(computer, stra
     guide = at_the_beginning(stranger)
     guide.press("Next").says("You may not use the modem yet")
     join_group(computer.machine, "user")
-    guide.press("Next").says("this program began before that")
+    guide.press("Next").says("does not know it yet")
     guide.press("Use it now").says("^You may use the modem")
     guide.next("Modem")
 
