@@ -18,9 +18,9 @@ class DaemonBus;
 struct SeenFile
 {
     QString path;
-    bool exists = false;
-    unsigned mode = 0; ///< permission bits
-    unsigned owner = 0; ///< user id
+    bool exists = false; ///< it may be there: true also when this user may not look for it
+    unsigned mode = 0; ///< permission bits; 0 when this user may not look
+    unsigned owner = 0; ///< user id; 0 when this user may not look
     std::optional<QByteArray> content; ///< nothing when this user may not read it
 };
 

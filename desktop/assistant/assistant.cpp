@@ -10,7 +10,9 @@
 #include "desktop/controller.h"
 #include "desktop/pieces/pieces.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QScrollArea>
 
 namespace desktop {
@@ -105,7 +107,10 @@ Assistant::Assistant(Controller &controller, QWidget *parent)
             m_shown->refresh();
         }
     });
-    resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 28);
+    // Room for the longest page; with large letters not beyond the screen.
+    const QSize screen = QGuiApplication::primaryScreen()->availableSize() * 0.9;
+    resize(QSize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 32)
+               .boundedTo(screen));
 }
 
 AssistantPage *Assistant::page() const

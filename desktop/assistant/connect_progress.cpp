@@ -148,7 +148,7 @@ QString stageTitle(ConnectStage stage)
 {
     switch (stage) {
     case ConnectStage::Daemon:
-        return Say::tr("The daemon is there");
+        return Say::tr("The modem's service, the daemon, is there");
     case ConnectStage::Line:
         return Say::tr("The line is synchronised");
     case ConnectStage::Provider:

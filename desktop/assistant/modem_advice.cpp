@@ -3,6 +3,7 @@
 
 #include "client/doctor_checks.h"
 #include "client/say.h"
+#include "dbus/modem_families.h"
 
 #include <algorithm>
 
@@ -32,6 +33,15 @@ Finding findingOf(const Facts &facts, const char *check)
 QString sentence(const Finding &finding)
 {
     return finding.facts.isEmpty() ? QString() : finding.facts.constFirst().text;
+}
+
+QString familyNames()
+{
+    QStringList names;
+    for (const ModemFamily &family : modemFamilies()) {
+        names += QString::fromLatin1(family.name);
+    }
+    return names.join(QStringLiteral(", "));
 }
 
 ModemStanding standingOf(const ModemFacts &facts, const std::optional<UsbModem> &modem)
@@ -105,7 +115,8 @@ ModemAdvice modemAdviceOf(const ModemFacts &facts)
         break;
     case ModemStanding::NoModem:
         advice.text = Say::tr("No modem that is supported is plugged in. Plug it in, without a hub "
-                              "if you can; it appears here.");
+                              "if you can; it appears here. Supported are: %1.")
+                          .arg(familyNames());
         break;
     case ModemStanding::NoDriver: {
         const Finding driver = findingOf(facts.system, "driver");
@@ -131,13 +142,12 @@ ModemAdvice modemAdviceOf(const ModemFacts &facts)
         break;
     case ModemStanding::Announced:
         advice.modem = facts.announced;
-        advice.text = Say::tr("%1 was found.").arg(advice.modem);
+        advice.text = Say::tr("%1 was found. “Next” takes it into use.").arg(advice.modem);
         break;
     case ModemStanding::PlugAnew:
         advice.text
-            = Say::tr("%1 is plugged in, but was so already when the computer's service for "
-                      "modems began, which notices a new one only as it is plugged in. "
-                      "Unplug it, wait a moment, and plug it in again.")
+            = Say::tr("%1 is plugged in. Unplug it, wait a moment, and plug it in again: a new "
+                      "modem is noticed only as it is plugged in, and this one was there before.")
                   .arg(advice.modem);
         break;
     case ModemStanding::NotSeen:

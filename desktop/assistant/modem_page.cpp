@@ -50,6 +50,7 @@ ModemPage::ModemPage(Controller &controller, Draft &draft, QWidget *parent)
     , m_list(new QListWidget)
     , m_text(newText(Say::tr("Looking for the modem…")))
     , m_button(new QPushButton)
+    , m_objection(newText())
     , m_panel(new RightsPanel)
     , m_runner(new DeedRunner(controller, m_panel, this))
 {
@@ -63,7 +64,9 @@ ModemPage::ModemPage(Controller &controller, Draft &draft, QWidget *parent)
     column->addWidget(m_text);
     column->addWidget(m_button, 0, Qt::AlignLeading);
     column->addWidget(m_panel);
+    column->addWidget(m_objection);
     column->addStretch(1);
+    m_objection->hide();
     m_clock.setInterval(betweenLooksMs);
     connect(&m_clock, &QTimer::timeout, this, &ModemPage::look);
     connect(m_button, &QPushButton::clicked, this, [this] {
@@ -82,6 +85,8 @@ ModemPage::ModemPage(Controller &controller, Draft &draft, QWidget *parent)
 
 void ModemPage::setOnScreen(bool isOnScreen)
 {
+    m_isNextWanted = false;
+    m_objection->hide();
     if (isOnScreen) {
         m_looked.invalidate();
         m_clock.start();
@@ -182,7 +187,11 @@ void ModemPage::refresh()
     if (m_came.isValid()) {
         facts.pluggedForMs = m_came.elapsed();
     }
+    const ModemStanding before = m_advice.standing;
     m_advice = modemAdviceOf(facts);
+    if (m_advice.standing != before) {
+        m_objection->hide();
+    }
     m_text->setText(m_advice.text);
     m_deed = deedOf(m_advice.remedy);
     const bool canAdopt = m_advice.standing == ModemStanding::Announced;
@@ -191,35 +200,62 @@ void ModemPage::refresh()
     m_button->setEnabled(!m_isAdopting && !m_panel->isBusy());
 }
 
+void ModemPage::proceed()
+{
+    switch (m_advice.standing) {
+    case ModemStanding::Announced:
+        m_isNextWanted = true;
+        adopt();
+        return;
+    case ModemStanding::Ready:
+    case ModemStanding::Looking:
+        emit goOn();
+        return;
+    default:
+        m_objection->setText(Say::tr("No modem is ready yet. “Skip” goes on without one."));
+        m_objection->show();
+    }
+}
+
 /// Asks once more whether there is a new modem: without one the daemon would forget the one that
 /// it knows.
 void ModemPage::adopt()
 {
+    if (m_isAdopting) {
+        return;
+    }
     m_isAdopting = true;
+    emit storingChanged();
     m_panel->clear();
     refresh();
-    const auto fail = [this](const QString &text) {
-        m_isAdopting = false;
-        m_panel->tell(text);
-        refresh();
-    };
     AsyncBus &bus = controller().bus();
     bus.ask(setupCall(SetupMethod::GetAnnouncedModem), this, [=, &bus](const BusAnswer &modem) {
         if (!modem.ok() || modem.value().toString().isEmpty()) {
-            fail(modem.ok() ? Say::tr("The modem is not there any more. Plug it in again.")
-                            : requestFailureText(modem.failure));
+            endAdopting(modem.ok() ? Say::tr("The modem is not there any more. Plug it in again.")
+                                   : requestFailureText(modem.failure));
             return;
         }
         bus.ask(daemonCall(DaemonMethod::useNewModem), this, [=](const BusAnswer &answer) {
-            if (!answer.ok()) {
-                fail(requestFailureText(answer.failure));
-                return;
+            if (answer.ok()) {
+                askWhatIsInUse();
             }
-            m_isAdopting = false;
-            askWhatIsInUse();
-            refresh();
+            endAdopting(answer.ok() ? QString() : requestFailureText(answer.failure));
         });
     });
+}
+
+/// complaint: why the modem is not in use; empty when it is.
+void ModemPage::endAdopting(const QString &complaint)
+{
+    const bool doesGoOn = m_isNextWanted && complaint.isEmpty();
+    m_isAdopting = false;
+    m_isNextWanted = false;
+    m_panel->tell(complaint);
+    refresh();
+    emit storingChanged();
+    if (doesGoOn) {
+        emit goOn();
+    }
 }
 
 } // namespace desktop

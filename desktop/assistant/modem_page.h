@@ -25,6 +25,8 @@ public:
 
     void refresh() override;
     void setOnScreen(bool isOnScreen) override;
+    void proceed() override;
+    bool isStoring() const override { return m_isAdopting; }
 
 private:
     void look();
@@ -32,12 +34,14 @@ private:
     void take(const Facts &system);
     void showList();
     void adopt();
+    void endAdopting(const QString &complaint);
 
     std::optional<Facts> m_system;
     UsbId m_inUse = {0, 0};
     bool m_isLooking = false;
     bool m_isAsking = false;
     bool m_isAdopting = false;
+    bool m_isNextWanted = false; ///< "Next" waits for the modem to be taken into use
     QElapsedTimer m_looked; ///< the whole system, not only the modems
     QElapsedTimer m_came; ///< a modem was plugged in while we looked
     QTimer m_clock;
@@ -46,6 +50,7 @@ private:
     QListWidget *m_list;
     QLabel *m_text;
     QPushButton *m_button;
+    QLabel *m_objection; ///< why "Next" does not go on
     RightsPanel *m_panel;
     DeedRunner *m_runner;
 };

@@ -61,12 +61,13 @@ QString permissionText(Permission permission)
     case Permission::Allowed:
         return Say::tr("You may use the modem.");
     case Permission::StartAnew:
-        return Say::tr("You are a member of the group norvix, but this program began before that. "
-                       "Started anew it may use the modem.");
+        return Say::tr("You joined the group norvix after you had logged in, so this program does "
+                       "not know it yet. “Use it now” starts it anew; then it may use the modem.");
     case Permission::Join:
-        return Say::tr("Only members of the group norvix may use the modem, and you are none yet. "
-                       "An administrator's password makes you one: the one that is asked for when "
-                       "programs are installed on this computer.");
+        return Say::tr(
+            "Only members of the group norvix may use the modem, and you are not one yet. "
+            "An administrator's password makes you one: the one that is asked for when "
+            "programs are installed on this computer.");
     case Permission::NoGroup:
         return Say::tr("Only members of the group norvix may use the modem, and there is no such "
                        "group yet. An administrator's password creates it.");

@@ -46,6 +46,7 @@ PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *pa
     : AssistantPage(controller, draft, parent)
     , m_text(newText(Say::tr("Looking…")))
     , m_button(new QPushButton)
+    , m_objection(newText())
     , m_panel(new RightsPanel)
     , m_runner(new DeedRunner(controller, m_panel, this))
 {
@@ -57,10 +58,14 @@ PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *pa
     column->addWidget(m_text);
     column->addWidget(m_button, 0, Qt::AlignLeading);
     column->addWidget(m_panel);
+    column->addWidget(m_objection);
     column->addStretch(1);
     m_button->hide();
-    connect(m_button, &QPushButton::clicked, this,
-        [this] { m_runner->run(m_deed, stepTitle(AssistantStep::Permission)); });
+    m_objection->hide();
+    connect(m_button, &QPushButton::clicked, this, [this] {
+        m_objection->hide();
+        m_runner->run(m_deed, stepTitle(AssistantStep::Permission));
+    });
     connect(m_runner, &DeedRunner::done, this, [this](const Deed &deed) {
         if (deed.kind == DeedKind::Join) {
             beginAnew();
@@ -74,6 +79,8 @@ PermissionPage::PermissionPage(Controller &controller, Draft &draft, QWidget *pa
 
 void PermissionPage::setOnScreen(bool isOnScreen)
 {
+    m_isNextWanted = false;
+    m_objection->hide();
     if (isOnScreen) {
         look();
     }
@@ -91,12 +98,36 @@ void PermissionPage::refresh()
     }
     PermissionFacts facts = *m_facts;
     facts.bus = m_bus;
-    const Permission permission = permissionOf(facts);
-    m_text->setText(permissionText(permission));
-    m_deed = deedFor(permission);
+    m_permission = permissionOf(facts);
+    m_text->setText(permissionText(m_permission));
+    m_deed = deedFor(m_permission);
     m_button->setText(m_deed.button);
     m_button->setVisible(m_deed.kind != DeedKind::None);
     m_button->setEnabled(!m_panel->isBusy());
+    if (m_permission == Permission::Allowed) {
+        m_objection->hide();
+    }
+}
+
+/// Looks once more: the person may have joined the group in a terminal.
+void PermissionPage::proceed()
+{
+    m_isNextWanted = true;
+    look();
+}
+
+void PermissionPage::goOnIfAllowed()
+{
+    if (!m_isNextWanted) {
+        return;
+    }
+    m_isNextWanted = false;
+    if (m_permission == Permission::Allowed) {
+        emit goOn();
+        return;
+    }
+    m_objection->setText(Say::tr("You may not use the modem yet. “Skip” goes on without that."));
+    m_objection->show();
 }
 
 void PermissionPage::look()
@@ -113,6 +144,7 @@ void PermissionPage::look()
             m_isLooking = false;
             m_facts = facts;
             refresh();
+            goOnIfAllowed();
         });
 }
 

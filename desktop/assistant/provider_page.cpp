@@ -19,10 +19,14 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
+#include <cerrno>
+#include <unistd.h>
 
 namespace desktop {
 
 namespace {
+
+constexpr int unset = -1;
 
 enum class Fit
 {
@@ -36,7 +40,10 @@ Fit peerFileFit(PeerKind kind, const QString &circuit)
     const QString path = QStringLiteral("/etc/ppp/peers/norvix");
     const std::optional<QByteArray> content = fileContent(path);
     if (!content) {
-        return QFile::exists(path) ? Fit::Unknown : Fit::No;
+        // The folder, too, is closed to others on many systems.
+        const bool isMissing
+            = access(QFile::encodeName(path).constData(), F_OK) != 0 && errno != EACCES;
+        return isMissing ? Fit::No : Fit::Unknown;
     }
     for (const Fact &fact : peerFaults(*content, kind, circuit)) {
         if (fact.remedy.kind != RemedyKind::SetAccount) {
@@ -59,8 +66,12 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
     , m_panel(new RightsPanel)
 {
     m_protocol->addItems({QStringLiteral("PPPoE"), QStringLiteral("PPPoA")});
-    m_vpi->setRange(0, 255);
-    m_vci->setRange(0, 65535);
+    m_vpi->setRange(unset, 255);
+    m_vci->setRange(unset, 65535);
+    for (QSpinBox *value : {m_vpi, m_vci}) {
+        value->setSpecialValueText(QStringLiteral(" ")); // 0 is a value that providers use
+        value->setValue(unset);
+    }
     auto *form = new QFormLayout;
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     const std::initializer_list<QPair<QString, QWidget *>> rows{
@@ -78,8 +89,9 @@ ProviderPage::ProviderPage(Controller &controller, Draft &draft, QWidget *parent
     comfortable(m_mend);
     auto *column = new QVBoxLayout(this);
     column->addWidget(newText(Say::tr(
-        "Choose your provider: the three values below become those that it commonly uses. "
-        "Change them only where your provider's letter says otherwise; the letter decides.")));
+        "Choose country and provider: the three values below become those that it commonly uses. "
+        "Where it is not in the list, or your provider's letter says otherwise, enter what the "
+        "letter says: it decides.")));
     column->addLayout(form);
     column->addWidget(m_panel);
     column->addWidget(m_mend, 0, Qt::AlignLeading);
@@ -121,7 +133,7 @@ void ProviderPage::fillProviders()
 {
     m_isFilling = true;
     m_provider->clear();
-    m_provider->addItem(Say::tr("own values"), QString());
+    m_provider->addItem(Say::tr("choose"), QString());
     for (const Provider &provider : providersByName()) {
         if (draft().country == QLatin1String(provider.country)) {
             m_provider->addItem(QString::fromUtf8(provider.name), QString::fromUtf8(provider.name));
@@ -188,7 +200,7 @@ void ProviderPage::setOnScreen(bool isOnScreen)
     m_country->setCurrentIndex(qMax(0, m_country->findData(draft().country)));
     m_isFilling = false;
     fillProviders();
-    if (draft().vpi >= 0) {
+    if (draft().vpi >= 0 || draft().vci >= 0) {
         showValues();
     }
     if (controller().model().daemon != DaemonPresence::There) {
@@ -213,7 +225,7 @@ void ProviderPage::takeStored(const QVariantMap &settings)
         }
     }
     // What was entered here counts more than what is stored.
-    if (draft().vpi < 0 && m_stored.size() == 3) {
+    if (draft().vpi < 0 && draft().vci < 0 && m_stored.size() == 3) {
         draft().protocol = m_stored.value(QStringLiteral("protocol")).toString();
         draft().vpi = m_stored.value(QStringLiteral("vpi")).toInt();
         draft().vci = m_stored.value(QStringLiteral("vci")).toInt();
@@ -227,10 +239,14 @@ void ProviderPage::proceed()
         emit goOn();
         return;
     }
-    if (draft().vpi < 0) {
+    if (draft().vpi < 0 || draft().vci < 0) {
         m_panel->tell(Say::tr("Choose your provider, or enter the values of its letter. “Skip” "
                               "leaves them as they are."));
-        m_country->setFocus();
+        if (draft().vpi >= 0 || draft().vci >= 0) {
+            (draft().vpi < 0 ? m_vpi : m_vci)->setFocus();
+        } else {
+            m_country->setFocus();
+        }
         return;
     }
     const QVariantMap values{{QStringLiteral("protocol"), draft().protocol},
@@ -280,9 +296,9 @@ void ProviderPage::lookWhetherTheFileFits()
             }
             m_isFileTold = true;
             m_panel->tell(fit == Fit::No
-                    ? Say::tr("The values are stored. The file that pppd reads does not fit them "
-                              "yet; only an administrator may change it.")
-                    : Say::tr("The values are stored. They stand in a file that pppd reads, too, "
+                    ? Say::tr("The values are stored. A file of the system does not fit them yet; "
+                              "only an administrator may change it.")
+                    : Say::tr("The values are stored. They stand in a file of the system, too, "
                               "which only an administrator may change."));
             m_mend->show();
         });

@@ -86,7 +86,7 @@ QString modemText(const ConnectionModel &model)
     }
     if (!*model.isModemPlugged) {
         return model.announcedModem.isEmpty()
-            ? Say::tr("not plugged in")
+            ? Say::tr("none in use")
             : Say::tr("%1, not set up yet").arg(printable(model.announcedModem));
     }
     return model.modemName.isEmpty() ? Say::tr("ready")

@@ -124,8 +124,8 @@
         <translation>Zurück zum Konto</translation>
     </message>
     <message>
-        <source>The daemon is there</source>
-        <translation>Der Dienst ist da</translation>
+        <source>The modem&apos;s service, the daemon, is there</source>
+        <translation>Der Dienst für das Modem ist da</translation>
     </message>
     <message>
         <source>The line is synchronised</source>
@@ -160,8 +160,8 @@
         <translation>Das Modem wird gesucht …</translation>
     </message>
     <message>
-        <source>No modem that is supported is plugged in. Plug it in, without a hub if you can; it appears here.</source>
-        <translation>Es ist kein unterstütztes Modem eingesteckt. Stecken Sie es ein, wenn möglich ohne Hub; es erscheint hier.</translation>
+        <source>No modem that is supported is plugged in. Plug it in, without a hub if you can; it appears here. Supported are: %1.</source>
+        <translation>Es ist kein unterstütztes Modem eingesteckt. Stecken Sie es ein, wenn möglich ohne Hub; es erscheint hier. Unterstützt werden: %1.</translation>
     </message>
     <message>
         <source>%1 is plugged in. Its driver is being built for this kernel; this may take some minutes.</source>
@@ -176,12 +176,12 @@
         <translation>%1 wurde gerade eingesteckt. Es wird angesehen; das dauert einige Sekunden.</translation>
     </message>
     <message>
-        <source>%1 was found.</source>
-        <translation>%1 wurde gefunden.</translation>
+        <source>%1 was found. “Next” takes it into use.</source>
+        <translation>%1 wurde gefunden. „Weiter“ übernimmt es.</translation>
     </message>
     <message>
-        <source>%1 is plugged in, but was so already when the computer&apos;s service for modems began, which notices a new one only as it is plugged in. Unplug it, wait a moment, and plug it in again.</source>
-        <translation>%1 ist eingesteckt, war es aber schon, bevor der Dienst des Computers für Modems begann; er bemerkt ein neues nur beim Einstecken. Ziehen Sie es ab, warten Sie einen Augenblick, und stecken Sie es wieder ein.</translation>
+        <source>%1 is plugged in. Unplug it, wait a moment, and plug it in again: a new modem is noticed only as it is plugged in, and this one was there before.</source>
+        <translation>%1 ist eingesteckt. Ziehen Sie es ab, warten Sie einen Augenblick, und stecken Sie es wieder ein: Ein neues Modem wird nur beim Einstecken bemerkt, und dieses war schon vorher da.</translation>
     </message>
     <message>
         <source>%1 is plugged in and in use, but the daemon does not find it. Unplug it, wait a moment, and plug it in again.</source>
@@ -198,6 +198,10 @@
     <message>
         <source>%1 is ready.</source>
         <translation>%1 ist bereit.</translation>
+    </message>
+    <message>
+        <source>No modem is ready yet. “Skip” goes on without one.</source>
+        <translation>Noch ist kein Modem bereit. „Überspringen“ geht ohne weiter.</translation>
     </message>
     <message>
         <source>Modems that are plugged in</source>
@@ -224,11 +228,15 @@
         <translation>Sie dürfen das Modem benutzen.</translation>
     </message>
     <message>
-        <source>You are a member of the group norvix, but this program began before that. Started anew it may use the modem.</source>
-        <translation>Sie sind Mitglied der Gruppe norvix, aber dieses Programm begann vorher. Neu gestartet darf es das Modem benutzen.</translation>
+        <source>You may not use the modem yet. “Skip” goes on without that.</source>
+        <translation>Noch dürfen Sie das Modem nicht benutzen. „Überspringen“ geht trotzdem weiter.</translation>
     </message>
     <message>
-        <source>Only members of the group norvix may use the modem, and you are none yet. An administrator&apos;s password makes you one: the one that is asked for when programs are installed on this computer.</source>
+        <source>You joined the group norvix after you had logged in, so this program does not know it yet. “Use it now” starts it anew; then it may use the modem.</source>
+        <translation>Sie sind der Gruppe norvix nach Ihrer Anmeldung beigetreten, deshalb weiß dieses Programm noch nichts davon. „Jetzt benutzen“ startet es neu; dann darf es das Modem benutzen.</translation>
+    </message>
+    <message>
+        <source>Only members of the group norvix may use the modem, and you are not one yet. An administrator&apos;s password makes you one: the one that is asked for when programs are installed on this computer.</source>
         <translation>Nur Mitglieder der Gruppe norvix dürfen das Modem benutzen, und Sie sind noch keines. Das Passwort eines Verwalters macht Sie dazu: das, nach dem beim Installieren von Programmen auf diesem Computer gefragt wird.</translation>
     </message>
     <message>
@@ -280,8 +288,8 @@
         <translation>VC&amp;I</translation>
     </message>
     <message>
-        <source>Choose your provider: the three values below become those that it commonly uses. Change them only where your provider&apos;s letter says otherwise; the letter decides.</source>
-        <translation>Wählen Sie Ihren Anbieter: Die drei Werte unten werden die, die er üblicherweise verwendet. Ändern Sie sie nur, wo das Schreiben Ihres Anbieters anderes sagt; es entscheidet.</translation>
+        <source>Choose country and provider: the three values below become those that it commonly uses. Where it is not in the list, or your provider&apos;s letter says otherwise, enter what the letter says: it decides.</source>
+        <translation>Wählen Sie Land und Anbieter: Die drei Werte unten werden die, die er üblicherweise verwendet. Wo er nicht in der Liste steht oder das Schreiben Ihres Anbieters anderes sagt, geben Sie ein, was dort steht: Das Schreiben entscheidet.</translation>
     </message>
     <message>
         <source>The file fits now.</source>
@@ -292,10 +300,6 @@
         <translation>wählen</translation>
     </message>
     <message>
-        <source>own values</source>
-        <translation>eigene Werte</translation>
-    </message>
-    <message>
         <source>Choose your provider, or enter the values of its letter. “Skip” leaves them as they are.</source>
         <translation>Wählen Sie Ihren Anbieter, oder geben Sie die Werte aus seinem Schreiben ein. „Überspringen“ lässt sie, wie sie sind.</translation>
     </message>
@@ -304,12 +308,12 @@
         <translation>Die Werte sind noch nicht gespeichert. %1</translation>
     </message>
     <message>
-        <source>The values are stored. The file that pppd reads does not fit them yet; only an administrator may change it.</source>
-        <translation>Die Werte sind gespeichert. Die Datei, die pppd liest, passt noch nicht dazu; nur ein Verwalter darf sie ändern.</translation>
+        <source>The values are stored. A file of the system does not fit them yet; only an administrator may change it.</source>
+        <translation>Die Werte sind gespeichert. Eine Datei des Systems passt noch nicht zu ihnen; nur ein Verwalter darf sie ändern.</translation>
     </message>
     <message>
-        <source>The values are stored. They stand in a file that pppd reads, too, which only an administrator may change.</source>
-        <translation>Die Werte sind gespeichert. Sie stehen auch in einer Datei, die pppd liest und die nur ein Verwalter ändern darf.</translation>
+        <source>The values are stored. They stand in a file of the system, too, which only an administrator may change.</source>
+        <translation>Die Werte sind gespeichert. Sie stehen auch in einer Datei des Systems, die nur ein Verwalter ändern darf.</translation>
     </message>
     <message>
         <source>May I?</source>
@@ -449,8 +453,8 @@
         <translation>sein Treiber wird gebaut</translation>
     </message>
     <message>
-        <source>not plugged in</source>
-        <translation>nicht eingesteckt</translation>
+        <source>none in use</source>
+        <translation>keines in Gebrauch</translation>
     </message>
     <message>
         <source>%1, not set up yet</source>

@@ -142,12 +142,14 @@ class Session:
         self._wait_for(server, lambda: self._listens(self.runtime_folder + "/wayland-1"))
         self.env.update(WAYLAND_DISPLAY="wayland-1", QT_QPA_PLATFORM="wayland")
 
+    _bus_words = ["--config-file=" + BUS_CONFIGURATION]
+
     @cached_property
     def _bus_socket(self):
         self._screen  # what the bus starts needs it, too
         path = self.runtime_folder + "/bus"
-        server = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile",
-                             "--config-file=" + BUS_CONFIGURATION], label="session-bus")
+        server = self.spawn(["/usr/bin/dbus-daemon", "--nofork", "--nopidfile", *self._bus_words],
+                            label="session-bus")
         self._wait_for(server, lambda: self._listens(path))
         return path
 

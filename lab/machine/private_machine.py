@@ -117,14 +117,17 @@ class PrivateMachine:
         self.rooted = os.geteuid() == 0
         self.keep = bool(os.environ.get("NORVIX_LAB_KEEP"))
         self.daemons = []
-        self.state = Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid(),
-                                           dir=place_of_state_folders()))
+        self.state = self._new_state_folder()
         self.uses_real_kernel_log = real_kernel_log
         self.kernel_log = (RealKernelLog() if real_kernel_log
                            else KernelLog(self.path("/run/lab/kernel-log")))
         self.pppd = Pppd(self.path("/run/lab"))
 
     # ---- coming and going
+
+    @staticmethod
+    def _new_state_folder():
+        return Path(tempfile.mkdtemp(prefix="nvx-%d-" % os.getpid(), dir=place_of_state_folders()))
 
     def __enter__(self):
         try:

@@ -8,6 +8,7 @@ import pytest
 from first_connection import (PEER, PRIVATE, SECRETS, Guide, furnish, hide_in_sysfs, show_in_sysfs,
                               stored, wait_stored)
 
+from lab.desktop.session import join_group
 from lab.machine.private_machine import REPOSITORY
 from lab.machine.pppd_script import end, link_up, out, stay
 from lab.waiting import wait_until
@@ -53,13 +54,13 @@ def test_a_newcomer_gets_from_nothing_to_the_line(computer, stranger):
     computer.start_daemon()
     stranger.start()
     guide = Guide(stranger).open()
-    guide.says("you are none yet")
+    guide.says("you are not one yet")
     guide.press("Let me use it…")
     assert stranger.pkexec.wait_call()[-1] == "/opt/norvix/libexec/norvix-desktop-join"
     guide.says("^You may use the modem")  # the program began anew by itself
     assert members(machine) == {"user"}
     guide.at("May I?").next("Modem")
-    guide.says("was so already when the computer's service")
+    guide.says("plug it in again")
     computer.usb.unplug(device)
     hide_in_sysfs(machine)
     guide.says("No modem that is supported")
@@ -125,7 +126,8 @@ def test_a_question_for_the_password_that_hangs_can_be_left(computer, stranger):
     guide.says("Waiting for an administrator's password for [2-9] s")
     assert stranger.window.answer_time() < 0.5
     guide.press("Stop waiting").says("Nobody waits")
-    guide.next("Modem")
+    guide.press("Next").says("You may not use the modem yet")
+    guide.press("Skip").at("Modem")
 
 
 def test_without_pkexec_the_command_is_shown_to_copy(computer, stranger):
@@ -143,7 +145,7 @@ def test_a_missing_group_is_made_first(computer, stranger):
     group = machine.path("/etc/group")
     group.write_text(re.sub("^norvix:.*\n", "", group.read_text(), flags=re.MULTILINE))
     guide = at_the_beginning(stranger)
-    guide.press("Create the group…").says("you are none yet")
+    guide.press("Create the group…").says("you are not one yet")
     guide.press("Let me use it…").says("^You may use the modem")
 
 
@@ -181,10 +183,51 @@ def test_a_daemon_that_is_not_running_is_started_from_the_modems_page(computer, 
     assert desktop.pkexec.wait_call()[1:] == ["/opt/norvix/libexec/norvix-desktop-mend",
                                               "start-daemon"]
     started.append(computer.start_daemon())
-    guide.says("was so already when the computer's service")
+    guide.says("plug it in again")
+
+
+def test_next_takes_a_modem_that_was_found_into_use(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_modem(desktop)
+    plug(computer)
+    guide.says("^Thomson Speedtouch 330 was found")
+    guide.next("Provider")
+    wait_stored(computer.machine, modem="Thomson Speedtouch 330")
+
+
+def test_next_stays_while_no_modem_is_ready_and_skip_does_not(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_modem(desktop)
+    guide.says("No modem that is supported.*Thomson Speedtouch 330")
+    guide.press("Next").says("No modem is ready yet")
+    guide.at("Modem").press("Skip").at("Provider")
+
+
+def test_somebody_who_became_a_member_elsewhere_goes_on_with_next(computer, stranger):
+    computer.start_daemon()
+    guide = at_the_beginning(stranger)
+    guide.press("Next").says("You may not use the modem yet")
+    join_group(computer.machine, "user")
+    guide.press("Next").says("does not know it yet")
+    guide.press("Use it now").says("^You may use the modem")
+    guide.next("Modem")
 
 
 # ---- provider and account
+
+
+def test_values_that_nobody_has_chosen_are_not_shown_as_zeros(computer, desktop):
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Provider")
+    fields = {name: desktop.window.find("spin box", name) for name in ("VPI", "VCI")}
+    assert [field.text.strip() for field in fields.values()] == ["", ""]
+    guide.press("Next").says("Choose your provider")
+    fields["VPI"].set_value(0)
+    guide.press("Next").says("Choose your provider")
+    assert stored(computer.machine, "vpi") is None
+    fields["VCI"].set_value(38)
+    guide.next("Account")
+    wait_stored(computer.machine, vpi="0", vci="38")
 
 
 def test_what_was_entered_survives_a_frozen_and_a_new_daemon_and_going_back(computer, desktop):
@@ -243,6 +286,21 @@ def test_values_for_the_other_protocol_come_with_a_file_that_fits_them(computer,
     guide.next("Account")
 
 
+@pytest.mark.parametrize("provider", (("Italy", "TIM (Alice)"), ("United Kingdom", "BT and resellers")))
+def test_a_file_that_may_not_be_looked_for_is_not_taken_for_a_missing_one(computer, desktop, provider):
+    computer.machine.path(PEER).parent.chmod(0o750)  # as the distribution has it
+    computer.start_daemon()
+    guide = at_the_modem(desktop).skip_to("Provider")
+    desktop.window.choose("Country", provider[0])
+    desktop.window.choose("Provider", provider[1])
+    guide.press("Next")
+    if "Italy" in provider:  # the shipped file fits
+        guide.at("Account")
+    else:
+        guide.says("They stand in a file of the system, too")
+        guide.press("Put a fitting file in place…").says("The file fits now")
+
+
 def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
     computer.start_daemon()
     guide = at_the_beginning(stranger).skip_to("Account")
@@ -263,11 +321,15 @@ def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
 # ---- connecting
 
 
-def at_connect(computer, desktop):
+def use_a_modem(computer):
     computer.machine.settings(modem="Thomson Speedtouch 330", vendor_id=0x06B9, product_id=0x4061,
                               udi="/org/freedesktop/Hal/devices/usb_device_6b9_4061_0090D0123456",
                               protocol="PPPoE", vpi=8, vci=35)
     computer.start_daemon()
+
+
+def at_connect(computer, desktop):
+    use_a_modem(computer)
     return at_the_modem(desktop).skip_to("Connect")
 
 
@@ -305,12 +367,14 @@ def test_an_end_without_a_reason_leads_to_the_check_up(computer, desktop):
 
 
 def test_the_keyboard_alone_leads_through_the_pages(computer, desktop):
-    computer.start_daemon()
+    plug(computer)
+    use_a_modem(computer)
     guide = at_the_beginning(desktop)
     guide.says("^You may use the modem")
-    for title in ("Modem", "Provider"):
-        desktop.keys("Return")
-        guide.at(title)
+    desktop.keys("Return")
+    guide.at("Modem").says("is ready")
+    desktop.keys("Return")
+    guide.at("Provider")
     names = [name for _, name in desktop.window.focus_order()]
     assert {"VPI", "VCI", "Back", "Skip", "Next"} <= set(names)
 

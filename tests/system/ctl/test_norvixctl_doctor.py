@@ -248,8 +248,12 @@ def test_a_user_outside_the_group_is_told_to_join_it(sound):
     assert "groupadd" in findings(sound, uid=1000)["permission"]["remedy"]
 
 
-def test_what_only_root_may_read_is_not_called_a_fault(sound):
-    sound.path(PEER_FILE).chmod(0o640)
+@pytest.mark.parametrize("place", ("file", "folder"))
+def test_what_only_root_may_read_is_not_called_a_fault(sound, place):
+    if place == "file":
+        sound.path(PEER_FILE).chmod(0o640)
+    else:  # as the distribution has it
+        sound.path(PEER_FILE).parent.chmod(0o750)
     run_all(sound)
     found = findings(sound, uid=1000, groups=[NORVIX_GROUP])
     assert found["permission"]["verdict"] == "ok"

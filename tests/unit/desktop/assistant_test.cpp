@@ -159,8 +159,8 @@ private slots:
             change(facts);
             QTest::newRow(name) << facts << standing << QString::fromLatin1(text);
         };
-        row("it was there before the daemon", ModemStanding::PlugAnew,
-            "when the computer's service for modems began", [](ModemFacts &) {});
+        row("it was there before the daemon", ModemStanding::PlugAnew, "this one was there before",
+            [](ModemFacts &) {});
         row("none", ModemStanding::NoModem, "No modem",
             [](ModemFacts &facts) { facts.system.modems.clear(); });
         row("none, no daemon", ModemStanding::NoModem, "No modem", [](ModemFacts &facts) {

@@ -184,6 +184,15 @@ private slots:
         QCOMPARE(factOf(facts, "Modem"), QStringLiteral("not known"));
     }
 
+    /// It may be plugged in all the same, and not set up yet.
+    void aModemThatIsNotFoundIsNotSaidToBeUnplugged()
+    {
+        ConnectionModel model;
+        model.daemon = DaemonPresence::There;
+        model.isModemPlugged = false;
+        QCOMPARE(factOf(connectionFacts(model, {}, noon), "Modem"), QStringLiteral("none in use"));
+    }
+
     void timesAreSaidAsPeopleDo()
     {
         QCOMPARE(momentText(noonSeconds, noon), QStringLiteral("today, 11:00"));
