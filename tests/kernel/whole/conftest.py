@@ -14,13 +14,13 @@ from lab.clean.clean_system import CleanSystem  # noqa: E402
 from lab.kernel import guest  # noqa: E402
 
 BUILD = pathlib.Path(os.environ.get("NORVIX_BUILD_DIR") or REPOSITORY / "build/release")
-COMPONENTS = ("daemon", "support", "hald", "keeper")
+COMPONENTS = ("client", "daemon", "support", "hald", "keeper")
 NEEDED = ("br2684ctl", "libqt5dbus5", "libsqlite3-0", "net-tools", "ppp", "procps", "psmisc")
-NEIGHBOURS = ("network-manager", "polkitd", "systemd-resolved")
+NEIGHBOURS = ("modemmanager", "network-manager", "polkitd", "systemd-resolved")
 UNITS = ("norvix-daemon", "norvix-hald", "norvix-keeper")
 # They begin when a story wants them.
-LATER = ("NetworkManager", "NetworkManager-wait-online", "NetworkManager-dispatcher",
-         "systemd-networkd", "systemd-resolved")
+LATER = ("ModemManager", "NetworkManager", "NetworkManager-wait-online",
+         "NetworkManager-dispatcher", "systemd-networkd", "systemd-resolved")
 GUEST_SECONDS = 3000
 PASSED_ON = ("NORVIX_MOMENTS",)
 

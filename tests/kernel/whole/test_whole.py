@@ -11,6 +11,10 @@ def test_a_connection_lives_beside_the_distributions_own_network_services(tell):
     tell("lives_beside_resolved", "lives_beside_networkd", "lives_beside_networkmanager")
 
 
+def test_a_mobile_connection_of_networkmanagers_and_ours_live_beside_each_other(tell):
+    tell("lives_beside_a_mobile_connection")
+
+
 def test_a_modem_that_is_restarted_after_a_loss_connects(tell):
     tell("restarts_the_modem_after_a_loss")
 
