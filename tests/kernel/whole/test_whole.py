@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """norvix in a whole system: real sleep, and the distribution's own services beside it. Run by hand:
-/usr/bin/python3 -B -m pytest -p no:cacheprovider -s tests/kernel/whole"""
+/usr/bin/python3 -B -m pytest -p no:cacheprovider -s tests/kernel/whole
+NORVIX_CLEAN_RELEASE=13 takes Debian 13 and its kernel."""
 
 
 def test_a_connection_ends_before_sleep_and_is_back_after_it(tell):
