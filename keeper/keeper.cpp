@@ -197,7 +197,8 @@ void Keeper::lookAtLinks()
     }
     m_foreign.clear();
     for (const Interface &other : m_links.table().interfaces()) {
-        if (other.isPpp && !m_own.contains(other.index) && !other.addresses.isEmpty()) {
+        // Up, whatever addresses it has: a mobile connection may be one of IPv6 alone.
+        if (other.isPpp && !m_own.contains(other.index) && other.isUp) {
             m_foreign.append(other.name);
         }
     }

@@ -245,12 +245,13 @@ void Step::attemptFailed(Cause cause)
     restartStuckModem();
 }
 
-/// A driver may stop telling of the line for good; only loading it anew helps.
+/// A driver may stop telling of the line for good; only loading it anew helps. The daemon ends
+/// every pppd before it: not while one of somebody else's, on which he relies perhaps, is up.
 void Step::restartStuckModem()
 {
     const bool wasLately = s.modemRestartedAt && m_now.ms - *s.modemRestartedAt < restartEveryMs;
     if (s.syncFailures < syncFailuresMost || !s.memory.keep || s.modem == Modem::Gone || wasLately
-        || s.restartUntil) {
+        || s.restartUntil || s.hasForeignLink) {
         return;
     }
     s.syncFailures = 0;

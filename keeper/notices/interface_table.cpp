@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <linux/if.h>
 #include <linux/if_arp.h>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
@@ -66,6 +67,7 @@ void takeLink(const ifinfomsg &head, const QMap<int, QByteArray> &attributes, In
     if (attributes.contains(IFLA_IFNAME)) {
         interface->name = nameFrom(attributes[IFLA_IFNAME]);
     }
+    interface->isUp = (head.ifi_flags & IFF_UP) != 0;
     interface->isPpp = head.ifi_type == ARPHRD_PPP || isPppName(interface->name);
     rtnl_link_stats64 counters = {};
     const QByteArray &told = attributes[IFLA_STATS64];

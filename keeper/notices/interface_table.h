@@ -16,6 +16,7 @@ struct Interface
     int index = 0;
     QString name;
     bool isPpp = false; ///< by its type, or by its name
+    bool isUp = false;
     QSet<QByteArray> addresses; ///< IPv4, four bytes each
     quint64 received = 0; ///< bytes
     quint64 sent = 0;

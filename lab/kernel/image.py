@@ -28,9 +28,10 @@ KERNEL_PACKAGES = ("linux-image-", "linux-binary-", "linux-modules-")
 KERNEL_FOLDERS = (
     "arch/x86/crypto", "crypto", "drivers/char/hw_random", "drivers/net/dummy.ko",
     "drivers/net/ppp", "drivers/net/slip", "drivers/net/tun.ko", "drivers/net/veth.ko",
-    "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/common", "drivers/usb/core",
-    "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs", "fs/overlayfs", "lib",
-    "net/9p", "net/atm", "net/core", "net/ipv4/gre.ko", "net/packet", "net/unix",
+    "drivers/net/vrf.ko", "drivers/usb/atm", "drivers/usb/class/cdc-acm.ko", "drivers/usb/common",
+    "drivers/usb/core", "drivers/usb/usbip", "drivers/virtio", "fs/9p", "fs/fscache", "fs/netfs",
+    "fs/overlayfs", "lib", "net/9p", "net/atm", "net/core", "net/ipv4/gre.ko", "net/packet",
+    "net/unix",
 )
 
 # Loaded before the root file system is there.

@@ -53,6 +53,8 @@ def command(*arguments, check=True):
 class Provider:
     """Base: the provider's own files. `authentication` is "chap", "pap", "mschap-v2" or None."""
 
+    nameservers = NAMESERVERS
+
     def __init__(self, folder, authentication="chap", login=LOGIN, password=PASSWORD, extra=()):
         self.folder = pathlib.Path(folder)
         self.log = self.folder / "log"
@@ -86,7 +88,7 @@ class Provider:
     def _options(self):
         options = ["name provider", "noipv6", "nodefaultroute", "noaccomp", "nopcomp",
                    "lcp-echo-interval 10", "lcp-echo-failure 3", "debug",
-                   *(f"ms-dns {server}" for server in NAMESERVERS), *self._extra]
+                   *(f"ms-dns {server}" for server in self.nameservers), *self._extra]
         options.append(f"require-{self._authentication}" if self._authentication else "noauth")
         return options
 

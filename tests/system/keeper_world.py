@@ -66,10 +66,10 @@ class World:
 
     # ---- what one does and sees
 
-    def add_foreign(self, name):
+    def add_foreign(self, name, address="10.9.9.9"):
         """Somebody else's link comes up."""
         for words in (["link", "add", name, "type", "veth", "peer", "far-" + name],
-                      ["addr", "add", "10.9.9.9", "dev", name], ["link", "set", name, "up"]):
+                      ["addr", "add", address, "dev", name], ["link", "set", name, "up"]):
             result = self.machine.run(["/usr/sbin/ip", *words])
             assert result.status == 0, result.stderr
 

@@ -4,5 +4,5 @@
 A modem here is a UsbDevice (device.py) that answers USB requests over USB/IP framing (usbip.py) on
 one end of a socket pair, whose other end the kernel's virtual host controller has (vhci.py). The
 kernel's own driver binds to it. Its ATM cells go through a Line (line.py) to an exchange
-(exchange.py), which is a second device of this kind.
+(exchange.py), which is a second device of this kind. A mobile phone (phone.py) is one, too.
 """

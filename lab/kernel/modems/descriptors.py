@@ -26,14 +26,18 @@ class Endpoint:
 
 @dataclass(frozen=True)
 class Interface:
+    """`kind` is class, subclass and protocol; `functions` the descriptors that its class adds."""
+
     number: int
     endpoints: tuple = ()
     setting: int = 0
+    kind: tuple = (VENDOR_CLASS, 0, 0)
+    functions: bytes = b""
 
     def encoded(self):
         head = struct.pack("<9B", 9, INTERFACE, self.number, self.setting, len(self.endpoints),
-                           VENDOR_CLASS, 0, 0, 0)
-        return head + b"".join(endpoint.encoded() for endpoint in self.endpoints)
+                           *self.kind, 0)
+        return head + self.functions + b"".join(endpoint.encoded() for endpoint in self.endpoints)
 
 
 @dataclass(frozen=True)

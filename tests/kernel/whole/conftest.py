@@ -14,13 +14,13 @@ from lab.clean.clean_system import CleanSystem  # noqa: E402
 from lab.kernel import guest  # noqa: E402
 
 BUILD = pathlib.Path(os.environ.get("NORVIX_BUILD_DIR") or REPOSITORY / "build/release")
-COMPONENTS = ("daemon", "support", "hald", "keeper")
+COMPONENTS = ("client", "daemon", "support", "hald", "keeper")
 NEEDED = ("br2684ctl", "libqt5dbus5", "libsqlite3-0", "net-tools", "ppp", "procps", "psmisc")
-NEIGHBOURS = ("network-manager", "polkitd", "systemd-resolved")
+NEIGHBOURS = ("modemmanager", "network-manager", "polkitd", "systemd-resolved")
 UNITS = ("norvix-daemon", "norvix-hald", "norvix-keeper")
 # They begin when a story wants them.
-LATER = ("NetworkManager", "NetworkManager-wait-online", "NetworkManager-dispatcher",
-         "systemd-networkd", "systemd-resolved")
+LATER = ("ModemManager", "NetworkManager", "NetworkManager-wait-online",
+         "NetworkManager-dispatcher", "systemd-networkd", "systemd-resolved")
 GUEST_SECONDS = 3000
 PASSED_ON = ("NORVIX_MOMENTS",)
 
@@ -44,7 +44,7 @@ def put_norvix(system):
 def whole():
     if os.geteuid() != 0:
         pytest.exit("these scenarios need root", returncode=2)
-    with CleanSystem("12") as system:
+    with CleanSystem() as system:
         system.run("apt-get", "-q", "update")
         system.run("apt-get", "-q", "-y", "install", "--no-install-recommends", *NEEDED, *NEIGHBOURS,
                    timeout=1800)
@@ -62,7 +62,7 @@ def tell(whole, tmp_path_factory):
         story = REPOSITORY / "tests/kernel/whole/story.py"
         chosen = {name: os.environ[name] for name in PASSED_ON if name in os.environ}
         status = guest.run(["/usr/bin/python3", "-B", str(story), *names], results, GUEST_SECONDS,
-                           chosen, clean=whole.path(""))
+                           chosen, clean=whole.path(""), system=whole.release)
         told = (results / "output").read_text(encoding="utf-8", errors="replace")
         print(told)
         assert status == 0, told[-8000:]

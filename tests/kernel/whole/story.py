@@ -17,7 +17,7 @@ sys.path.insert(0, str(REPOSITORY))
 
 from lab.kernel import chain as world  # noqa: E402
 from lab.kernel import provider, system  # noqa: E402
-from lab.kernel.modems import cxacru, vhci  # noqa: E402
+from lab.kernel.modems import cxacru, phone, vhci  # noqa: E402
 from lab.kernel.modems.line import Line  # noqa: E402
 from lab.machine import keeper_service  # noqa: E402
 from lab.machine.bus_client import Client  # noqa: E402
@@ -25,7 +25,7 @@ from lab.waiting import wait_until  # noqa: E402
 
 THERE = pathlib.Path("/proc/1/root")
 UNITS = ("norvix-daemon", "norvix-hald", "norvix-keeper")
-LATER = ("NetworkManager", "systemd-networkd.socket", "systemd-networkd", "systemd-resolved")
+LATER = ("ModemManager", "NetworkManager", "systemd-networkd.socket", "systemd-networkd", "systemd-resolved")
 PATIENCE = 180
 
 
@@ -46,6 +46,41 @@ class Neighbour(provider.PppoeProvider):
         """Whether a link is one to here; each session has another address."""
         network = self.address.rpartition(".")[0] + "."
         return [entry["local"].startswith(network) for entry in addresses(device)] == [True]
+
+
+class MobileNetwork(provider.Provider):
+    """Somebody else's, whom a phone calls: each call gets a pppd of its own."""
+
+    address, client_address = "10.70.0.1", "10.70.0.100"
+    namespace = "mobile"
+    nameservers = ("10.70.0.53", "10.70.0.54")
+    pppd = pathlib.Path("/usr/local/sbin/mobile-ppp")  # when the provider hangs up this one does not
+
+    def __init__(self):
+        super().__init__("/var/lib/mobile", authentication=None)
+
+    def start(self):
+        self._write_files()
+        shutil.copy("/usr/sbin/pppd", self.pppd)
+        system.run("ip", "netns", "add", self.namespace)
+
+    def answer(self):
+        """Takes a call: its end of the stream."""
+        near, far = socket.socketpair()
+        words = self._in_room(str(self.pppd), "notty", "nodetach", "logfd", "2", "file", "/etc/ppp/server",
+                              "%s:%s" % (self.address, self.client_address))
+        with far, open(self.log, "ab") as log:
+            self._processes.append(subprocess.Popen(
+                ["ip", "netns", "exec", self.namespace, *words], stdin=far, stdout=far, stderr=log,
+                start_new_session=True))
+        return near
+
+    def serves(self, device):
+        """Whether a link is one to here, and something comes back through it."""
+        reached = system.run("busybox", "ping", "-c", "3", "-I", device, self.address, check=False)
+        print(reached.stdout, flush=True)
+        return ([entry["local"] for entry in addresses(device)] == [self.client_address]
+                and reached.returncode == 0)
 
 
 def lay_cable(near, far):
@@ -290,6 +325,90 @@ def lives_beside_networkmanager(connection):
     inside("systemctl", "stop", "NetworkManager")
 
 
+PHONE_RULE = ('SUBSYSTEM=="tty", ATTRS{idVendor}=="%04x", ATTRS{idProduct}=="%04x", '
+              'ENV{ID_MM_DEVICE_PROCESS}="1"\n' % (phone.VENDOR, phone.PRODUCT))
+
+
+def resolver_entries(device):
+    """What systemd-resolved knows of an interface."""
+    return [inside("resolvectl", word, device) for word in ("dns", "domain", "default-route")]
+
+
+def are_neighbours_fine():
+    """Somebody else's link is no reason for the check-up to complain of who manages it."""
+    checks = json.loads(inside("/opt/norvix/bin/norvixctl", "doctor", "--json", check=False))["checks"]
+    verdicts = {check["id"]: check["verdict"] for check in checks}
+    assert all(verdicts[name] == "ok" for name in ("networkmanager", "networkd", "resolved")), checks
+
+
+def lives_beside_a_mobile_connection(connection):
+    """NetworkManager's own, through a phone whose modem ModemManager has found. Whoever comes first is
+    ppp0, and neither cares about the other."""
+    use_resolved()
+    for unit in ("systemd-networkd", "NetworkManager", "ModemManager"):
+        start(unit)
+    # ModemManager looks at modems of makers that it knows, and at those that an administrator names.
+    write("/etc/udev/rules.d/90-phone.rules", PHONE_RULE)
+    inside("udevadm", "control", "--reload")
+    network, there = MobileNetwork(), vhci.Socket()
+    network.start()
+    modem = phone.Phone(network.answer)
+    there.plug(modem)
+    wait_until(lambda: states().get("ttyACM0") == "disconnected", PATIENCE, "the phone can be used",
+               lambda: modem.commands)
+    inside("nmcli", "connection", "add", "type", "gsm", "ifname", "ttyACM0", "con-name", "phone",
+           "apn", phone.APN, "connection.autoconnect", "no")
+    inside("nmcli", "connection", "up", "phone")
+    assert network.serves("ppp0"), network.said()
+    connection.keeper.wait_for(PATIENCE, ForeignLinks=["ppp0"], State="idle")
+    theirs, entries = system.processes("pppd"), resolver_entries("ppp0")
+    assert network.nameservers[0] in entries[0]
+    are_neighbours_fine()
+
+    def is_theirs_as_before():
+        return (network.serves("ppp0") and set(theirs) <= set(system.processes("pppd"))
+                and resolver_entries("ppp0") == entries and states()["ttyACM0"] == "connected")
+
+    say("our link beside it")
+    connection.connect()
+    assert [entry["local"] for entry in addresses("ppp1")] == [provider.CLIENT_ADDRESS]
+    assert connection.keeper.properties()["ForeignLinks"] == ["ppp0"]
+    assert states().get("ppp1", "unmanaged") == "unmanaged"
+    wait_until(lambda: provider.NAMESERVERS[0] in inside("resolvectl", "dns", "ppp1"), 60,
+               "the servers were handed over")
+    wait_until(lambda: "no" in inside("resolvectl", "default-route", "ppp1"), 60, "not for all names")
+    assert is_theirs_as_before()
+    are_neighbours_fine()
+
+    say("ours is lost and kept")
+    before, mark = len(connection.keeper.losses()), connection.client.mark()
+    connection.provider.say_goodbye()
+    wait_until(lambda: connection.keeper.losses()[before:] == ["hung-up"], PATIENCE, "the loss is told")
+    connection.comes_up(mark)
+    assert connection.keeper.properties()["ForeignLinks"] == ["ppp0"] and is_theirs_as_before()
+
+    say("theirs ends")
+    inside("nmcli", "connection", "down", "phone")
+    connection.keeper.wait_for(PATIENCE, ForeignLinks=[], State="connected")
+    assert addresses("ppp1") and world.carries_traffic()
+    connection.disconnect()
+
+    say("the other order")
+    connection.connect()
+    entries = resolver_entries("ppp0")
+    inside("nmcli", "connection", "up", "phone")
+    assert network.serves("ppp1"), network.said()
+    connection.keeper.wait_for(PATIENCE, ForeignLinks=["ppp1"], State="connected")
+    assert connection.is_up() and world.carries_traffic() and resolver_entries("ppp0") == entries
+    inside("nmcli", "connection", "down", "phone")
+    connection.keeper.wait_for(PATIENCE, ForeignLinks=[], State="connected")
+    assert connection.is_up() and world.carries_traffic()
+    connection.disconnect()
+    inside("nmcli", "connection", "delete", "phone")
+    there.unplug()
+    inside("systemctl", "stop", *LATER)
+
+
 def lives_beside_networkd(connection):
     write("/etc/systemd/network/50-all.network", "[Match]\nName=*\n\n[Network]\nDHCP=yes\n")
     start("systemd-networkd")
@@ -313,11 +432,17 @@ def lives_beside_networkd(connection):
     connection.disconnect()
 
 
-def lives_beside_resolved(connection):
+def use_resolved():
+    """As its package leaves it; the resolver file."""
     start("systemd-resolved")
     resolver = THERE / "etc/resolv.conf"
     resolver.unlink(missing_ok=True)
     resolver.symlink_to("../run/systemd/resolve/stub-resolv.conf")
+    return resolver
+
+
+def lives_beside_resolved(connection):
+    resolver = use_resolved()
     mark = connection.connect()
     servers = " ".join(provider.NAMESERVERS)
     wait_until(lambda: servers in inside("resolvectl", "dns", "ppp0"), 60, "the servers were handed over")
@@ -466,7 +591,7 @@ def is_told(story, connection):
         return True
     except Exception:
         traceback.print_exc(file=sys.stdout)
-        for unit in UNITS:
+        for unit in (*UNITS, "NetworkManager", "ModemManager"):
             inside("journalctl", "--no-pager", "-b", "-n", "30", "-u", unit, check=False)
         inside("tail", "-n", "40", "/opt/norvix/daemon.log", check=False)
         print(system.run("ip", "addr").stdout, system.kernel_log()[-2000:], flush=True)

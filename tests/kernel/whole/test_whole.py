@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """norvix in a whole system: real sleep, and the distribution's own services beside it. Run by hand:
-/usr/bin/python3 -B -m pytest -p no:cacheprovider -s tests/kernel/whole"""
+/usr/bin/python3 -B -m pytest -p no:cacheprovider -s tests/kernel/whole
+NORVIX_CLEAN_RELEASE=13 takes Debian 13 and its kernel."""
 
 
 def test_a_connection_ends_before_sleep_and_is_back_after_it(tell):
@@ -9,6 +10,10 @@ def test_a_connection_ends_before_sleep_and_is_back_after_it(tell):
 
 def test_a_connection_lives_beside_the_distributions_own_network_services(tell):
     tell("lives_beside_resolved", "lives_beside_networkd", "lives_beside_networkmanager")
+
+
+def test_a_mobile_connection_of_networkmanagers_and_ours_live_beside_each_other(tell):
+    tell("lives_beside_a_mobile_connection")
 
 
 def test_a_modem_that_is_restarted_after_a_loss_connects(tell):

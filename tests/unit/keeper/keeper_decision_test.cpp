@@ -568,6 +568,28 @@ private slots:
         QVERIFY(!story.did(Kind::RestartModem));
     }
 
+    /// The daemon takes such a link for its own and would end it first: with a dead line, the
+    /// mobile one that somebody uses meanwhile.
+    void besideAForeignLinkTheModemIsNotRestarted()
+    {
+        Story story = Story::connected();
+        story.tell(event::LinkSeen{Link::Gone, true});
+        const auto failOnce = [&story] {
+            story.tell(event::AttemptBegan());
+            story.tell(event::AttemptTold{Cause::LineNotSynchronised});
+            story.tell(event::AttemptEnded{0, Cause::Unknown});
+            story.wait(5'000); // the foreign one's state
+        };
+        for (int i = 0; i < 4; ++i) {
+            failOnce();
+        }
+        QCOMPARE(story.state.reason, Cause::LineNotSynchronised);
+        QVERIFY(!story.did(Kind::RestartModem));
+        story.tell(event::LinkSeen{Link::Gone, false});
+        failOnce();
+        QVERIFY(story.did(Kind::RestartModem));
+    }
+
     void aDriverBuildIsWaitedFor()
     {
         Story story = Story::connected();

@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+#include <linux/if.h>
 #include <linux/if_arp.h>
 #include <linux/rtnetlink.h>
 #include <random>
@@ -49,9 +50,11 @@ QByteArray message(int type, const Head &head, const QByteArray &attributes)
     return whole.leftJustified(int(NLMSG_ALIGN(whole.size())), '\0');
 }
 
-QByteArray link(int type, int index, const char *name, quint64 received = 0, int kind = ARPHRD_PPP)
+QByteArray link(int type, int index, const char *name, quint64 received = 0, int kind = ARPHRD_PPP,
+    uint flags = 0)
 {
     ifinfomsg head = {};
+    head.ifi_flags = flags;
     head.ifi_index = index;
     head.ifi_type = quint16(kind);
     rtnl_link_stats64 counters = {};
@@ -117,6 +120,17 @@ private slots:
         QCOMPARE(news.gone.size(), 1);
         QCOMPARE(news.gone.first().received, quint64(21'560));
         QVERIFY(!table.named(QStringLiteral("ppp0")));
+    }
+
+    void aLinkIsUpWithoutAnAddressThatWeKnow()
+    {
+        InterfaceTable table;
+        table.take(link(RTM_NEWLINK, 5, "ppp0"));
+        QVERIFY(!table.interfaces().first().isUp);
+        table.take(link(RTM_NEWLINK, 5, "ppp0", 0, ARPHRD_PPP, IFF_UP | IFF_POINTOPOINT));
+        QVERIFY(table.interfaces().first().isUp);
+        table.take(link(RTM_NEWLINK, 5, "ppp0", 0, ARPHRD_PPP, IFF_POINTOPOINT));
+        QVERIFY(!table.interfaces().first().isUp);
     }
 
     void othersAreToldApart_data()

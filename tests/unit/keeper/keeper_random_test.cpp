@@ -159,6 +159,7 @@ private:
                 break;
             case Kind::RestartModem:
                 blame(!isPlugged, "restarted a modem that is not there");
+                blame(hasForeign, "restarted the modem beside somebody else's link");
                 terminate();
                 story.tell(event::RestartBegan());
                 story.tell(event::RestartEnded());
@@ -491,6 +492,10 @@ private:
                 }
                 break;
             case Kind::RestartModem:
+                if (!mayAct(after) || after.hasForeignLink) {
+                    return false;
+                }
+                break;
             case Kind::LookAtLinks:
             case Kind::HoldSleep:
             case Kind::LetSleep:
