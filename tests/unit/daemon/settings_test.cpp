@@ -111,12 +111,7 @@ void SettingsTest::aMissingFileGivesTheDefaults()
 
 void SettingsTest::aHandWrittenTextIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *written, const char *text) {
-        QTest::newRow(*written == '\0' ? "nothing" : written)
-            << QByteArray(written) << QString::fromLatin1(text);
-    };
+    const auto row = tableOfTexts<QByteArray, QString>("written", "text");
     row("PPPoE", "PPPoE");
     row(" PPPoE ", "PPPoE");
     row("\" PPPoE \"", " PPPoE ");
@@ -129,7 +124,7 @@ void SettingsTest::aHandWrittenTextIsRead_data()
     row("\"Sagem, E4\"", "Sagem, E4");
     row("a;b", "a"); // a comment begins
     row("\"a;b\"", "a;b");
-    row("caf\\xe9", "caf\xe9");
+    row("caf\\xe9", QStringLiteral("café"));
     row("/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial",
         "/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial");
 }
@@ -144,11 +139,7 @@ void SettingsTest::aHandWrittenTextIsRead()
 
 void SettingsTest::aHandWrittenNumberIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<int>("number");
-    const auto row = [](const char *written, int number) {
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << number;
-    };
+    const auto row = tableOfTexts<QByteArray, int>("written", "number");
     row("4368", 4368);
     row("-1", -1);
     row("\"4368\"", 4368);
@@ -169,11 +160,7 @@ void SettingsTest::aHandWrittenNumberIsRead()
 
 void SettingsTest::aHandWrittenFlagIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<bool>("flag");
-    const auto row = [](const char *written, bool flag) {
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << flag;
-    };
+    const auto row = tableOfTexts<QByteArray, bool>("written", "flag");
     row("true", true);
     row("false", false);
     row("FALSE", false);
@@ -193,15 +180,7 @@ void SettingsTest::aHandWrittenFlagIsRead()
 
 void SettingsTest::thePppdArgumentsAreRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<QStringList>("arguments");
-    const auto row = [](const char *written, const QByteArrayList &arguments) {
-        QStringList list;
-        for (const QByteArray &argument : arguments) {
-            list.append(QString::fromLatin1(argument));
-        }
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << list;
-    };
+    const auto row = tableOfTexts<QByteArray, QStringList>("written", "arguments");
     row("", {}); // the file says "an empty text", which is no argument
     row("@Invalid()", {});
     row("lock", {"lock"});

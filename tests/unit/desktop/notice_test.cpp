@@ -3,6 +3,7 @@
 #include "desktop/model/notice.h"
 
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QtTest>
 
@@ -94,10 +95,10 @@ private slots:
 
     void aFailedAttemptIsToldWithItsReason_data()
     {
-        QTest::addColumn<QString>("signal");
+        const auto row = tableOfTexts<QString>("signal");
         for (const char *signal : {DaemonSignal::synchronizationFailed,
                  DaemonSignal::connectionTimeout, DaemonSignal::invalidAccountData}) {
-            QTest::newRow(signal) << QString::fromLatin1(signal);
+            row(signal);
         }
     }
     void aFailedAttemptIsToldWithItsReason()

@@ -255,11 +255,7 @@ private slots:
 
     void theReasonIsTheOneThatTheDoctorTells_data()
     {
-        QTest::addColumn<QString>("recording");
-        QTest::addColumn<Cause>("cause");
-        const auto row = [](const char *recording, Cause cause) {
-            QTest::newRow(recording) << QString::fromLatin1(recording) << cause;
-        };
+        const auto row = tableOfTexts<QString, Cause>("recording", "cause");
         row("c1-chap-wrong-password", Cause::AccountRefused);
         row("c3-pap-wrong-password", Cause::AccountRefused);
         row("c2-chap-no-secret-for-user", Cause::PasswordMissing);
