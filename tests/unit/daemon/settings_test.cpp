@@ -3,6 +3,7 @@
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "private_root.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QCoreApplication>
@@ -22,24 +23,10 @@ namespace {
 const QString folder = QStringLiteral("/opt/norvix");
 const QString path = QStringLiteral("/opt/norvix/.daemon_ng.ini");
 
-QByteArray fileText()
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
 /// Writes the file as another process would, and has the settings read again.
-void writeFile(const QByteArray &text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-        qFatal("cannot write %s", qPrintable(path));
-    }
-}
-
 void writeAndRead(const QByteArray &text)
 {
-    writeFile("[General]\n" + text);
+    writeFile(path, "[General]\n" + text);
     syncSettings(settings());
 }
 
@@ -214,7 +201,7 @@ void SettingsTest::whatIsStoredStandsInTheFile()
     writeSetting(settings(), "connect_at_modem_plug", false);
     writeSetting(settings(), "modem", QStringLiteral("Sagem F@st 800, E4"));
     syncSettings(settings());
-    QCOMPARE(fileText(),
+    QCOMPARE(contentOf(path),
         QByteArray("[General]\n"
                    "connect_at_boot=true\n"
                    "connect_at_modem_plug=false\n"
@@ -226,8 +213,8 @@ void SettingsTest::whatIsStoredIsReadBackAtOnceAndReachesTheFileInTheLoop()
 {
     writeSetting(settings(), "idleness", 42);
     QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 42);
-    QVERIFY(!fileText().contains("idleness"));
-    QTRY_VERIFY_WITH_TIMEOUT(fileText().contains("idleness=42\n"), 30000);
+    QVERIFY(!contentOf(path).contains("idleness"));
+    QTRY_VERIFY_WITH_TIMEOUT(contentOf(path).contains("idleness=42\n"), 30000);
 }
 
 void SettingsTest::otherKeysSurviveAWrite()
@@ -235,13 +222,13 @@ void SettingsTest::otherKeysSurviveAWrite()
     writeAndRead("vpi=8\nvci=35\nunknown=x\n");
     writeSetting(settings(), "idleness", 1);
     syncSettings(settings());
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
 }
 
 void SettingsTest::changesOfOthersAreSeenAfterASyncOnly()
 {
     writeAndRead("protocol=PPPoA\n");
-    writeFile("[General]\nprotocol=PPPoE over it\n");
+    writeFile(path, "[General]\nprotocol=PPPoE over it\n");
     QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoA"));
     syncSettings(settings());
     QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoE over it"));
@@ -257,7 +244,7 @@ void SettingsTest::theFolderIsMadeOnTheFirstWrite()
     QVERIFY(QDir(folder).removeRecursively());
     writeSetting(settings(), "idleness", 3);
     syncSettings(settings());
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=3\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=3\n"));
 }
 
 void SettingsTest::aFileThatCannotBeWrittenKeepsTheValueInMemory()
@@ -320,7 +307,7 @@ void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
             syncSettings(settings());
         }
         QTRY_VERIFY_WITH_TIMEOUT(
-            fileText().contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
+            contentOf(path).contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
         QCOMPARE(stat(name.constData(), &info), 0);
         QCOMPARE(info.st_uid, owner);
         QCOMPARE(info.st_gid, group);
@@ -341,11 +328,11 @@ void SettingsTest::aFullDiskCostsNoSetting()
     const bool isStored = syncSettings(settings());
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
     QVERIFY(!isStored);
-    QCOMPARE(fileText(), "[General]\n" + others);
+    QCOMPARE(contentOf(path), "[General]\n" + others);
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
         QStringList(QStringLiteral(".daemon_ng.ini")));
     QVERIFY(syncSettings(settings())); // as soon as there is room
-    QCOMPARE(fileText(), "[General]\nidleness=5\n" + others);
+    QCOMPARE(contentOf(path), "[General]\nidleness=5\n" + others);
 }
 
 void SettingsTest::unfinishedFilesAreRemoved()
@@ -354,8 +341,7 @@ void SettingsTest::unfinishedFilesAreRemoved()
     const QStringList names = {QStringLiteral(".daemon_ng.ini"), QStringLiteral("daemon.log")};
     for (const char *name :
         {"daemon.log", ".daemon_ng.ini.kGbXwQ", ".norvix-new-.daemon_ng.ini-a1B2c3"}) {
-        QFile file(folder + QLatin1Char('/') + QLatin1String(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(folder + QLatin1Char('/') + QLatin1String(name));
     }
     clearStaleSettingsFiles();
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), names);
@@ -378,7 +364,7 @@ void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
         for (int i = 0; i < 2000000; ++i) {
             text += 'k' + QByteArray::number(i) + "=\n";
         }
-        writeFile(text);
+        writeFile(path, text);
     } else {
         QVERIFY(QFile::remove(path));
         QCOMPARE(kind == QLatin1String("pipe") ? mkfifo(name.constData(), 0600)
@@ -391,7 +377,7 @@ void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("has been set aside as")));
     writeSetting(settings(), "idleness", 4);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=4\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=4\n"));
     QCOMPARE(lstat((name + ".set-aside").constData(), &after), 0);
     QCOMPARE(after.st_ino, before.st_ino);
 }
@@ -415,7 +401,7 @@ void SettingsTest::aValueThatIsNoPlainOneCountsAsMissing()
     QCOMPARE(readSetting(settings(), "pppd_arguments", 7).toInt(), 7);
     writeSetting(settings(), "idleness", 1);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), "[General]\nidleness=1\n" + text);
+    QCOMPARE(contentOf(path), "[General]\nidleness=1\n" + text);
 }
 
 void SettingsTest::staleLocksAreRemoved()
@@ -423,8 +409,7 @@ void SettingsTest::staleLocksAreRemoved()
     const QStringList locks
         = {path + QStringLiteral(".lock"), path + QStringLiteral(".lock.rmlock")};
     for (const QString &lock : locks) {
-        QFile file(lock);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(lock);
     }
     clearStaleSettingsFiles();
     for (const QString &lock : locks) {
@@ -477,7 +462,7 @@ void SettingsTest::workersReadWhileTheMainThreadWrites()
     second.join();
     syncSettings(settings());
     QCOMPARE(wrong.load(), 0);
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=300\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=300\n"));
 }
 
 int main(int argc, char **argv)

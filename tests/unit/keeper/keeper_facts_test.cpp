@@ -8,6 +8,7 @@
 #include "keeper/settings.h"
 #include "keeper/system_facts.h"
 #include "test_data.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QTemporaryDir>
@@ -240,8 +241,7 @@ private slots:
         const auto add = [&folder](const QString &name, const QByteArray &number, bool isUsb) {
             const QString path = folder.filePath(name);
             QVERIFY(QDir().mkpath(path + (isUsb ? QStringLiteral("/device") : QString())));
-            QFile file(path + QStringLiteral("/atmindex"));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(number) == number.size());
+            writeFile(path + QStringLiteral("/atmindex"), number);
         };
         add(QStringLiteral("adummy"), "0\n", false);
         // A second one on USB is none that a connection goes through.
