@@ -376,16 +376,14 @@ private slots:
 
     void settingsAreSecondsAndMistakesAreTold()
     {
-        QStringList problems;
-        const Pauses pauses = pausesFrom("# comment\n\n  pause_unanswered = 7.5\r\n"
-                                         "pause_hung_up=0\npause_unknown = 3\n"
-                                         "pause_after_a_day = -1\npause_refused_most\n",
-            &problems);
-        QCOMPARE(pauses.unanswered, qint64(7'500));
-        QCOMPARE(pauses.hungUp, qint64(0));
-        QCOMPARE(pauses.afterADay, Pauses().afterADay);
-        QCOMPARE(problems.size(), 3);
-        QVERIFY(problems.first().startsWith(QStringLiteral("line 5: ")));
+        const Settings settings = settingsFrom("# comment\n\n  pause_unanswered = 7.5\r\n"
+                                               "pause_hung_up=0\npause_unknown = 3\n"
+                                               "pause_after_a_day = -1\npause_refused_most\n");
+        QCOMPARE(settings.pauses.unanswered, qint64(7'500));
+        QCOMPARE(settings.pauses.hungUp, qint64(0));
+        QCOMPARE(settings.pauses.afterADay, Pauses().afterADay);
+        QCOMPARE(settings.problems.size(), 3);
+        QVERIFY(settings.problems.first().startsWith(QStringLiteral("line 5: ")));
     }
 };
 
