@@ -95,7 +95,7 @@ private slots:
 
     void aFailedAttemptIsToldWithItsReason_data()
     {
-        const auto row = tableOfTexts<QString>("signal");
+        const auto row = tableOfTexts<QByteArray>("signal");
         for (const char *signal : {DaemonSignal::synchronizationFailed,
                  DaemonSignal::connectionTimeout, DaemonSignal::invalidAccountData}) {
             row(signal);
@@ -103,10 +103,10 @@ private slots:
     }
     void aFailedAttemptIsToldWithItsReason()
     {
-        QFETCH(QString, signal);
+        QFETCH(QByteArray, signal);
         Day day;
         day.tell(DaemonSignal::establishingConnection);
-        day.tell(qPrintable(signal));
+        day.tell(signal);
         day.loseIt();
         QCOMPARE(day.kinds(), Kinds{NoticeKind::AttemptFailed});
         QVERIFY(!day.told.constFirst().text.isEmpty());
