@@ -16,6 +16,7 @@
 #include <QTranslator>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -49,7 +50,7 @@ int showText(int argc, char *argv[])
     print(stdout,
         options.isHelpWanted ? desktop::usageText()
                              : QStringLiteral("norvix-desktop " NORVIX_VERSION "\n"));
-    return 0;
+    return EXIT_SUCCESS;
 }
 
 /// What stands on the toolkit's own buttons and menus.
@@ -96,9 +97,9 @@ int showWindow(int argc, char *argv[])
     case desktop::Instance::Outcome::First:
         break;
     case desktop::Instance::Outcome::Handed:
-        return 0;
+        return EXIT_SUCCESS;
     case desktop::Instance::Outcome::Unanswered:
-        return refuse(Say::tr("It is running already and does not answer."), 1);
+        return refuse(Say::tr("It is running already and does not answer."), EXIT_FAILURE);
     }
     desktop::Controller controller(QDBusConnection::systemBus());
     desktop::Preferences preferences;

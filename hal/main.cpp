@@ -25,26 +25,25 @@ std::string knownDevicesPath()
 
 int main(int argc, char **argv)
 {
-    std::string offender;
-    const std::optional<hal::Options> options
-        = hal::optionsFrom(std::vector<std::string_view>(argv + 1, argv + argc), &offender);
-    if (!options) {
+    const hal::Options options
+        = hal::optionsFrom(std::vector<std::string_view>(argv + 1, argv + argc));
+    if (options.offender) {
         std::fprintf(stderr, "norvix-hald: what is \"%s\"? Try --help.\n",
-            hal::visibleText(offender).c_str());
+            hal::visibleText(*options.offender).c_str());
         return badUsage;
     }
-    if (options->task == hal::Options::Task::Help) {
+    if (options.task == hal::Options::Task::Help) {
         const std::string_view text = hal::helpText();
-        return std::fwrite(text.data(), text.size(), 1, stdout) == 1 ? 0 : 1;
+        return std::fwrite(text.data(), text.size(), 1, stdout) == 1 ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     const hal::MonitorGroup group
-        = options->monitor ? *options->monitor : hal::defaultMonitor(hal::udevRuns());
+        = options.monitor ? *options.monitor : hal::defaultMonitor(hal::udevRuns());
     std::unique_ptr<hal::UdevSource> source = hal::UdevSource::open(group);
     if (!source) {
         std::fprintf(
             stderr, "norvix-hald: no events from %s: %s\n", hal::nameOf(group), strerror(errno));
-        return 1;
+        return EXIT_FAILURE;
     }
     hal::Service service(std::move(source), group, knownDevicesPath());
-    return options->task == hal::Options::Task::List ? service.list() : service.run();
+    return options.task == hal::Options::Task::List ? service.list() : service.run();
 }

@@ -3,8 +3,7 @@
 
 namespace hal {
 
-std::optional<Options> optionsFrom(
-    const std::vector<std::string_view> &arguments, std::string *offender)
+Options optionsFrom(const std::vector<std::string_view> &arguments)
 {
     Options options;
     for (const std::string_view argument : arguments) {
@@ -21,8 +20,8 @@ std::optional<Options> optionsFrom(
         } else if (argument == "--monitor=auto") {
             options.monitor.reset();
         } else {
-            *offender = argument;
-            return std::nullopt;
+            options.offender = argument;
+            return options;
         }
     }
     return options;

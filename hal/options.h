@@ -28,12 +28,11 @@ struct Options
 
     Task task = Task::Serve;
     std::optional<MonitorGroup> monitor; ///< empty: chosen by what the system has
+    std::optional<std::string> offender; ///< the word that is not understood
 };
 
-/// Understands the arguments (without the program's name). Empty when one is not understood; then
-/// @p offender names it.
-std::optional<Options> optionsFrom(
-    const std::vector<std::string_view> &arguments, std::string *offender);
+/// Understands the arguments (without the program's name), up to one that it does not.
+Options optionsFrom(const std::vector<std::string_view> &arguments);
 
 /// The text of --help.
 std::string_view helpText();

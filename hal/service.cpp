@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -53,14 +54,14 @@ int Service::list()
 {
     Announcements news;
     if (!takeStock(&news)) {
-        return 1;
+        return EXIT_FAILURE;
     }
     for (const HalObject *object : m_devices.objects()) {
         const std::string place = visibleText(textOf(*object, "linux.sysfs_path"));
         const std::string name = visibleText(textOf(*object, "info.product"));
         std::printf("%s\t%s\t%s\n", visibleText(object->udi).c_str(), place.c_str(), name.c_str());
     }
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    return std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int Service::run()
@@ -71,26 +72,26 @@ int Service::run()
     }
     if (result < 0) {
         log("cannot reach the system bus: %s", std::strerror(-result));
-        return 1;
+        return EXIT_FAILURE;
     }
     Announcements news;
     if (!takeStock(&news)) {
-        return 1;
+        return EXIT_FAILURE;
     }
     result = m_bus.ownName();
     if (result == -EEXIST) {
         log("another service offers org.freedesktop.Hal on this bus, stepping aside.");
-        return 0;
+        return EXIT_SUCCESS;
     }
     if (result < 0) {
         log("the bus refuses the name org.freedesktop.Hal: %s", std::strerror(-result));
-        return 1;
+        return EXIT_FAILURE;
     }
     log("listening to the events of %s, %zu objects.",
         m_group == MonitorGroup::Udev ? "udev" : "the kernel", m_devices.objects().size());
     tell(news);
     remember();
-    return sd_event_loop(m_loop.get()) == 0 ? 0 : 1;
+    return sd_event_loop(m_loop.get()) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 /// Learns what is present. A first run announces nothing, its clients ask for the list; a later one
@@ -149,7 +150,7 @@ int Service::handleEvents()
     UdevSource::Batch batch = m_source->receive();
     if (batch.error != 0) {
         log("cannot receive events: %s", std::strerror(batch.error));
-        return sd_event_exit(m_loop.get(), 1);
+        return sd_event_exit(m_loop.get(), EXIT_FAILURE);
     }
     bool hasNews = false;
     const auto take = [&](const Announcements &news) {

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <cstdio>
+#include <cstdlib>
 
 namespace keeper {
 
@@ -85,7 +86,7 @@ void Keeper::finish()
 void Keeper::busLost()
 {
     std::fputs("norvix-keeper: the system bus has gone.\n", stderr);
-    QCoreApplication::exit(1);
+    QCoreApplication::exit(EXIT_FAILURE);
 }
 
 // ---- events and actions

@@ -13,24 +13,25 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <sys/signalfd.h>
 
 namespace {
 
+constexpr int badUsage = 2; // the exit status for words that are not understood
 constexpr char settingsPath[] = "/etc/norvix-keeper.conf";
 
 keeper::Pauses readSettings()
 {
     QFile file(QString::fromLatin1(settingsPath));
-    QStringList problems;
     const bool isThere = file.open(QIODevice::ReadOnly);
-    const keeper::Pauses pauses
-        = keeper::pausesFrom(isThere ? file.read(1 << 16) : QByteArray(), &problems);
-    for (const QString &problem : problems) {
+    const keeper::Settings settings
+        = keeper::settingsFrom(isThere ? file.read(1 << 16) : QByteArray());
+    for (const QString &problem : settings.problems) {
         std::fprintf(stderr, "norvix-keeper: %s, %s.\n", settingsPath, qPrintable(problem));
     }
-    return pauses;
+    return settings.pauses;
 }
 
 /// systemd names the folder; without it, it is the one that the package makes.
@@ -54,7 +55,7 @@ int endingSignals()
 int failed(const char *what, const QString &why)
 {
     std::fprintf(stderr, "norvix-keeper: %s: %s\n", what, qPrintable(why));
-    return 1;
+    return EXIT_FAILURE;
 }
 
 } // namespace
@@ -67,7 +68,7 @@ int main(int argc, char **argv)
             "Usage: norvix-keeper\n\nKeeps the connection of norvix-daemon that somebody asked "
             "for, "
             "and its history.\n");
-        return isHelp ? 0 : 2;
+        return isHelp ? EXIT_SUCCESS : badUsage;
     }
     const int endings = endingSignals();
     const QCoreApplication application(argc, argv);

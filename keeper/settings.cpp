@@ -59,9 +59,9 @@ QString take(const QByteArray &line, Pauses *pauses)
 
 } // namespace
 
-Pauses pausesFrom(const QByteArray &text, QStringList *problems)
+Settings settingsFrom(const QByteArray &text)
 {
-    Pauses pauses;
+    Settings settings;
     int number = 0;
     for (const QByteArray &whole : text.split('\n')) {
         ++number;
@@ -69,12 +69,12 @@ Pauses pausesFrom(const QByteArray &text, QStringList *problems)
         if (line.isEmpty() || line.startsWith('#')) {
             continue;
         }
-        const QString problem = take(line, &pauses);
+        const QString problem = take(line, &settings.pauses);
         if (!problem.isEmpty()) {
-            problems->append(QStringLiteral("line %1: %2").arg(number).arg(problem));
+            settings.problems.append(QStringLiteral("line %1: %2").arg(number).arg(problem));
         }
     }
-    return pauses;
+    return settings;
 }
 
 } // namespace keeper

@@ -9,8 +9,13 @@
 
 namespace keeper {
 
-/// The pauses by the text of the settings file: one "key = seconds" a line; what is not set keeps
-/// its default. What is not understood is left out and told in @p problems, one sentence each.
-Pauses pausesFrom(const QByteArray &text, QStringList *problems);
+struct Settings
+{
+    Pauses pauses;
+    QStringList problems; ///< what was not understood and is left out, one sentence each
+};
+
+/// By the text of the settings file: one "key = seconds" a line; what is not set keeps its default.
+Settings settingsFrom(const QByteArray &text);
 
 } // namespace keeper

@@ -2,30 +2,23 @@
 """What stands for a service of the desktop: a name on the session bus, answered by the test's process."""
 from jeepney import DBusAddress, HeaderFields, MessageType, new_error, new_method_return, new_signal
 
-from ..machine.bus_client import Client
+from ..machine.played_service import PlayedService
 
 PROPERTIES = "org.freedesktop.DBus.Properties"
 INTROSPECTABLE = "org.freedesktop.DBus.Introspectable"
-ALONE, RELEASED = 4, 1  # of RequestName: do not queue; of ReleaseName: it was ours
 
 
-class BusService(Client):
+class BusService(PlayedService):
     """A connection that owns NAME and answers calls. For each method of INTERFACE there is a function
     here named on_METHOD, which is given the caller's unique name and the arguments and returns
     (signature, values); it runs in the connection's own thread and may make no calls itself."""
 
-    NAME = PATH = INTERFACE = ""
+    PATH = INTERFACE = ""
 
     def __init__(self, sock, uid):
         self._frozen = False
         self._held_back = []
         super().__init__(sock, uid)
-
-    def take_name(self):
-        assert self.call_bus("RequestName", "su", self.NAME, ALONE) == 1, self.NAME + " is taken"
-
-    def leave_name(self):
-        assert self.call_bus("ReleaseName", "s", self.NAME) == RELEASED
 
     def freeze(self):
         """From now on calls stay unanswered; what thaw does not answer, never is."""
@@ -55,12 +48,10 @@ class BusService(Client):
         return '<node><interface name="%s">%s</interface></node>' % (self.INTERFACE, properties)
 
     def _take(self, message, now):
-        if message.header.message_type is not MessageType.method_call:
-            super()._take(message, now)
-        elif self._frozen:
+        if self._frozen and message.header.message_type is MessageType.method_call:
             self._held_back.append(message)
         else:
-            self._answer(message)
+            super()._take(message, now)
 
     def _answer(self, message):
         fields = message.header.fields

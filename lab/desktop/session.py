@@ -222,6 +222,7 @@ class Session:
 
     def click(self, element):
         """Clicks into the middle of it."""
+        self.window.find(states={"active"})  # before that the window manager may still move it
         x, y, width, height = self._place_of(element)
         self._use("mousemove", x + width // 2, y + height // 2, "click", 1)
 

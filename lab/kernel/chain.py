@@ -138,6 +138,16 @@ class Chain:
         system.write_peer("norvix" if protocol == "PPPoE" else "norvix-pppoa", login, replace)
         system.write_account(login, password)
 
+    def make_ready(self, kind="cxacru", protocol="PPPoE", settings=None, provider=None, **account):
+        """A modem in use with its line up, an account, a provider, and a daemon that has not connected
+        yet. settings and provider: more for configure() and start_provider()."""
+        self.configure(kind, protocol, **(settings or {}))
+        self.write_account(protocol, **account)
+        self.start_provider(protocol, **(provider or {}))
+        self.plug(kind)
+        self.wait_line_up()
+        return self.start_daemon()
+
     def start_daemon(self, *arguments):
         self._starts += 1
         if self.client is None:

@@ -20,12 +20,7 @@ class Kept:
     def __init__(self, chain, protocol, settings=""):
         self.chain = chain
         self.protocol = protocol
-        chain.configure("cxacru", protocol)
-        chain.write_account(protocol)
-        chain.start_provider(protocol)
-        chain.plug("cxacru")
-        chain.wait_line_up()
-        self.client = chain.start_daemon()
+        self.client = chain.make_ready(protocol=protocol)
         # A link that has lasted a minute is tried for at once; these have not.
         self.keeper = chain.start_keeper("pause_hung_up = 0\n" + settings)
 

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """HAL as a test scripts it: devices that come and go, answers that hang, lie or never come."""
-from jeepney import DBusAddress, HeaderFields, MessageType, new_error, new_method_return, new_signal
+from jeepney import DBusAddress, HeaderFields, new_error, new_method_return, new_signal
 
-from .bus_client import Client
+from .played_service import PlayedService
 
 SERVICE = "org.freedesktop.Hal"
 MANAGER_PATH, MANAGER = "/org/freedesktop/Hal/Manager", "org.freedesktop.Hal.Manager"
@@ -10,10 +10,12 @@ DEVICE = "org.freedesktop.Hal.Device"
 DEVICES = "/org/freedesktop/Hal/devices/"
 
 
-class FakeHal(Client):
+class FakeHal(PlayedService):
     """Owns HAL's name. devices maps a device's identifier to its properties: key to a value, which is
     answered as int32 (int) or string, or to (signature, body) for any other answer. silent is the set
     of methods that are never answered; calls records (method, path, arguments)."""
+
+    NAME = SERVICE
 
     def __init__(self, sock, uid):
         self.devices = {}
@@ -21,20 +23,6 @@ class FakeHal(Client):
         self.answer_to_list = None  # (signature, body) instead of the list
         self.calls = []
         super().__init__(sock, uid)
-
-    @classmethod
-    def start(cls, machine, take_name=True):
-        """Connects to the machine's bus, of whose names SERVICE must be one."""
-        hal = machine.client(kind=cls)
-        if take_name:
-            hal.take_name()
-        return hal
-
-    def take_name(self):
-        assert self.call_bus("RequestName", "su", SERVICE, 4) == 1
-
-    def leave_name(self):
-        self.call_bus("ReleaseName", "s", SERVICE)
 
     def plug(self, name, vendor=None, product=None, announce=True, **more):
         """A device appears. Without ids it is one of the many that are no USB device."""
@@ -57,17 +45,12 @@ class FakeHal(Client):
         emitter = DBusAddress(MANAGER_PATH, interface=MANAGER)
         self.send(new_signal(emitter, signal, signature, (udi,)))
 
-    def _take(self, message, now):
-        if message.header.message_type is not MessageType.method_call:
-            super()._take(message, now)
-            return
+    def _answer(self, message):
         fields = message.header.fields
         method, path = fields[HeaderFields.member], fields[HeaderFields.path]
         self.calls.append((method, path, tuple(message.body)))
-        if method not in self.silent:
-            self._answer(message, method, path)
-
-    def _answer(self, message, method, path):
+        if method in self.silent:
+            return
         if method == "GetAllDevices":
             signature, body = self.answer_to_list or ("as", (list(self.devices),))
             self.send(new_method_return(message, signature, body))

@@ -7,10 +7,10 @@ import socket
 import time
 from pathlib import Path
 
-from jeepney import DBusAddress, HeaderFields, MessageType, new_method_return, new_signal
+from jeepney import DBusAddress, HeaderFields, new_method_return, new_signal
 
-from .bus_client import Client
 from .furnishing import NORVIX_GROUP
+from .played_service import PlayedService
 from ..waiting import PATIENCE, NotHappened, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[2]
@@ -161,7 +161,7 @@ class Keeper(KeeperOnTheBus):
         return self.process.wait()
 
 
-class FakeLogind(Client):
+class FakeLogind(PlayedService):
     """Owns the name of the log-in service, which has to be one of the bus's names."""
 
     NAME, PATH = "org.freedesktop.login1", "/org/freedesktop/login1"
@@ -171,23 +171,13 @@ class FakeLogind(Client):
         self._ends = []  # a reading end for each that was handed out
         super().__init__(sock, uid)
 
-    @classmethod
-    def start(cls, machine):
-        service = machine.client(kind=cls)
-        assert service.call_bus("RequestName", "su", cls.NAME, 4) == 1
-        return service
-
     def _authenticate(self, uid):
         """Like any client, and asks that descriptors may be passed."""
         super()._authenticate(uid, b"NEGOTIATE_UNIX_FD\r\n")
 
-    def _take(self, message, now):
-        if message.header.message_type is not MessageType.method_call:
-            super()._take(message, now)
-        elif message.header.fields[HeaderFields.member] == "Inhibit":
-            self._hand_out(message)
-
-    def _hand_out(self, message):
+    def _answer(self, message):
+        if message.header.fields[HeaderFields.member] != "Inhibit":
+            return
         mine, theirs = os.pipe()
         self._ends.append(mine)
         reply = new_method_return(message, "h", (theirs,))

@@ -116,3 +116,34 @@ class Pppd:
     def trigger(self, name):
         """Lets the wait_for steps of that name go on."""
         (self._triggers / name).touch()
+
+
+class PlayedProvider:
+    """What becomes of attempts to connect, and of the link that one of them has brought."""
+
+    def __init__(self, pppd):
+        self._pppd = pppd
+        self._links = 0
+        self.answer()
+
+    def answer(self):
+        """The next attempts come up; hang_up ends the link that the last one of them brought."""
+        self._links += 1
+        self._pppd.script(
+            link_up() + [wait_for("hang-up-%d" % self._links), out("LCP terminated by peer\n"),
+                         out("Connection terminated.\n"), end(16)], mode="updetach")
+
+    def hang_up(self):
+        """The link ends; the next attempt comes up again."""
+        ending = self._links
+        self.answer()
+        self._pppd.trigger("hang-up-%d" % ending)
+
+    def refuse(self):
+        """The next attempts are refused for their account."""
+        self._pppd.play("c1-chap-wrong-password", speed=50)
+
+    def be_silent(self):
+        """Nobody answers the next attempts."""
+        self._pppd.script([out("Plugin pppoe.so loaded.\n"), out("Timeout waiting for PADO packets\n"),
+                           out("Unable to complete PPPoE Discovery\n"), end(24)])

@@ -12,14 +12,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (const QByteArray &word : words) {
         arguments.emplace_back(word.constData(), size_t(word.size()));
     }
-    std::string offender = "none";
-    if (const auto options = hal::optionsFrom(arguments, &offender)) {
-        require(offender == "none");
-        require(options->task != hal::Options::Task::Help || words.contains("--help")
-            || words.contains("-h"));
+    const hal::Options options = hal::optionsFrom(arguments);
+    if (options.offender) {
+        require(
+            std::find(arguments.begin(), arguments.end(), *options.offender) != arguments.end());
+        require(*options.offender != "--list" && *options.offender != "--help");
     } else {
-        require(std::find(arguments.begin(), arguments.end(), offender) != arguments.end());
-        require(offender != "--list" && offender != "--help");
+        require(options.task != hal::Options::Task::Help || words.contains("--help")
+            || words.contains("-h"));
     }
     return 0;
 }

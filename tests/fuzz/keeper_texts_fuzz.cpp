@@ -18,7 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     keeper::versionInHeader(text);
     keeper::lineQuality([&text](const char *) { return std::optional<QByteArray>(text); });
     keeper::Stored::from(text);
-    QStringList problems;
-    keeper::pausesFrom(text, &problems);
+    keeper::settingsFrom(text);
     return 0;
 }

@@ -12,22 +12,13 @@ from lab.waiting import wait_until
 DISCOVERY_SECONDS = 90
 
 
-def ready(chain, protocol="PPPoE", authentication="chap", extra=(), **account):
-    """A modem with its line up, a provider, and a daemon that has not connected yet."""
-    chain.configure("cxacru", protocol)
-    chain.write_account(protocol, **account)
-    chain.start_provider(protocol, authentication=authentication, extra=extra)
-    chain.plug("cxacru")
-    chain.wait_line_up()
-    return chain.start_daemon()
-
-
 @pytest.mark.parametrize("protocol, authentication", [
     pytest.param("PPPoE", "chap", marks=pytest.mark.quick), ("PPPoE", "pap"), ("PPPoE", "mschap-v2"), ("PPPoA", "chap"),
     ("PPPoA", "pap")])
 def test_a_refused_password_is_reported_and_the_corrected_one_connects(
         chain, protocol, authentication):
-    client = ready(chain, protocol, authentication, password="wrong")
+    client = chain.make_ready(protocol=protocol, provider={"authentication": authentication},
+                              password="wrong")
     client.call("establishConnection")
     client.wait_signal("invalidAccountData", timeout=60)
     client.wait_signal("connectionState", where=lambda state: state == 2, timeout=60)
@@ -41,7 +32,7 @@ def test_a_refused_password_is_reported_and_the_corrected_one_connects(
 
 
 def test_an_account_set_over_the_bus_takes_the_place_of_an_unknown_login(chain):
-    client = ready(chain, login="nobody", password="nothing")
+    client = chain.make_ready(login="nobody", password="nothing")
     client.call("establishConnection")
     client.wait_signal("invalidAccountData", timeout=60)
     client.wait_signal("connectionState", timeout=60)
@@ -52,7 +43,7 @@ def test_an_account_set_over_the_bus_takes_the_place_of_an_unknown_login(chain):
 
 
 def test_a_provider_that_says_permission_denied_is_believed(chain):
-    client = ready(chain, extra=[make_denying_plugin("/var/lib")])
+    client = chain.make_ready(provider={"extra": [make_denying_plugin("/var/lib")]})
     mark = client.mark()
     client.call("establishConnection")
     client.wait_signal("invalidAccountData", timeout=60, after=mark)
@@ -63,7 +54,7 @@ def test_a_provider_that_says_permission_denied_is_believed(chain):
 
 
 def test_no_concentrator_is_a_timeout_and_pppd_is_ended(chain):
-    client = ready(chain)
+    client = chain.make_ready()
     chain.provider.fall_silent()
     mark = client.mark()
     client.call("establishConnection")
@@ -85,7 +76,7 @@ def check_that_the_end_is_told(chain, client):
 
 
 def test_after_the_provider_has_hung_up_the_client_is_told_when_it_asks(chain):
-    client = ready(chain)
+    client = chain.make_ready()
     chain.connect()
     chain.wait_state(0)
     chain.provider.hang_up()
@@ -94,7 +85,7 @@ def test_after_the_provider_has_hung_up_the_client_is_told_when_it_asks(chain):
 
 
 def test_over_atm_unanswered_echoes_tell_that_the_provider_is_gone(chain):
-    client = ready(chain, "PPPoA")
+    client = chain.make_ready(protocol="PPPoA")
     chain.connect()
     chain.wait_state(0)
     chain.provider.fall_silent()
@@ -104,7 +95,7 @@ def test_over_atm_unanswered_echoes_tell_that_the_provider_is_gone(chain):
 
 
 def test_over_atm_a_provider_that_starts_anew_finds_the_same_connection(chain):
-    client = ready(chain, "PPPoA")
+    client = chain.make_ready(protocol="PPPoA")
     chain.connect()
     chain.wait_state(0)
     pppd = system.processes("pppd")

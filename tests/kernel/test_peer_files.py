@@ -7,17 +7,8 @@ from lab.kernel import system
 THREAD_SECONDS = 150
 
 
-def ready(chain, **account):
-    chain.configure("cxacru")
-    chain.write_account(**account)
-    chain.start_provider()
-    chain.plug("cxacru")
-    chain.wait_line_up()
-    return chain.start_daemon()
-
-
 def test_with_nodetach_the_thread_follows_for_a_while_and_the_connection_stays(chain):
-    client = ready(chain, replace=[("updetach\n", "nodetach\n")])
+    client = chain.make_ready(replace=[("updetach\n", "nodetach\n")])
     mark = chain.connect()
     client.wait_signal("transmissionBytes", after=mark)
     client.wait_signal("connectionState", after=mark, timeout=THREAD_SECONDS)
@@ -30,7 +21,7 @@ def test_with_nodetach_the_thread_follows_for_a_while_and_the_connection_stays(c
 
 
 def test_arguments_from_the_settings_reach_pppd(chain):
-    client = ready(chain)
+    client = chain.make_ready()
     chain.configure("cxacru", pppd_arguments="mtu, 1400")
     chain.connect()
     assert client.call("getConnectionState") in (0, 1)
@@ -38,7 +29,7 @@ def test_arguments_from_the_settings_reach_pppd(chain):
 
 
 def test_a_peer_file_that_needs_what_is_not_there_leaves_everything_as_it_was(chain):
-    client = ready(chain, replace=[("nic-nas0\n", "nic-nas9\n")])
+    client = chain.make_ready(replace=[("nic-nas0\n", "nic-nas9\n")])
     client.call("establishConnection")
     client.wait_signal("connectionState", where=lambda state: state == 2, timeout=60)
     assert "connectionEstablished" not in client.names()

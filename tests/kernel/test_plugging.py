@@ -116,11 +116,6 @@ def test_a_modem_that_was_never_adopted_is_reported_gone(chain):
 
 
 def test_a_plugged_modem_connects_at_boot(chain):
-    chain.configure("cxacru", connect_at_boot=True)
-    chain.write_account()
-    chain.start_provider()
-    chain.plug("cxacru")
-    chain.wait_line_up()
-    chain.start_daemon()
+    chain.make_ready(settings={"connect_at_boot": True})
     chain.wait_state(0, 90)
     assert "modem is plugged in, connect at boot." in chain.daemon_log()

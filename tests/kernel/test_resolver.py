@@ -10,17 +10,8 @@ from lab.waiting import wait_until
 PEER_DNS = "usepeerdns\n"
 
 
-def ready(chain, **account):
-    chain.configure("cxacru")
-    chain.write_account(**account)
-    chain.start_provider()
-    chain.plug("cxacru")
-    chain.wait_line_up()
-    return chain.start_daemon()
-
-
 def test_a_usable_configuration_is_left_alone(chain):
-    client = ready(chain, replace=[(PEER_DNS, "")])
+    client = chain.make_ready(replace=[(PEER_DNS, "")])
     mark = chain.connect()
     client.wait_signal("connectionState", after=mark)
     client.expect_no_signal("incorrectDNS")
@@ -30,7 +21,7 @@ def test_a_usable_configuration_is_left_alone(chain):
 @pytest.mark.quick
 def test_a_configuration_without_servers_is_reported_and_repaired(chain):
     system.RESOLVER.write_text("search lab\n")
-    client = ready(chain, replace=[(PEER_DNS, "")])
+    client = chain.make_ready(replace=[(PEER_DNS, "")])
     mark = chain.connect()
     client.wait_signal("incorrectDNS", after=mark)
     assert client.wait_signal("settingOpenDNS", after=mark).args == (True,)
@@ -45,7 +36,7 @@ def test_a_configuration_without_servers_is_reported_and_repaired(chain):
 
 
 def test_the_servers_that_the_provider_names_arrive(chain):
-    client = ready(chain)
+    client = chain.make_ready()
     chain.connect()
     wait_until(lambda: all(server in system.RESOLVER.read_text() for server in NAMESERVERS),
                what="the provider's servers are configured",

@@ -15,12 +15,7 @@ DAILY_LOGS = pathlib.Path("/var/log/norvix")
 
 
 def connected(chain, kind="cxacru"):
-    chain.configure(kind)
-    chain.write_account()
-    chain.start_provider()
-    chain.plug(kind)
-    chain.wait_line_up()
-    client = chain.start_daemon()
+    client = chain.make_ready(kind)
     chain.connect()
     chain.wait_state(0)
     return client

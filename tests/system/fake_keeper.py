@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 """A keeper, or another name on the bus, that answers what it is told to, or nothing."""
-from jeepney import HeaderFields, MessageType, new_error, new_method_return
+from jeepney import HeaderFields, new_error, new_method_return
 
 from lab.machine import keeper_service
-from lab.machine.bus_client import Client
+from lab.machine.played_service import PlayedService
 
 CONNECTED = {
     "State": ("s", "connected"), "Wanted": ("b", True), "Keep": ("b", True), "Reason": ("s", ""),
@@ -11,7 +11,7 @@ CONNECTED = {
     "ForeignLinks": ("as", []), "History": ("s", "ok"), "LimitReached": ("b", False)}
 
 
-class FakeService(Client):
+class FakeService(PlayedService):
     """answers: by a method's name the signature and the values of its reply, or an error's name and
     text, or nothing, for a method that hangs. All others are refused as unknown."""
 
@@ -23,14 +23,12 @@ class FakeService(Client):
     @classmethod
     def start(cls, machine, name, **answers):
         service = machine.client(kind=cls)
+        service.NAME = name
         service.answers.update(answers)
-        assert service.call_bus("RequestName", "su", name, 4) == 1
+        service.take_name()
         return service
 
-    def _take(self, message, now):
-        if message.header.message_type is not MessageType.method_call:
-            super()._take(message, now)
-            return
+    def _answer(self, message):
         member = message.header.fields[HeaderFields.member]
         self.asked.append((member, *message.body))
         unknown = ("org.freedesktop.DBus.Error.UnknownMethod", "no such method")

@@ -5,13 +5,13 @@ import pytest
 from lab.machine import fake_hal, keeper_service
 from lab.machine.fake_hal import FakeHal
 from lab.machine.keeper_service import FakeLogind, Keeper
-from lab.machine.pppd_script import end, link_up, out, wait_for
+from lab.machine.pppd_script import PlayedProvider
 from lab.waiting import wait_until
 
 SPEEDTOUCH = (0x06B9, 0x4061)
 
 
-class World:
+class World(PlayedProvider):
     """Everything that a connection needs, and what happens to it."""
 
     def __init__(self, machine, settings="", protocol="PPPoA", names=()):
@@ -26,8 +26,7 @@ class World:
         for name in ("norvix", "norvix_unicorn"):
             machine.path("/etc/ppp/peers/" + name).write_text('user "login"\n', encoding="ascii")
         machine.kernel_log.line_up(SPEEDTOUCH[0])
-        self._links = 0
-        self.answer()
+        super().__init__(machine.pppd)
         self.start_daemon()
         self.client = machine.client()
         self.keeper = None
@@ -39,30 +38,6 @@ class World:
     def start_keeper(self, **options):
         self.keeper = Keeper(self.machine, **options)
         return self.keeper
-
-    # ---- the provider
-
-    def answer(self):
-        """The next attempts come up; hang_up ends the link that the last one of them brought."""
-        self._links += 1
-        self.machine.pppd.script(
-            link_up() + [wait_for("hang-up-%d" % self._links), out("LCP terminated by peer\n"),
-                         out("Connection terminated.\n"), end(16)], mode="updetach")
-
-    def hang_up(self):
-        """The link ends; the next attempt comes up again."""
-        ending = self._links
-        self.answer()
-        self.machine.pppd.trigger("hang-up-%d" % ending)
-
-    def be_silent(self):
-        """Nobody answers the next attempts."""
-        self.machine.pppd.script([out("Plugin pppoe.so loaded.\n"),
-                                  out("Timeout waiting for PADO packets\n"),
-                                  out("Unable to complete PPPoE Discovery\n"), end(24)])
-
-    def refuse(self):
-        self.machine.pppd.play("c1-chap-wrong-password", speed=50)
 
     # ---- what one does and sees
 

@@ -16,3 +16,15 @@ template <typename... Columns, typename... Names> auto table(Names... names)
         ((row << values), ...);
     };
 }
+
+/// The same for texts, each of which is its row's name as well: the first column.
+///     const auto row = tableOfTexts<QString, int>("written", "number");
+///     row("0x1110", 0);
+template <typename Text, typename... Columns, typename... Names> auto tableOfTexts(Names... names)
+{
+    const auto row = table<Text, Columns...>(names...);
+    return [row](const Text &text, const Columns &...values) {
+        const QByteArray name = QVariant(text).toByteArray().replace('\n', "\\n");
+        row(name.isEmpty() ? "nothing" : name.constData(), text, values...);
+    };
+}

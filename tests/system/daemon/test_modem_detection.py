@@ -492,7 +492,7 @@ def test_of_a_silent_hal_that_dies_the_next_one_answers(hal_machine, hal):
     silenced(hal, client, udi)
     devices = hal.devices
     hal.close()
-    again = FakeHal.start(hal_machine, take_name=False)
+    again = hal_machine.client(kind=FakeHal)
     again.devices = devices
     again.take_name()
     assert client.wait_signal("newModemPlugged").args == ("Thomson Speedtouch 330",)

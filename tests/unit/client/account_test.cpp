@@ -6,6 +6,7 @@
 #include "client/pppd_words.h"
 #include "network/account_files.h"
 #include "test_data.h"
+#include "test_table.h"
 
 #include <QRandomGenerator>
 #include <QRegExp>
@@ -89,36 +90,27 @@ private slots:
 
     void harmfulValuesAreRefused_data()
     {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("objection"); // empty: it is let through
-        QTest::newRow("usual") << "user@isp"
-                               << "";
-        QTest::newRow("fifty") << QString(50, QLatin1Char('x')) << "";
-        QTest::newRow("blanks and signs") << "a b $%&'#*"
-                                          << "";
-        QTest::newRow("letters of other languages") << QStringLiteral("müller") << "";
-        QTest::newRow("empty") << ""
-                               << "is empty";
-        QTest::newRow("fifty-one") << QString(51, QLatin1Char('x')) << "51 characters";
-        QTest::newRow("line feed") << "a\nplugin /tmp/x.so"
-                                   << "line feed";
-        QTest::newRow("carriage return") << "a\rb"
-                                         << "line feed";
-        QTest::newRow("quote") << "a\"b"
-                               << "";
-        QTest::newRow("backslash") << "a\\1"
-                                   << "";
-        QTest::newRow("forty-nine and a backslash")
-            << QString(49, QLatin1Char('x')) + QLatin1Char('\\') << "51 characters in pppd's files";
-        QTest::newRow("a surrogate without its half") << QString(QChar(0xD800)) << "not valid text";
-        QTest::newRow("beyond sixteen bits") << QStringLiteral("\U0001F511") << "";
-        QTest::newRow("escape") << "a\x1b"
-                                << "control character";
-        QTest::newRow("NUL") << QString(QStringLiteral("a") + QChar(0)) << "control character";
-        QTest::newRow("delete") << "a\x7f"
-                                << "control character";
-        QTest::newRow("C1") << QString(QChar(0x85)) << "control character";
-        QTest::newRow("broken UTF-8") << QString::fromUtf8("a\xff") << "not valid text";
+        // No objection: it is let through.
+        const auto row = table<QString, QString>("value", "objection");
+        row("usual", "user@isp", "");
+        row("fifty", QString(50, QLatin1Char('x')), "");
+        row("blanks and signs", "a b $%&'#*", "");
+        row("letters of other languages", QStringLiteral("müller"), "");
+        row("empty", "", "is empty");
+        row("fifty-one", QString(51, QLatin1Char('x')), "51 characters");
+        row("line feed", "a\nplugin /tmp/x.so", "line feed");
+        row("carriage return", "a\rb", "line feed");
+        row("quote", "a\"b", "");
+        row("backslash", "a\\1", "");
+        row("forty-nine and a backslash", QString(49, QLatin1Char('x')) + QLatin1Char('\\'),
+            "51 characters in pppd's files");
+        row("a surrogate without its half", QString(QChar(0xD800)), "not valid text");
+        row("beyond sixteen bits", QStringLiteral("\U0001F511"), "");
+        row("escape", "a\x1b", "control character");
+        row("NUL", QString(QStringLiteral("a") + QChar(0)), "control character");
+        row("delete", "a\x7f", "control character");
+        row("C1", QString(QChar(0x85)), "control character");
+        row("broken UTF-8", QString::fromUtf8("a\xff"), "not valid text");
     }
     void harmfulValuesAreRefused()
     {
@@ -150,25 +142,17 @@ private slots:
 
     void pppdsWordsAreReadAsPppdReadsThem_data()
     {
-        QTest::addColumn<QString>("word");
-        QTest::addColumn<QString>("read"); // recorded from pppd
-        QTest::newRow("plain") << "a b#c"
-                               << "a b#c";
-        QTest::newRow("letters") << "\\a\\b\\f\\n\\r\\s\\t"
-                                 << "\a\b\f\n\r \t";
-        QTest::newRow("other signs") << "\\_\\e\\\"\\\\\\8"
-                                     << "_e\"\\8";
-        QTest::newRow("octal") << "\\1\\42z\\0421\\1341"
-                               << "\x01\"z\"1\\1";
-        QTest::newRow("hexadecimal") << "\\x5c1\\x5cg\\xag"
-                                     << "\\1\\g\ng";
-        QTest::newRow("bytes of a character") << "\\303\\244" << QStringLiteral("ä");
-        QTest::newRow("zero ends it") << "a\\0b"
-                                      << "a";
-        QTest::newRow("no digits") << "a\\xyz"
-                                   << "a";
-        QTest::newRow("too large") << "a\\400b"
-                                   << "a";
+        // What is read was recorded from pppd.
+        const auto row = table<QString, QString>("word", "read");
+        row("plain", "a b#c", "a b#c");
+        row("letters", "\\a\\b\\f\\n\\r\\s\\t", "\a\b\f\n\r \t");
+        row("other signs", "\\_\\e\\\"\\\\\\8", "_e\"\\8");
+        row("octal", "\\1\\42z\\0421\\1341", "\x01\"z\"1\\1");
+        row("hexadecimal", "\\x5c1\\x5cg\\xag", "\\1\\g\ng");
+        row("bytes of a character", "\\303\\244", QStringLiteral("ä"));
+        row("zero ends it", "a\\0b", "a");
+        row("no digits", "a\\xyz", "a");
+        row("too large", "a\\400b", "a");
     }
     void pppdsWordsAreReadAsPppdReadsThem()
     {
@@ -213,22 +197,17 @@ private slots:
 
     void mendingMovesTheNewestEntryToTheBeginning_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("after");
-        QTest::newRow("comments first")
-            << QByteArray("# c\n\"a\" * \"b\" *\n") << QByteArray("\"a\" * \"b\" *\n# c\n");
-        QTest::newRow("older entries of the login go")
-            << QByteArray("# c\n\"a\" * \"1\" *\n\"x\" * \"y\" *\n\"a\" * \"2\" *\n")
-            << QByteArray("\"a\" * \"2\" *\n# c\n\"x\" * \"y\" *\n");
-        QTest::newRow("others' lines stay")
-            << QByteArray("# c\nguest isp secret\n\"a\" * \"b\" *\n")
-            << QByteArray("\"a\" * \"b\" *\n# c\nguest isp secret\n");
-        QTest::newRow("no entry: a placeholder")
-            << QByteArray("# c\n") << QByteArray("\"login\" * \"password\" *\n# c\n");
-        QTest::newRow("empty: a placeholder")
-            << QByteArray() << QByteArray("\"login\" * \"password\" *\n");
-        QTest::newRow("bytes of another character set stay") << QByteArray(
-            "# \xe4\n\"\xfc\" * \"\xff\" *\n") << QByteArray("\"\xfc\" * \"\xff\" *\n# \xe4\n");
+        const auto row = table<QByteArray, QByteArray>("before", "after");
+        row("comments first", "# c\n\"a\" * \"b\" *\n", "\"a\" * \"b\" *\n# c\n");
+        row("older entries of the login go",
+            "# c\n\"a\" * \"1\" *\n\"x\" * \"y\" *\n\"a\" * \"2\" *\n",
+            "\"a\" * \"2\" *\n# c\n\"x\" * \"y\" *\n");
+        row("others' lines stay", "# c\nguest isp secret\n\"a\" * \"b\" *\n",
+            "\"a\" * \"b\" *\n# c\nguest isp secret\n");
+        row("no entry: a placeholder", "# c\n", "\"login\" * \"password\" *\n# c\n");
+        row("empty: a placeholder", QByteArray(), "\"login\" * \"password\" *\n");
+        row("bytes of another character set stay", "# \xe4\n\"\xfc\" * \"\xff\" *\n",
+            "\"\xfc\" * \"\xff\" *\n# \xe4\n");
     }
     void mendingMovesTheNewestEntryToTheBeginning()
     {
@@ -271,28 +250,26 @@ private slots:
 
     void peerFilesAreJudged_data()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("isPppoe");
-        QTest::addColumn<QString>("fault"); // empty: none
+        // No fault: a good file.
+        const auto row = table<QByteArray, bool, QString>("content", "isPppoe", "fault");
         const QByteArray good = goodPeer;
         const auto without = [&](const char *line) { return QByteArray(good).replace(line, ""); };
-        QTest::newRow("good") << good << true << "";
-        QTest::newRow("nodetach is good, too")
-            << QByteArray(good).replace("updetach\nnoipv6\n", "nodetach\n") << true << "";
-        QTest::newRow("no plugin") << without("plugin pppoe.so\n") << true << "plugin pppoe.so";
-        QTest::newRow("a comment is no option")
-            << QByteArray(good).replace("plugin", "#plugin") << true << "plugin pppoe.so";
-        QTest::newRow("no interface") << without("nic-nas0\n") << true << "nic-nas0";
-        QTest::newRow("no updetach") << without("updetach\n") << true << "updetach";
-        QTest::newRow("no noipv6") << without("noipv6\n") << true << "noipv6";
-        QTest::newRow("no noauth") << without("noauth\n") << true << "noauth";
-        QTest::newRow("no user") << without("user \"me@isp\"\n") << true << "user";
-        QTest::newRow("logfile") << good + "logfile /tmp/x\n" << true << "logfile";
-        QTest::newRow("PPPoE's file for PPPoA") << good << false << "pppoatm.so";
+        row("good", good, true, "");
+        row("nodetach is good, too", QByteArray(good).replace("updetach\nnoipv6\n", "nodetach\n"),
+            true, "");
+        row("no plugin", without("plugin pppoe.so\n"), true, "plugin pppoe.so");
+        row("a comment is no option", QByteArray(good).replace("plugin", "#plugin"), true,
+            "plugin pppoe.so");
+        row("no interface", without("nic-nas0\n"), true, "nic-nas0");
+        row("no updetach", without("updetach\n"), true, "updetach");
+        row("no noipv6", without("noipv6\n"), true, "noipv6");
+        row("no noauth", without("noauth\n"), true, "noauth");
+        row("no user", without("user \"me@isp\"\n"), true, "user");
+        row("logfile", good + "logfile /tmp/x\n", true, "logfile");
+        row("PPPoE's file for PPPoA", good, false, "pppoatm.so");
         const QByteArray pppoa = "plugin pppoatm.so\n8.35\nuser \"u\"\nnoauth\nnodetach\n";
-        QTest::newRow("PPPoA") << pppoa << false << "";
-        QTest::newRow("another circuit")
-            << QByteArray(pppoa).replace("8.35", "1.32") << false << "8.35";
+        row("PPPoA", pppoa, false, "");
+        row("another circuit", QByteArray(pppoa).replace("8.35", "1.32"), false, "8.35");
     }
     void peerFilesAreJudged()
     {
@@ -324,25 +301,23 @@ private slots:
 
     void recordedAttemptsAreExplained_data()
     {
-        QTest::addColumn<QString>("meaning");
+        const auto row = table<QString>("meaning");
         const QString refused = QStringLiteral("The provider refused login or password.");
         const QString silent = QStringLiteral("No concentrator of the provider answered.");
-        QTest::newRow("b2-success-then-sigkill") << "The link came up.";
-        QTest::newRow("c1-chap-wrong-password") << refused;
-        QTest::newRow("c3-pap-wrong-password") << refused;
-        QTest::newRow("c4-mschapv2-wrong-password") << refused;
-        QTest::newRow("c5-chap-unknown-user") << refused;
-        QTest::newRow("c7-chap-permission-denied") << refused;
-        QTest::newRow("c2-chap-no-secret-for-user")
-            << "No password is stored for the login that the peer file names.";
-        QTest::newRow("d1-no-concentrator") << silent;
-        QTest::newRow("j5-pppoe-nas0-no-far-end") << silent;
-        QTest::newRow("e1-peer-hangs-up") << "The provider ended the connection.";
-        QTest::newRow("f1-no-noauth-in-peer")
-            << "pppd demanded that the provider authenticates itself.";
-        QTest::newRow("i3-pppoa-no-device")
-            << "There is no ATM device: the modem or its driver is missing.";
-        QTest::newRow("j6-pppoa-no-answer") << "The far end did not answer the PPP negotiation.";
+        row("b2-success-then-sigkill", "The link came up.");
+        row("c1-chap-wrong-password", refused);
+        row("c3-pap-wrong-password", refused);
+        row("c4-mschapv2-wrong-password", refused);
+        row("c5-chap-unknown-user", refused);
+        row("c7-chap-permission-denied", refused);
+        row("c2-chap-no-secret-for-user",
+            "No password is stored for the login that the peer file names.");
+        row("d1-no-concentrator", silent);
+        row("j5-pppoe-nas0-no-far-end", silent);
+        row("e1-peer-hangs-up", "The provider ended the connection.");
+        row("f1-no-noauth-in-peer", "pppd demanded that the provider authenticates itself.");
+        row("i3-pppoa-no-device", "There is no ATM device: the modem or its driver is missing.");
+        row("j6-pppoa-no-answer", "The far end did not answer the PPP negotiation.");
     }
     void recordedAttemptsAreExplained()
     {

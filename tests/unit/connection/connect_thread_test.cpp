@@ -5,6 +5,7 @@
 #include "connection/connect_thread.h"
 #include "connection/line_state.h"
 #include "support/process/debug.h"
+#include "test_files.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -26,12 +27,6 @@ int madeUpState()
         statesToCome.erase(statesToCome.begin());
     }
     return state;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 } // namespace

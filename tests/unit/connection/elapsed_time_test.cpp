@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The elapsed time in all the forms that ps prints.
 #include "connection/elapsed_time.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -30,12 +31,7 @@ private slots:
 
 void ElapsedTimeTest::psTextGivesTheTime_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("time");
-    const auto row = [](const char *text, const char *time) {
-        QTest::newRow(QByteArray(text).replace('\n', "\\n").constData())
-            << QString::fromLatin1(text) << QString::fromLatin1(time);
-    };
+    const auto row = tableOfTexts<QString, QString>("text", "time");
     row("      00:07\n", "0:0:7"); // as ps pads it
     row("05:07", "0:5:7");
     row("59:59", "0:59:59");

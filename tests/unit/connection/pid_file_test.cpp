@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Process ids and interface names from pid files of every make.
 #include "connection/pid_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -45,12 +46,9 @@ private:
 
 int PidFileTest::pidInFile(const QByteArray &content)
 {
-    QFile file(m_folder.filePath(QStringLiteral("x.pid")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-    }
-    file.close();
-    return readPidFile(file.fileName()).value_or(none);
+    const QString path = m_folder.filePath(QStringLiteral("x.pid"));
+    writeFile(path, content);
+    return readPidFile(path).value_or(none);
 }
 
 void PidFileTest::theFirstLineGivesTheId_data()
@@ -210,8 +208,7 @@ void PidFileTest::aFoldersListingIsInTheOrderOfNames()
     const QDir run(folder.path());
     for (const char *name :
         {"ppp7.pid", "sshd.pid", "ppp10.pid", "ppp2.pid", "crond.pid", "NAS0.pid"}) {
-        QFile file(run.filePath(QString::fromLatin1(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(run.filePath(QString::fromLatin1(name)));
     }
     QVERIFY(run.mkdir(QStringLiteral("dbus")));
     QCOMPARE(interfaceOfPidFiles(run.entryList()), QStringLiteral("ppp2"));

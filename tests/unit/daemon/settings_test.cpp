@@ -3,6 +3,7 @@
 #include "connection/pppd_command.h"
 #include "daemon/settings.h"
 #include "private_root.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QCoreApplication>
@@ -22,24 +23,10 @@ namespace {
 const QString folder = QStringLiteral("/opt/norvix");
 const QString path = QStringLiteral("/opt/norvix/.daemon_ng.ini");
 
-QByteArray fileText()
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
 /// Writes the file as another process would, and has the settings read again.
-void writeFile(const QByteArray &text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-        qFatal("cannot write %s", qPrintable(path));
-    }
-}
-
 void writeAndRead(const QByteArray &text)
 {
-    writeFile("[General]\n" + text);
+    writeFile(path, "[General]\n" + text);
     syncSettings(settings());
 }
 
@@ -118,12 +105,7 @@ void SettingsTest::aMissingFileGivesTheDefaults()
 
 void SettingsTest::aHandWrittenTextIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *written, const char *text) {
-        QTest::newRow(*written == '\0' ? "nothing" : written)
-            << QByteArray(written) << QString::fromLatin1(text);
-    };
+    const auto row = tableOfTexts<QByteArray, QString>("written", "text");
     row("PPPoE", "PPPoE");
     row(" PPPoE ", "PPPoE");
     row("\" PPPoE \"", " PPPoE ");
@@ -136,7 +118,7 @@ void SettingsTest::aHandWrittenTextIsRead_data()
     row("\"Sagem, E4\"", "Sagem, E4");
     row("a;b", "a"); // a comment begins
     row("\"a;b\"", "a;b");
-    row("caf\\xe9", "caf\xe9");
+    row("caf\\xe9", QStringLiteral("café"));
     row("/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial",
         "/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial");
 }
@@ -151,11 +133,7 @@ void SettingsTest::aHandWrittenTextIsRead()
 
 void SettingsTest::aHandWrittenNumberIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<int>("number");
-    const auto row = [](const char *written, int number) {
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << number;
-    };
+    const auto row = tableOfTexts<QByteArray, int>("written", "number");
     row("4368", 4368);
     row("-1", -1);
     row("\"4368\"", 4368);
@@ -176,11 +154,7 @@ void SettingsTest::aHandWrittenNumberIsRead()
 
 void SettingsTest::aHandWrittenFlagIsRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<bool>("flag");
-    const auto row = [](const char *written, bool flag) {
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << flag;
-    };
+    const auto row = tableOfTexts<QByteArray, bool>("written", "flag");
     row("true", true);
     row("false", false);
     row("FALSE", false);
@@ -200,15 +174,7 @@ void SettingsTest::aHandWrittenFlagIsRead()
 
 void SettingsTest::thePppdArgumentsAreRead_data()
 {
-    QTest::addColumn<QByteArray>("written");
-    QTest::addColumn<QStringList>("arguments");
-    const auto row = [](const char *written, const QByteArrayList &arguments) {
-        QStringList list;
-        for (const QByteArray &argument : arguments) {
-            list.append(QString::fromLatin1(argument));
-        }
-        QTest::newRow(*written == '\0' ? "nothing" : written) << QByteArray(written) << list;
-    };
+    const auto row = tableOfTexts<QByteArray, QStringList>("written", "arguments");
     row("", {}); // the file says "an empty text", which is no argument
     row("@Invalid()", {});
     row("lock", {"lock"});
@@ -242,7 +208,7 @@ void SettingsTest::whatIsStoredStandsInTheFile()
     writeSetting(settings(), "connect_at_modem_plug", false);
     writeSetting(settings(), "modem", QStringLiteral("Sagem F@st 800, E4"));
     syncSettings(settings());
-    QCOMPARE(fileText(),
+    QCOMPARE(contentOf(path),
         QByteArray("[General]\n"
                    "connect_at_boot=true\n"
                    "connect_at_modem_plug=false\n"
@@ -254,8 +220,8 @@ void SettingsTest::whatIsStoredIsReadBackAtOnceAndReachesTheFileInTheLoop()
 {
     writeSetting(settings(), "idleness", 42);
     QCOMPARE(readSetting(settings(), "idleness", 0).toInt(), 42);
-    QVERIFY(!fileText().contains("idleness"));
-    QTRY_VERIFY_WITH_TIMEOUT(fileText().contains("idleness=42\n"), 30000);
+    QVERIFY(!contentOf(path).contains("idleness"));
+    QTRY_VERIFY_WITH_TIMEOUT(contentOf(path).contains("idleness=42\n"), 30000);
 }
 
 void SettingsTest::otherKeysSurviveAWrite()
@@ -263,7 +229,7 @@ void SettingsTest::otherKeysSurviveAWrite()
     writeAndRead("vpi=8\nvci=35\nunknown=x\n");
     writeSetting(settings(), "idleness", 1);
     syncSettings(settings());
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nunknown=x\nvci=35\nvpi=8\n"));
 }
 
 void SettingsTest::whatATornWriteOfOthersLeftIsNotMerged_data()
@@ -281,20 +247,20 @@ void SettingsTest::whatATornWriteOfOthersLeftIsNotMerged()
 {
     QFETCH(QByteArray, torn);
     writeAndRead("service=x\nvci=35\nvpi=8\n");
-    writeFile(torn);
+    writeFile(path, torn);
     writeSetting(settings(), "idleness", 1);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nservice=x\nvci=35\nvpi=8\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nservice=x\nvci=35\nvpi=8\n"));
 }
 
 void SettingsTest::untilAnotherHasWrittenAllWhatWasReadBeforeCounts()
 {
     writeAndRead("vci=35\nvpi=8\n");
-    writeFile("");
+    writeFile(path, "");
     QVERIFY(syncSettings(settings()));
     QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("35"));
-    QCOMPARE(fileText(), QByteArray()); // whoever is writing goes on
-    writeFile("[General]\nvci=36\n");
+    QCOMPARE(contentOf(path), QByteArray()); // whoever is writing goes on
+    writeFile(path, "[General]\nvci=36\n");
     QVERIFY(syncSettings(settings()));
     QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("36"));
     QCOMPARE(readSettingText(settings(), "vpi"), QString());
@@ -303,10 +269,10 @@ void SettingsTest::untilAnotherHasWrittenAllWhatWasReadBeforeCounts()
 void SettingsTest::aTextByHandNeedsNoLastLineFeed()
 {
     writeAndRead("service=x\nvci=35\nvpi=8\n");
-    writeFile("[General]\nservice=x\nvci=36\nvpi=9");
+    writeFile(path, "[General]\nservice=x\nvci=36\nvpi=9");
     writeSetting(settings(), "idleness", 1);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=1\nservice=x\nvci=36\nvpi=9\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nservice=x\nvci=36\nvpi=9\n"));
 }
 
 void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
@@ -315,14 +281,14 @@ void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
     std::atomic<bool> isOver{false};
     std::thread other([&] {
         for (int number = 1; !isOver; ++number) {
-            writeFile("[General]\nservice=x\nvpi=" + QByteArray::number(number) + '\n');
+            writeFile(path, "[General]\nservice=x\nvpi=" + QByteArray::number(number) + '\n');
         }
     });
     QByteArray lost;
     for (int number = 1; number <= 100; ++number) {
         writeSetting(settings(), "idleness", number);
         syncSettings(settings());
-        const QByteArray text = fileText();
+        const QByteArray text = contentOf(path);
         if (text.endsWith('\n') && !text.contains("service=x\n")) {
             lost = text;
         }
@@ -335,7 +301,7 @@ void SettingsTest::whoWritesInPlaceMeanwhileCostsNoSetting()
 void SettingsTest::changesOfOthersAreSeenAfterASyncOnly()
 {
     writeAndRead("protocol=PPPoA\n");
-    writeFile("[General]\nprotocol=PPPoE over it\n");
+    writeFile(path, "[General]\nprotocol=PPPoE over it\n");
     QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoA"));
     syncSettings(settings());
     QCOMPARE(readSettingText(settings(), "protocol"), QStringLiteral("PPPoE over it"));
@@ -351,7 +317,7 @@ void SettingsTest::theFolderIsMadeOnTheFirstWrite()
     QVERIFY(QDir(folder).removeRecursively());
     writeSetting(settings(), "idleness", 3);
     syncSettings(settings());
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=3\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=3\n"));
 }
 
 void SettingsTest::aFileThatCannotBeWrittenKeepsTheValueInMemory()
@@ -414,7 +380,7 @@ void SettingsTest::ownerAndModeOfTheFileSurviveAWrite()
             syncSettings(settings());
         }
         QTRY_VERIFY_WITH_TIMEOUT(
-            fileText().contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
+            contentOf(path).contains(bySync ? "idleness=11\n" : "idleness=12\n"), 30000);
         QCOMPARE(stat(name.constData(), &info), 0);
         QCOMPARE(info.st_uid, owner);
         QCOMPARE(info.st_gid, group);
@@ -435,11 +401,11 @@ void SettingsTest::aFullDiskCostsNoSetting()
     const bool isStored = syncSettings(settings());
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
     QVERIFY(!isStored);
-    QCOMPARE(fileText(), "[General]\n" + others);
+    QCOMPARE(contentOf(path), "[General]\n" + others);
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
         QStringList(QStringLiteral(".daemon_ng.ini")));
     QVERIFY(syncSettings(settings())); // as soon as there is room
-    QCOMPARE(fileText(), "[General]\nidleness=5\n" + others);
+    QCOMPARE(contentOf(path), "[General]\nidleness=5\n" + others);
 }
 
 void SettingsTest::unfinishedFilesAreRemoved()
@@ -448,8 +414,7 @@ void SettingsTest::unfinishedFilesAreRemoved()
     const QStringList names = {QStringLiteral(".daemon_ng.ini"), QStringLiteral("daemon.log")};
     for (const char *name :
         {"daemon.log", ".daemon_ng.ini.kGbXwQ", ".norvix-new-.daemon_ng.ini-a1B2c3"}) {
-        QFile file(folder + QLatin1Char('/') + QLatin1String(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(folder + QLatin1Char('/') + QLatin1String(name));
     }
     clearStaleSettingsFiles();
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), names);
@@ -472,7 +437,7 @@ void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
         for (int i = 0; i < 2000000; ++i) {
             text += 'k' + QByteArray::number(i) + "=\n";
         }
-        writeFile(text);
+        writeFile(path, text);
     } else {
         QVERIFY(QFile::remove(path));
         QCOMPARE(kind == QLatin1String("pipe") ? mkfifo(name.constData(), 0600)
@@ -485,7 +450,7 @@ void SettingsTest::whatCannotBeTheSettingsFileIsSetAside()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("has been set aside as")));
     writeSetting(settings(), "idleness", 4);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=4\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=4\n"));
     QCOMPARE(lstat((name + ".set-aside").constData(), &after), 0);
     QCOMPARE(after.st_ino, before.st_ino);
 }
@@ -509,7 +474,7 @@ void SettingsTest::aValueThatIsNoPlainOneCountsAsMissing()
     QCOMPARE(readSetting(settings(), "pppd_arguments", 7).toInt(), 7);
     writeSetting(settings(), "idleness", 1);
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(fileText(), "[General]\nidleness=1\n" + text);
+    QCOMPARE(contentOf(path), "[General]\nidleness=1\n" + text);
 }
 
 void SettingsTest::staleLocksAreRemoved()
@@ -517,8 +482,7 @@ void SettingsTest::staleLocksAreRemoved()
     const QStringList locks
         = {path + QStringLiteral(".lock"), path + QStringLiteral(".lock.rmlock")};
     for (const QString &lock : locks) {
-        QFile file(lock);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(lock);
     }
     clearStaleSettingsFiles();
     for (const QString &lock : locks) {
@@ -571,7 +535,7 @@ void SettingsTest::workersReadWhileTheMainThreadWrites()
     second.join();
     syncSettings(settings());
     QCOMPARE(wrong.load(), 0);
-    QCOMPARE(fileText(), QByteArray("[General]\nidleness=300\n"));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=300\n"));
 }
 
 int main(int argc, char **argv)

@@ -6,6 +6,7 @@
 #include "desktop/assistant/permission.h"
 
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -119,15 +120,11 @@ private slots:
 
     void whoMayAndWhoHasToDoWhat_data()
     {
-        QTest::addColumn<PermissionFacts>("facts");
-        QTest::addColumn<Permission>("permission");
+        const auto row = table<PermissionFacts, Permission>("facts", "permission");
         const auto yes = Answer::Yes;
         const auto no = Answer::No;
         const auto unknown = Answer::Unknown;
         // The bus, root, group, member, member in this process.
-        const auto row = [](const char *name, const PermissionFacts &facts, Permission permission) {
-            QTest::newRow(name) << facts << permission;
-        };
         row("the bus lets through", {yes, false, true, false, false}, Permission::Allowed);
         row("root", {unknown, true, false, false, false}, Permission::Allowed);
         row("no group", {no, false, false, false, false}, Permission::NoGroup);

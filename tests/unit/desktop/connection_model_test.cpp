@@ -2,6 +2,7 @@
 // What the window believes after what it has seen, in every order that matters.
 #include "dbus/contract.h"
 #include "desktop/model/connection_model.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -142,29 +143,26 @@ private slots:
 
     void anAttemptThatFailsSaysWhy_data()
     {
-        QTest::addColumn<QVector<Event>>("events");
-        QTest::addColumn<Trouble>("trouble");
-        using E = QVector<Event>;
+        const auto row = table<QVector<Event>, Trouble>("events", "trouble");
         const Event refused = told(DaemonSignal::invalidAccountData);
         const Event timeout = told(DaemonSignal::connectionTimeout);
         const Event noLine = told(DaemonSignal::synchronizationFailed);
-        QTest::newRow("refused") << E{attemptBegins, refused, endsDown} << Trouble::AccountRefused;
-        QTest::newRow("timeout, told twice")
-            << E{attemptBegins, timeout, timeout, endsDown} << Trouble::ProviderSilent;
-        QTest::newRow("no line") << E{attemptBegins, waitsForLine, noLine, endsDown}
-                                 << Trouble::LineNotSynchronised;
-        QTest::newRow("nobody told why") << E{attemptBegins, endsDown} << Trouble::NotUp;
-        QTest::newRow("its state was asked for before its end was told")
-            << E{attemptBegins, refused, answeredState(2), endsDown} << Trouble::AccountRefused;
-        QTest::newRow("not ours, and found running")
-            << E{answeredState(1), endsDown} << Trouble::NotUp;
-        QTest::newRow("ended by somebody") << E{attemptBegins, isEnded, endsDown} << Trouble::None;
-        QTest::newRow("the next one begins")
-            << E{attemptBegins, refused, endsDown, attemptBegins} << Trouble::None;
-        QTest::newRow("the next one comes up")
-            << E{attemptBegins, refused, endsDown, attemptBegins, comesUp} << Trouble::None;
-        QTest::newRow("disconnecting later forgets nothing")
-            << E{attemptBegins, refused, endsDown, isEnded} << Trouble::AccountRefused;
+        row("refused", {attemptBegins, refused, endsDown}, Trouble::AccountRefused);
+        row("timeout, told twice", {attemptBegins, timeout, timeout, endsDown},
+            Trouble::ProviderSilent);
+        row("no line", {attemptBegins, waitsForLine, noLine, endsDown},
+            Trouble::LineNotSynchronised);
+        row("nobody told why", {attemptBegins, endsDown}, Trouble::NotUp);
+        row("its state was asked for before its end was told",
+            {attemptBegins, refused, answeredState(2), endsDown}, Trouble::AccountRefused);
+        row("not ours, and found running", {answeredState(1), endsDown}, Trouble::NotUp);
+        row("ended by somebody", {attemptBegins, isEnded, endsDown}, Trouble::None);
+        row("the next one begins", {attemptBegins, refused, endsDown, attemptBegins},
+            Trouble::None);
+        row("the next one comes up", {attemptBegins, refused, endsDown, attemptBegins, comesUp},
+            Trouble::None);
+        row("disconnecting later forgets nothing", {attemptBegins, refused, endsDown, isEnded},
+            Trouble::AccountRefused);
     }
     void anAttemptThatFailsSaysWhy()
     {
@@ -419,18 +417,17 @@ private slots:
 
     void theLossThatAConnectionFollowsIsKnownFromTheHistory_data()
     {
-        QTest::addColumn<QString>("reason");
-        QTest::addColumn<qint64>("away"); // seconds
-        QTest::addColumn<bool>("isRunning");
-        QTest::addColumn<bool>("isLoss");
-        QTest::newRow("hung up") << "hung-up" << 41LL << true << true;
-        QTest::newRow("the line") << "line-lost" << 3600LL << true << true;
-        QTest::newRow("a newer keeper's word") << "meteor" << 0LL << true << true;
-        QTest::newRow("wanted") << "user" << 41LL << true << false;
-        QTest::newRow("slept") << "sleep" << 41LL << true << false;
-        QTest::newRow("not seen") << "unknown" << 41LL << true << false;
-        QTest::newRow("not back yet") << "hung-up" << 41LL << false << false;
-        QTest::newRow("the clock was set back") << "hung-up" << -1LL << true << false;
+        // Away for so many seconds.
+        const auto row
+            = table<QString, qint64, bool, bool>("reason", "away", "isRunning", "isLoss");
+        row("hung up", "hung-up", 41LL, true, true);
+        row("the line", "line-lost", 3600LL, true, true);
+        row("a newer keeper's word", "meteor", 0LL, true, true);
+        row("wanted", "user", 41LL, true, false);
+        row("slept", "sleep", 41LL, true, false);
+        row("not seen", "unknown", 41LL, true, false);
+        row("not back yet", "hung-up", 41LL, false, false);
+        row("the clock was set back", "hung-up", -1LL, true, false);
     }
     void theLossThatAConnectionFollowsIsKnownFromTheHistory()
     {

@@ -6,6 +6,7 @@
 #include "desktop/model/deed.h"
 #include "desktop/rights/findings_text.h"
 #include "script_folder.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -65,37 +66,24 @@ private slots:
 
     void aRemedyLeadsToItsDeed_data()
     {
-        QTest::addColumn<RemedyKind>("remedy");
-        QTest::addColumn<DeedKind>("deed");
-        QTest::addColumn<QString>("word");
-        QTest::newRow("a missing peer file")
-            << RemedyKind::PlacePeer << DeedKind::Rights << "mend-files";
-        QTest::newRow("secrets in disorder")
-            << RemedyKind::MendSecrets << DeedKind::Rights << "mend-files";
-        QTest::newRow("a daemon that hangs")
-            << RemedyKind::RestartDaemon << DeedKind::Rights << "restart-daemon";
-        QTest::newRow("no companion")
-            << RemedyKind::StartCompanion << DeedKind::Rights << "restart-hald";
-        QTest::newRow("a keeper that is stopped")
-            << RemedyKind::StartKeeper << DeedKind::Rights << "start-keeper";
-        QTest::newRow("a keeper that hangs")
-            << RemedyKind::RestartKeeper << DeedKind::Rights << "restart-keeper";
-        QTest::newRow("no PPP in the kernel")
-            << RemedyKind::LoadPppModule << DeedKind::Rights << "load-modules";
-        QTest::newRow("hidden from this user")
-            << RemedyKind::LookAsRoot << DeedKind::Rights << "look";
-        QTest::newRow("no group") << RemedyKind::CreateGroup << DeedKind::Rights << "create-group";
-        QTest::newRow("no member") << RemedyKind::JoinGroup << DeedKind::Join << "";
-        QTest::newRow("a member since now")
-            << RemedyKind::LogInAgain << DeedKind::UseGroupNow << "";
-        QTest::newRow("no daemon") << RemedyKind::StartDaemon << DeedKind::StartDaemon << "";
-        QTest::newRow("a new modem")
-            << RemedyKind::ReplugAndAdoptModem << DeedKind::OpenAssistant << "modem";
-        QTest::newRow("no account") << RemedyKind::SetAccount << DeedKind::OpenPage << "";
-        QTest::newRow("no values") << RemedyKind::SetLine << DeedKind::OpenPage << "";
-        QTest::newRow("ready") << RemedyKind::Connect << DeedKind::Connect << "";
-        QTest::newRow("two connections")
-            << RemedyKind::EndOtherConnection << DeedKind::ShowHow << "";
+        const auto row = table<RemedyKind, DeedKind, QString>("remedy", "deed", "word");
+        row("a missing peer file", RemedyKind::PlacePeer, DeedKind::Rights, "mend-files");
+        row("secrets in disorder", RemedyKind::MendSecrets, DeedKind::Rights, "mend-files");
+        row("a daemon that hangs", RemedyKind::RestartDaemon, DeedKind::Rights, "restart-daemon");
+        row("no companion", RemedyKind::StartCompanion, DeedKind::Rights, "restart-hald");
+        row("a keeper that is stopped", RemedyKind::StartKeeper, DeedKind::Rights, "start-keeper");
+        row("a keeper that hangs", RemedyKind::RestartKeeper, DeedKind::Rights, "restart-keeper");
+        row("no PPP in the kernel", RemedyKind::LoadPppModule, DeedKind::Rights, "load-modules");
+        row("hidden from this user", RemedyKind::LookAsRoot, DeedKind::Rights, "look");
+        row("no group", RemedyKind::CreateGroup, DeedKind::Rights, "create-group");
+        row("no member", RemedyKind::JoinGroup, DeedKind::Join, "");
+        row("a member since now", RemedyKind::LogInAgain, DeedKind::UseGroupNow, "");
+        row("no daemon", RemedyKind::StartDaemon, DeedKind::StartDaemon, "");
+        row("a new modem", RemedyKind::ReplugAndAdoptModem, DeedKind::OpenAssistant, "modem");
+        row("no account", RemedyKind::SetAccount, DeedKind::OpenPage, "");
+        row("no values", RemedyKind::SetLine, DeedKind::OpenPage, "");
+        row("ready", RemedyKind::Connect, DeedKind::Connect, "");
+        row("two connections", RemedyKind::EndOtherConnection, DeedKind::ShowHow, "");
     }
 
     void aRemedyLeadsToItsDeed()
@@ -132,27 +120,22 @@ private slots:
 
     void whatPkexecEndsWithIsUnderstood_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("errors");
-        QTest::addColumn<RightsOutcome>("outcome");
+        const auto row = table<int, QByteArray, RightsOutcome>("status", "errors", "outcome");
         const QByteArray head = "Error executing command as another user: ";
-        QTest::newRow("done") << 0 << QByteArray() << RightsOutcome::Done;
-        QTest::newRow("closed") << 126 << head + "Request dismissed\n" << RightsOutcome::Cancelled;
-        QTest::newRow("wrong password")
-            << 127 << head + "Not authorized\n\nThis incident has been reported.\n"
-            << RightsOutcome::Refused;
-        QTest::newRow("nobody to ask") << 127 << head + "No authentication agent found.\n"
-                                       << RightsOutcome::NoAgent;
-        QTest::newRow("nobody to decide")
-            << 127 << QByteArray("Error getting authority: Error initializing authority: …\n")
-            << RightsOutcome::NoPolkit;
-        QTest::newRow("nothing to run")
-            << 127
-            << QByteArray("Error executing /opt/norvix/libexec/x: No such file or directory\n")
-            << RightsOutcome::NoProgram;
-        QTest::newRow("no group") << 4 << QByteArray("…") << RightsOutcome::NoGroup;
-        QTest::newRow("a lacking tool") << 3 << QByteArray("…") << RightsOutcome::NoProgram;
-        QTest::newRow("in vain") << 1 << QByteArray("…") << RightsOutcome::Failed;
+        row("done", 0, QByteArray(), RightsOutcome::Done);
+        row("closed", 126, head + "Request dismissed\n", RightsOutcome::Cancelled);
+        row("wrong password", 127, head + "Not authorized\n\nThis incident has been reported.\n",
+            RightsOutcome::Refused);
+        row("nobody to ask", 127, head + "No authentication agent found.\n",
+            RightsOutcome::NoAgent);
+        row("nobody to decide", 127, "Error getting authority: Error initializing authority: …\n",
+            RightsOutcome::NoPolkit);
+        row("nothing to run", 127,
+            "Error executing /opt/norvix/libexec/x: No such file or directory\n",
+            RightsOutcome::NoProgram);
+        row("no group", 4, "…", RightsOutcome::NoGroup);
+        row("a lacking tool", 3, "…", RightsOutcome::NoProgram);
+        row("in vain", 1, "…", RightsOutcome::Failed);
     }
 
     void whatPkexecEndsWithIsUnderstood()
@@ -232,9 +215,9 @@ private slots:
 
     void whatAsksForAPasswordCanBeEndedThoughThisProgramHoldsSignalsBack_data()
     {
-        QTest::addColumn<QByteArray>("signal");
+        const auto row = tableOfTexts<QByteArray>("signal");
         for (const char *signal : {"TERM", "INT", "HUP"}) {
-            QTest::newRow(signal) << QByteArray(signal);
+            row(signal);
         }
     }
     void whatAsksForAPasswordCanBeEndedThoughThisProgramHoldsSignalsBack()

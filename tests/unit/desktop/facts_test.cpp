@@ -3,6 +3,7 @@
 #include "dbus/contract.h"
 #include "desktop/model/connection_facts.h"
 #include "desktop/model/history_rows.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -127,14 +128,10 @@ private slots:
 
     void theWayIntoTheInternetIsNamed_data()
     {
-        QTest::addColumn<QString>("route");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("ours") << "ppp0"
-                              << "this line (ppp0)";
-        QTest::newRow("another") << "wlan0"
-                                 << "another connection (wlan0)";
-        QTest::newRow("none") << ""
-                              << "nothing: there is no default route";
+        const auto row = table<QString, QString>("route", "text");
+        row("ours", "ppp0", "this line (ppp0)");
+        row("another", "wlan0", "another connection (wlan0)");
+        row("none", "", "nothing: there is no default route");
     }
     void theWayIntoTheInternetIsNamed()
     {

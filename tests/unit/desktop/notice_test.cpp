@@ -3,6 +3,7 @@
 #include "desktop/model/notice.h"
 
 #include "dbus/contract.h"
+#include "test_table.h"
 
 #include <QtTest>
 
@@ -94,18 +95,18 @@ private slots:
 
     void aFailedAttemptIsToldWithItsReason_data()
     {
-        QTest::addColumn<QString>("signal");
+        const auto row = tableOfTexts<QByteArray>("signal");
         for (const char *signal : {DaemonSignal::synchronizationFailed,
                  DaemonSignal::connectionTimeout, DaemonSignal::invalidAccountData}) {
-            QTest::newRow(signal) << QString::fromLatin1(signal);
+            row(signal);
         }
     }
     void aFailedAttemptIsToldWithItsReason()
     {
-        QFETCH(QString, signal);
+        QFETCH(QByteArray, signal);
         Day day;
         day.tell(DaemonSignal::establishingConnection);
-        day.tell(qPrintable(signal));
+        day.tell(signal);
         day.loseIt();
         QCOMPARE(day.kinds(), Kinds{NoticeKind::AttemptFailed});
         QVERIFY(!day.told.constFirst().text.isEmpty());

@@ -2,6 +2,7 @@
 // What plots show and say, without a screen: axes, gaps, places and words.
 #include "desktop/plot/history_plots.h"
 #include "desktop/plot/speed_plot.h"
+#include "test_table.h"
 
 #include <QTest>
 #include <QTimeZone>
@@ -78,20 +79,17 @@ private slots:
 
     void anAxisHasNiceSteps_data()
     {
-        QTest::addColumn<double>("least");
-        QTest::addColumn<double>("most");
-        QTest::addColumn<int>("lines");
-        QTest::addColumn<QStringList>("labels");
-        using L = QStringList;
-        QTest::newRow("sketch") << 0.0 << 6.6 << 5 << L{"0", "2", "4", "6", "8"};
-        QTest::newRow("on a line") << 0.0 << 8.0 << 5 << L{"0", "2", "4", "6", "8"};
-        QTest::newRow("thousands") << 0.0 << 8128.0 << 5 << L{"0", "5,000", "10,000"};
-        QTest::newRow("parts") << 0.0 << 0.23 << 4 << L{"0.0", "0.1", "0.2", "0.3"};
-        QTest::newRow("hundredths") << 0.0 << 0.03 << 4 << L{"0.00", "0.01", "0.02", "0.03"};
-        QTest::newRow("nothing at all") << 0.0 << 0.0 << 3 << L{"0.0", "0.5", "1.0"};
-        QTest::newRow("below nothing") << -1.5 << 7.0 << 5 << L{"-5", "0", "5", "10"};
-        QTest::newRow("only below") << -3.0 << 0.0 << 5 << L{"-3", "-2", "-1", "0"};
-        QTest::newRow("room for two") << 0.0 << 6.6 << 2 << L{"0", "10"};
+        const auto row
+            = table<double, double, int, QStringList>("least", "most", "lines", "labels");
+        row("sketch", 0.0, 6.6, 5, {"0", "2", "4", "6", "8"});
+        row("on a line", 0.0, 8.0, 5, {"0", "2", "4", "6", "8"});
+        row("thousands", 0.0, 8128.0, 5, {"0", "5,000", "10,000"});
+        row("parts", 0.0, 0.23, 4, {"0.0", "0.1", "0.2", "0.3"});
+        row("hundredths", 0.0, 0.03, 4, {"0.00", "0.01", "0.02", "0.03"});
+        row("nothing at all", 0.0, 0.0, 3, {"0.0", "0.5", "1.0"});
+        row("below nothing", -1.5, 7.0, 5, {"-5", "0", "5", "10"});
+        row("only below", -3.0, 0.0, 5, {"-3", "-2", "-1", "0"});
+        row("room for two", 0.0, 6.6, 2, {"0", "10"});
     }
     void anAxisHasNiceSteps()
     {
@@ -160,14 +158,13 @@ private slots:
 
     void aLineIsBrokenWhereNothingIsKnown_data()
     {
-        QTest::addColumn<QVector<double>>("times");
-        QTest::addColumn<QVector<int>>("pieces");
-        QTest::newRow("none") << QVector<double>{} << QVector<int>{};
-        QTest::newRow("one") << QVector<double>{3} << QVector<int>{1};
-        QTest::newRow("whole") << QVector<double>{1, 2, 3} << QVector<int>{3};
-        QTest::newRow("gap") << QVector<double>{1, 2, 5, 6} << QVector<int>{2, 2};
-        QTest::newRow("lonely") << QVector<double>{1, 5, 9} << QVector<int>{1, 1, 1};
-        QTest::newRow("late, but not a gap") << QVector<double>{1, 2.5, 4} << QVector<int>{3};
+        const auto row = table<QVector<double>, QVector<int>>("times", "pieces");
+        row("none", {}, {});
+        row("one", {3}, {1});
+        row("whole", {1, 2, 3}, {3});
+        row("gap", {1, 2, 5, 6}, {2, 2});
+        row("lonely", {1, 5, 9}, {1, 1, 1});
+        row("late, but not a gap", {1, 2.5, 4}, {3});
     }
     void aLineIsBrokenWhereNothingIsKnown()
     {

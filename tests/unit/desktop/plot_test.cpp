@@ -2,6 +2,7 @@
 // The plot as a widget: read by keyboard, by pointer and by accessible technology, in all palettes.
 #include "desktop/plot/colours.h"
 #include "desktop/plot/plot.h"
+#include "test_table.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -54,19 +55,17 @@ private slots:
 
     void isReadByKeyboard_data()
     {
-        QTest::addColumn<QVector<int>>("keys");
-        QTest::addColumn<int>("place");
-        using K = QVector<int>;
-        QTest::newRow("not yet") << K{} << -1;
-        QTest::newRow("the newest first") << K{Qt::Key_Left} << 2;
-        QTest::newRow("the newest first, whichever key") << K{Qt::Key_Right} << 2;
-        QTest::newRow("back") << K{Qt::Key_Left, Qt::Key_Left} << 1;
-        QTest::newRow("and forth") << K{Qt::Key_Left, Qt::Key_Left, Qt::Key_Right} << 2;
-        QTest::newRow("not beyond") << K{Qt::Key_End, Qt::Key_Right} << 2;
-        QTest::newRow("first") << K{Qt::Key_Home} << 0;
-        QTest::newRow("not before") << K{Qt::Key_Home, Qt::Key_Left} << 0;
-        QTest::newRow("far back") << K{Qt::Key_End, Qt::Key_PageUp} << 0;
-        QTest::newRow("no more") << K{Qt::Key_Home, Qt::Key_Escape} << -1;
+        const auto row = table<QVector<int>, int>("keys", "place");
+        row("not yet", {}, -1);
+        row("the newest first", {Qt::Key_Left}, 2);
+        row("the newest first, whichever key", {Qt::Key_Right}, 2);
+        row("back", {Qt::Key_Left, Qt::Key_Left}, 1);
+        row("and forth", {Qt::Key_Left, Qt::Key_Left, Qt::Key_Right}, 2);
+        row("not beyond", {Qt::Key_End, Qt::Key_Right}, 2);
+        row("first", {Qt::Key_Home}, 0);
+        row("not before", {Qt::Key_Home, Qt::Key_Left}, 0);
+        row("far back", {Qt::Key_End, Qt::Key_PageUp}, 0);
+        row("no more", {Qt::Key_Home, Qt::Key_Escape}, -1);
     }
     void isReadByKeyboard()
     {
@@ -168,19 +167,19 @@ private slots:
 
     void coloursStandOutOfEveryGround_data()
     {
-        QTest::addColumn<QPalette>("palette");
-        QTest::newRow("light") << QPalette(QColor(0xef, 0xef, 0xef));
-        QTest::newRow("dark") << darkPalette();
+        const auto row = table<QPalette>("palette");
+        row("light", QPalette(QColor(0xef, 0xef, 0xef)));
+        row("dark", darkPalette());
         QPalette grey = darkPalette();
         grey.setColor(QPalette::Highlight, Qt::gray);
-        QTest::newRow("grey highlight") << grey;
+        row("grey highlight", grey);
         QPalette pale(QColor(0xef, 0xef, 0xef));
         pale.setColor(QPalette::Highlight, QColor(0xff, 0xff, 0xcc));
-        QTest::newRow("pale highlight") << pale;
+        row("pale highlight", pale);
         QPalette black(Qt::black);
         black.setColor(QPalette::Base, Qt::black);
         black.setColor(QPalette::WindowText, Qt::yellow);
-        QTest::newRow("high contrast") << black;
+        row("high contrast", black);
     }
     void coloursStandOutOfEveryGround()
     {

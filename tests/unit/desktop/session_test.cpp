@@ -7,6 +7,7 @@
 #include "desktop/session/preferences.h"
 #include "desktop/session/theme.h"
 #include "desktop/window/log_page.h"
+#include "test_table.h"
 
 #include <QtTest>
 #include <csignal>
@@ -32,9 +33,9 @@ private slots:
 
     void bothPalettesCanBeRead_data()
     {
-        QTest::addColumn<QPalette>("palette");
-        QTest::newRow("dark") << darkPalette();
-        QTest::newRow("light") << lightPalette();
+        const auto row = table<QPalette>("palette");
+        row("dark", darkPalette());
+        row("light", lightPalette());
     }
     void bothPalettesCanBeRead()
     {

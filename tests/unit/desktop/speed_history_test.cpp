@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The speeds of the last five minutes, whatever counters and clocks do.
 #include "desktop/model/speed_history.h"
+#include "test_table.h"
 
 #include <QTest>
 
@@ -45,14 +46,12 @@ private slots:
 
     void aDifferenceThatHasWrappedIsNotKnown_data()
     {
-        QTest::addColumn<quint32>("down");
-        QTest::addColumn<quint32>("up");
-        QTest::addColumn<bool>("isDownKnown");
-        QTest::addColumn<bool>("isUpKnown");
-        QTest::newRow("both began anew") << 4294966296U << 4294967200U << false << false;
-        QTest::newRow("only one did") << 4294966296U << 700U << false << true;
-        QTest::newRow("after half a wrap") << 700U << 2147483648U << true << false;
-        QTest::newRow("the fastest ADSL2+ line") << 3000000U << 437500U << true << true;
+        const auto row
+            = table<quint32, quint32, bool, bool>("down", "up", "isDownKnown", "isUpKnown");
+        row("both began anew", 4294966296U, 4294967200U, false, false);
+        row("only one did", 4294966296U, 700U, false, true);
+        row("after half a wrap", 700U, 2147483648U, true, false);
+        row("the fastest ADSL2+ line", 3000000U, 437500U, true, true);
     }
     void aDifferenceThatHasWrappedIsNotKnown()
     {

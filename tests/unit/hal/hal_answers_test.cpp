@@ -3,6 +3,7 @@
 #include "hal/answers.h"
 
 #include "hal_test.h"
+#include "test_table.h"
 
 #include <set>
 
@@ -129,11 +130,8 @@ private slots:
 
     void typed_getters_insist_on_the_type_data()
     {
-        QTest::addColumn<QByteArray>("getter");
-        QTest::addColumn<QByteArray>("goodKey"); // empty: no property of this type
-        const auto row = [](const char *getter, const char *key) {
-            QTest::newRow(getter) << QByteArray(getter) << QByteArray(key);
-        };
+        // No good key: no property has this type.
+        const auto row = tableOfTexts<QByteArray, QByteArray>("getter", "goodKey");
         row("GetPropertyString", "info.subsystem");
         row("GetPropertyStringList", "info.capabilities");
         row("GetPropertyInteger", "usb_device.vendor_id");

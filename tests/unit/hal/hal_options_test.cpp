@@ -12,31 +12,26 @@ class HalOptionsTest : public QObject
 private slots:
     void without_arguments_it_serves_and_chooses_the_monitor_itself()
     {
-        std::string offender;
-        const auto options = hal::optionsFrom({}, &offender);
-        QVERIFY(options && options->task == hal::Options::Task::Serve && !options->monitor);
+        const auto options = hal::optionsFrom({});
+        QVERIFY(options.task == hal::Options::Task::Serve);
+        QVERIFY(!options.monitor && !options.offender);
         QVERIFY(hal::defaultMonitor(true) == hal::MonitorGroup::Udev);
         QVERIFY(hal::defaultMonitor(false) == hal::MonitorGroup::Kernel);
     }
 
     void the_monitor_can_be_chosen_and_the_last_choice_counts()
     {
-        std::string offender;
-        QVERIFY(
-            hal::optionsFrom({"--monitor=udev"}, &offender)->monitor == hal::MonitorGroup::Udev);
-        QVERIFY(hal::optionsFrom({"--monitor=udev", "--monitor=kernel"}, &offender)->monitor
+        QVERIFY(hal::optionsFrom({"--monitor=udev"}).monitor == hal::MonitorGroup::Udev);
+        QVERIFY(hal::optionsFrom({"--monitor=udev", "--monitor=kernel"}).monitor
             == hal::MonitorGroup::Kernel);
-        QVERIFY(!hal::optionsFrom({"--monitor=kernel", "--monitor=auto"}, &offender)->monitor);
+        QVERIFY(!hal::optionsFrom({"--monitor=kernel", "--monitor=auto"}).monitor);
     }
 
     void list_and_help_are_tasks_and_help_wins()
     {
-        std::string offender;
-        QVERIFY(hal::optionsFrom({"--list", "--monitor=kernel"}, &offender)->task
-            == hal::Options::Task::List);
-        QVERIFY(
-            hal::optionsFrom({"--list", "--help"}, &offender)->task == hal::Options::Task::Help);
-        QVERIFY(hal::optionsFrom({"-h"}, &offender)->task == hal::Options::Task::Help);
+        QVERIFY(hal::optionsFrom({"--list", "--monitor=kernel"}).task == hal::Options::Task::List);
+        QVERIFY(hal::optionsFrom({"--list", "--help"}).task == hal::Options::Task::Help);
+        QVERIFY(hal::optionsFrom({"-h"}).task == hal::Options::Task::Help);
     }
 
     void what_is_not_understood_is_named_data()
@@ -50,9 +45,9 @@ private slots:
     void what_is_not_understood_is_named()
     {
         QFETCH(QByteArray, argument);
-        std::string offender = "untouched";
-        QVERIFY(!hal::optionsFrom({"--list", argument.constData()}, &offender));
-        QCOMPARE(text(offender), QString::fromLatin1(argument));
+        const auto options = hal::optionsFrom({"--list", argument.constData()});
+        QVERIFY(options.offender);
+        QCOMPARE(text(*options.offender), QString::fromLatin1(argument));
     }
 
     void the_help_names_every_option()

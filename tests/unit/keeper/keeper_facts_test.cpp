@@ -8,6 +8,7 @@
 #include "keeper/settings.h"
 #include "keeper/system_facts.h"
 #include "test_data.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -257,8 +258,7 @@ private slots:
         const auto add = [&folder](const QString &name, const QByteArray &number, bool isUsb) {
             const QString path = folder.filePath(name);
             QVERIFY(QDir().mkpath(path + (isUsb ? QStringLiteral("/device") : QString())));
-            QFile file(path + QStringLiteral("/atmindex"));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(number) == number.size());
+            writeFile(path + QStringLiteral("/atmindex"), number);
         };
         add(QStringLiteral("adummy"), "0\n", false);
         // A second one on USB is none that a connection goes through.
@@ -272,11 +272,7 @@ private slots:
 
     void theReasonIsTheOneThatTheDoctorTells_data()
     {
-        QTest::addColumn<QString>("recording");
-        QTest::addColumn<Cause>("cause");
-        const auto row = [](const char *recording, Cause cause) {
-            QTest::newRow(recording) << QString::fromLatin1(recording) << cause;
-        };
+        const auto row = tableOfTexts<QString, Cause>("recording", "cause");
         row("c1-chap-wrong-password", Cause::AccountRefused);
         row("c3-pap-wrong-password", Cause::AccountRefused);
         row("c2-chap-no-secret-for-user", Cause::PasswordMissing);
@@ -437,16 +433,14 @@ private slots:
 
     void settingsAreSecondsAndMistakesAreTold()
     {
-        QStringList problems;
-        const Pauses pauses = pausesFrom("# comment\n\n  pause_unanswered = 7.5\r\n"
-                                         "pause_hung_up=0\npause_unknown = 3\n"
-                                         "pause_after_a_day = -1\npause_refused_most\n",
-            &problems);
-        QCOMPARE(pauses.unanswered, qint64(7'500));
-        QCOMPARE(pauses.hungUp, qint64(0));
-        QCOMPARE(pauses.afterADay, Pauses().afterADay);
-        QCOMPARE(problems.size(), 3);
-        QVERIFY(problems.first().startsWith(QStringLiteral("line 5: ")));
+        const Settings settings = settingsFrom("# comment\n\n  pause_unanswered = 7.5\r\n"
+                                               "pause_hung_up=0\npause_unknown = 3\n"
+                                               "pause_after_a_day = -1\npause_refused_most\n");
+        QCOMPARE(settings.pauses.unanswered, qint64(7'500));
+        QCOMPARE(settings.pauses.hungUp, qint64(0));
+        QCOMPARE(settings.pauses.afterADay, Pauses().afterADay);
+        QCOMPARE(settings.problems.size(), 3);
+        QVERIFY(settings.problems.first().startsWith(QStringLiteral("line 5: ")));
     }
 };
 

@@ -4,6 +4,7 @@
 #include "keeper/history/history.h"
 #include "keeper/history/schema.h"
 #include "keeper/history/thinning.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QFile>
@@ -31,19 +32,6 @@ QVariant field(const Rows &rows, const char *name, int row = 0)
 void begin(History &history, const LinkIdentity &link = firstLink, qint64 now = morning)
 {
     history.beginSession(now, link, QStringLiteral("ppp0"), QStringLiteral("10.64.0.100"));
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
 }
 
 } // namespace
@@ -296,9 +284,9 @@ private slots:
         } else {
             content.replace(12 * 4096, 4096, QByteArray(4096, '\xa5'));
         }
-        write(path(), content);
+        writeFile(path(), content);
         for (int start = 0; start < 2; ++start) { // one damaged file is kept, not two
-            write(path(), content);
+            writeFile(path(), content);
             History history(path());
             QCOMPARE(history.condition(), QStringLiteral("set-aside"));
             history.noteAttempt(morning, QStringLiteral("afresh"));

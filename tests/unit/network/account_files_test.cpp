@@ -4,7 +4,6 @@
 #include "test_data.h"
 #include "test_table.h"
 
-#include <QFile>
 #include <QRegExp>
 #include <QtTest>
 #include <ctime>
@@ -12,12 +11,6 @@
 namespace {
 
 const QByteArray comment = "# client\tserver\tsecret\n";
-
-QByteArray shippedFile(const char *name)
-{
-    QFile file(testDataFolder() + QStringLiteral("/ppp/") + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QByteArray everyByteButNul()
 {
@@ -291,8 +284,8 @@ void TestAccountFiles::accountIsRead()
 void TestAccountFiles::shippedFilesGetAFurtherEntryAtEveryChange_data()
 {
     const auto row = table<QByteArray>("content");
-    row("pap-secrets", shippedFile("pap-secrets"));
-    row("chap-secrets", shippedFile("chap-secrets"));
+    row("pap-secrets", testData(QStringLiteral("ppp/pap-secrets")));
+    row("chap-secrets", testData(QStringLiteral("ppp/chap-secrets")));
 }
 
 void TestAccountFiles::shippedFilesGetAFurtherEntryAtEveryChange()

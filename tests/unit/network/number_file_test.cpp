@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Counter files: what counts as a number, and that a failure leaves the output alone.
 #include "network/number_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
@@ -36,11 +36,9 @@ private:
 
 QString NumberFileTest::fileWith(const QByteArray &content)
 {
-    QFile file(m_folder.filePath(QStringLiteral("rx_bytes")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-    }
-    return file.fileName();
+    const QString path = m_folder.filePath(QStringLiteral("rx_bytes"));
+    writeFile(path, content);
+    return path;
 }
 
 void NumberFileTest::theNumberAtTheBeginningIsRead_data()

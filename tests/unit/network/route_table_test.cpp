@@ -43,12 +43,7 @@ void RouteTableTest::aRealTableGivesItsLastInterface()
 
 void RouteTableTest::theLastFittingPartWins_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("interface");
-    const auto row = [](const char *text, const char *interface) {
-        QTest::newRow(QByteArray(text).simplified().constData())
-            << QString::fromLatin1(text) << QString::fromLatin1(interface);
-    };
+    const auto row = tableOfTexts<QString, QString>("text", "interface");
     row("", "");
     row("lo\t0000007F\n", "");
     row("ppp0", "ppp0");

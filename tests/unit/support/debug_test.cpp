@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The debug switch and the verbose log.
 #include "support/process/debug.h"
+#include "test_files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -23,8 +24,6 @@ private slots:
     void nothingIsWrittenWithoutTheSwitch();
 
 private:
-    QByteArray content();
-
     QTemporaryDir m_folder;
     QString m_path = m_folder.filePath(QStringLiteral("verbose.log"));
 };
@@ -39,12 +38,6 @@ void DebugTest::cleanup()
 {
     setDebug(false, QString());
     debug = false;
-}
-
-QByteArray DebugTest::content()
-{
-    QFile file(m_path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 void DebugTest::openingTheVerboseLogLeavesTheSwitchAlone()
@@ -66,7 +59,7 @@ void DebugTest::theVerboseLogIsAppendedTo()
         setDebug(true, m_path);
         writeVerbose(text);
     }
-    QCOMPARE(content(), QByteArray("one\ntwo\n")); // there before the stream is closed
+    QCOMPARE(contentOf(m_path), QByteArray("one\ntwo\n")); // there before the stream is closed
 }
 
 void DebugTest::childrenDoNotInheritTheVerboseLog()
@@ -99,10 +92,10 @@ void DebugTest::nothingIsWrittenWithoutTheSwitch()
 {
     setDebug(true, m_path);
     writeVerbose("one\n");
-    QCOMPARE(content(), QByteArray());
+    QCOMPARE(contentOf(m_path), QByteArray());
     debug = true;
     writeVerbose("two\n");
-    QCOMPARE(content(), QByteArray("two\n"));
+    QCOMPARE(contentOf(m_path), QByteArray("two\n"));
 }
 
 QTEST_APPLESS_MAIN(DebugTest)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The single-instance lock, between real processes.
 #include "support/files/lock_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QCoreApplication>
@@ -91,12 +92,6 @@ int liveOn(const QByteArray &after)
     return 0;
 }
 
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
 mode_t modeOf(const QString &path)
 {
     struct stat info = {};
@@ -175,10 +170,7 @@ void LockFileTest::theFileHoldsTheIdAndIsOurs()
 
 void LockFileTest::anOldFileIsTakenOver()
 {
-    QFile file(m_path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("a long text that was here before\n");
-    file.close();
+    writeFile(m_path, "a long text that was here before\n");
     QCOMPARE(chmod(QFile::encodeName(m_path).constData(), 0666), 0);
     const Instance first(m_path);
     QVERIFY(first.hasLock());
@@ -242,9 +234,7 @@ void LockFileTest::whatOthersLeftIsNeitherFollowedNorWritten()
     const QByteArray path = QFile::encodeName(m_path);
     const QByteArray target = QFile::encodeName(victim);
     if (what.contains("link") && what != "dangling link") {
-        QFile file(victim);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("precious");
+        writeFile(victim, "precious");
     }
     if (what == "link" || what == "dangling link") {
         QCOMPARE(symlink(target.constData(), path.constData()), 0);
@@ -276,10 +266,7 @@ void LockFileTest::whatOthersLeftIsNeitherFollowedNorWritten()
 
 void LockFileTest::aFileOfAnotherUserIsReplaced()
 {
-    QFile file(m_path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("not ours");
-    file.close();
+    writeFile(m_path, "not ours");
     const QByteArray path = QFile::encodeName(m_path);
     if (chown(path.constData(), 65534, 65534) != 0) {
         QSKIP("needs root to give a file to another user");

@@ -4,6 +4,7 @@
 #include "few_descriptors.h"
 #include "support/driver/module_backup.h"
 #include "support/files/safe_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -20,10 +21,7 @@ namespace {
 void write(const QString &path, const QByteArray &bytes, mode_t mode = 0644)
 {
     QVERIFY(makeFolders(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.close();
+    writeFile(path, bytes);
     chmod(QFile::encodeName(path).constData(), mode);
 }
 
@@ -342,9 +340,7 @@ private slots:
         int calls = 1;
         int olds = 0;
         while (cutOffAt(calls++, [&] { copyIntoPlace(fresh, file, *attributesOf(fresh)); })) {
-            QFile opened(file);
-            QVERIFY(opened.open(QIODevice::ReadOnly));
-            const QByteArray bytes = opened.readAll();
+            const QByteArray bytes = contentOf(file);
             QVERIFY2(bytes == oldBytes || bytes == newBytes, qPrintable(QString::number(calls)));
             olds += int(bytes == oldBytes);
             write(file, oldBytes);

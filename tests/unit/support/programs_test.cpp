@@ -3,6 +3,7 @@
 #include "sanitized.h"
 #include "script_folder.h"
 #include "support/process/programs.h"
+#include "test_files.h"
 #include "test_table.h"
 #include "without_right_to_kill.h"
 #include "worker.h"
@@ -178,10 +179,7 @@ void ProgramsTest::whatCannotBeStartedHasNoExitCode_data()
     const QString plain = m_scripts.add(QStringLiteral("plain"), "exit 0");
     QVERIFY(QFile::setPermissions(plain, QFile::ReadOwner | QFile::WriteOwner));
     const QString broken = m_scripts.add(QStringLiteral("broken"), "");
-    QFile file(broken);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("#!/nowhere/interpreter\n");
-    file.close();
+    writeFile(broken, "#!/nowhere/interpreter\n");
     row("missing", "/nowhere/program");
     row("missing on the path", "no-such-program-here");
     row("not executable", plain);

@@ -2,6 +2,7 @@
 // Reading and rewriting small files: nothing waits, nothing is lost.
 #include "few_descriptors.h"
 #include "support/files/safe_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -117,15 +118,12 @@ void TestSafeFile::cleanup()
 
 void TestSafeFile::write(const char *name, const QByteArray &bytes)
 {
-    QFile file(path(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+    writeFile(path(name), bytes);
 }
 
 QByteArray TestSafeFile::bytesOf(const char *name) const
 {
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    return contentOf(path(name));
 }
 
 struct stat TestSafeFile::statusOf(const char *file) const

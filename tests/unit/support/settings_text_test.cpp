@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The text of the settings file, beside what the library itself makes of it.
 #include "support/files/settings_text.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QSettings>
@@ -17,11 +18,7 @@ const char *const pieces[] = {"a", "b=", "vpi=8\n", "\n", "\r\n", "\r", "[Genera
 /// Whether the library reads @p content as we do, for what we read at all.
 QString difference(const QString &path, const QByteArray &content)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        return QStringLiteral("cannot write");
-    }
-    file.close();
+    writeFile(path, content);
     const QMap<QString, QVariant> ours = settingsFrom(content).values;
     QMap<QString, QVariant> theirs;
     {
@@ -136,9 +133,7 @@ void TestSettingsText::valuesAreWrittenAsTheLibraryWritesThem()
                 library.setValue(value.key(), value.value());
             }
         }
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray written = file.readAll();
+        const QByteArray written = contentOf(path);
         QCOMPARE(settingsText(values), written);
         QCOMPARE(settingsText(settingsFrom(written).values), written);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Judging tarballs by their listing and by their unpacked tree.
 #include "support/driver/source_archive.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -58,8 +59,7 @@ private slots:
     {
         QTemporaryDir folder;
         QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("a/b")));
-        QFile file(folder.filePath(QStringLiteral("a/b/c")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(folder.filePath(QStringLiteral("a/b/c")));
         link(folder, "a/b/c", "to-file");
         link(folder, "../b", "a/b/to-folder");
         link(folder, ".", "to-top");

@@ -2,6 +2,7 @@
 // Running the tools of a build: what they are given, how their end is told.
 #include "support/driver/build_log.h"
 #include "support/process/tool_runner.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QElapsedTimer>
@@ -60,11 +61,7 @@ private:
 
     QString logPath() const { return m_folder->filePath(QStringLiteral("log")); }
 
-    QByteArray logged() const
-    {
-        QFile file(logPath());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray logged() const { return contentOf(logPath()); }
 
     ToolResult run(const ToolCall &call, int lock = -1) const
     {
@@ -114,11 +111,10 @@ private slots:
     void whatIsNoProgramIsNotFound()
     {
         const QString path = m_folder->filePath(QStringLiteral("norvix-no-program"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        writeFile(path);
         const QStringList environment{QStringLiteral("PATH=") + m_folder->path()};
         QCOMPARE(findTool(QStringLiteral("norvix-no-program"), environment), QString());
-        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner));
         QCOMPARE(findTool(QStringLiteral("norvix-no-program"), environment), path);
         QCOMPARE(findTool(QStringLiteral("../bin/sh"), {}), QString());
     }
@@ -294,16 +290,14 @@ private slots:
 
     void aPlantedLogIsNotWrittenTo()
     {
-        QFile victim(m_folder->filePath(QStringLiteral("victim")));
-        QVERIFY(victim.open(QIODevice::WriteOnly));
-        victim.write("precious");
-        victim.close();
+        const QString victim = m_folder->filePath(QStringLiteral("victim"));
+        writeFile(victim, "precious");
         const QString planted = m_folder->filePath(QStringLiteral("planted"));
-        QVERIFY(victim.link(planted));
+        QVERIFY(QFile::link(victim, planted));
         BuildLog log;
         log.begin(planted);
         log.line(QStringLiteral("text"));
-        QCOMPARE(QFile(victim.fileName()).size(), qint64(8));
+        QCOMPARE(contentOf(victim), QByteArray("precious"));
     }
 };
 

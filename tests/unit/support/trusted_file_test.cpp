@@ -2,6 +2,7 @@
 // What root may act upon, and folders that root makes where others can write.
 #include "support/files/safe_file.h"
 #include "support/files/trusted_file.h"
+#include "test_files.h"
 #include "test_table.h"
 
 #include <QDir>
@@ -30,9 +31,7 @@ private:
     void write(const char *name, const QByteArray &bytes = "text") const
     {
         QVERIFY(makeFolders(QFileInfo(path(name)).path()));
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        writeFile(path(name), bytes);
     }
 
 private slots:
