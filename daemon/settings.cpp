@@ -173,11 +173,13 @@ private:
         const QString mounted = mountedFile();
         int attempts = 0;
         do {
-            isLeftOut = !isWhole();
-            if (isLeftOut && !m_isPending) {
-                return true; // what was read before it still counts
+            const bool isTorn = !isWhole();
+            isLeftOut = isTorn && m_isPending;
+            if (isTorn && !m_isPending) {
+                sync(); // what stands in the file counts; m_whole waits for the next write
+                return true;
             }
-            if (!isLeftOut) {
+            if (!isTorn) {
                 m_whole = settingsFrom(lastJudged.value_or(QByteArray())).values;
             }
             const SettingsMap merged = withChanges(m_whole);

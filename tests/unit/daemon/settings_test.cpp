@@ -54,7 +54,8 @@ private slots:
     void otherKeysSurviveAWrite();
     void whatATornWriteOfOthersLeftIsNotMerged_data();
     void whatATornWriteOfOthersLeftIsNotMerged();
-    void untilAnotherHasWrittenAllWhatWasReadBeforeCounts();
+    void whatStandsInTheFileIsReadAlsoWhenItMayBeTorn();
+    void whatWasReadTornIsNotMergedEither();
     void aTextByHandNeedsNoLastLineFeed();
     void whoWritesInPlaceMeanwhileCostsNoSetting();
     void changesOfOthersAreSeenAfterASyncOnly();
@@ -253,17 +254,30 @@ void SettingsTest::whatATornWriteOfOthersLeftIsNotMerged()
     QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nservice=x\nvci=35\nvpi=8\n"));
 }
 
-void SettingsTest::untilAnotherHasWrittenAllWhatWasReadBeforeCounts()
+void SettingsTest::whatStandsInTheFileIsReadAlsoWhenItMayBeTorn()
 {
     writeAndRead("vci=35\nvpi=8\n");
-    writeFile(path, "");
+    writeFile(path, "[General]\nvci=37");
     QVERIFY(syncSettings(settings()));
-    QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("35"));
-    QCOMPARE(contentOf(path), QByteArray()); // whoever is writing goes on
+    QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("37"));
+    QCOMPARE(readSettingText(settings(), "vpi"), QString());
+    QCOMPARE(contentOf(path), QByteArray("[General]\nvci=37")); // whoever is writing goes on
     writeFile(path, "[General]\nvci=36\n");
     QVERIFY(syncSettings(settings()));
     QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("36"));
     QCOMPARE(readSettingText(settings(), "vpi"), QString());
+}
+
+void SettingsTest::whatWasReadTornIsNotMergedEither()
+{
+    writeAndRead("vci=35\nvpi=8\n");
+    writeFile(path, "");
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(readSettingText(settings(), "vci"), QString());
+    writeSetting(settings(), "idleness", 1);
+    QVERIFY(syncSettings(settings()));
+    QCOMPARE(contentOf(path), QByteArray("[General]\nidleness=1\nvci=35\nvpi=8\n"));
+    QCOMPARE(readSettingText(settings(), "vci"), QStringLiteral("35"));
 }
 
 void SettingsTest::aTextByHandNeedsNoLastLineFeed()
