@@ -25,7 +25,7 @@ def prepare(build):
     folder.mkdir(exist_ok=True)
     for file in folder.iterdir():
         file.unlink()
-    for program in ("norvixctl", "norvix-hald", "norvix-keeper"):
+    for program in ("norvixctl", "norvix-hald", "norvix-keeper", "norvix-desktop"):
         subprocess.run([build / "bin" / program, "--help"], stdout=subprocess.DEVNULL, check=True)
     for file in folder.iterdir():
         file.chmod(0o666)

@@ -158,7 +158,7 @@ class Scenes:
             share = 1.6 + math.sin(day * 1.9) + 0.5 * math.sin(day * 0.8)
             if day == NOW.day - 1:
                 share = 0.45
-            history.execute("INSERT INTO traffic VALUES (?, ?, ?)",
+            history.execute("INSERT OR REPLACE INTO traffic VALUES (?, ?, ?)",
                             (date(NOW.year, NOW.month, day + 1).isoformat(),
                              int(share * GIGABYTE), int((0.05 + share / 12) * GIGABYTE)))
         history.execute("INSERT INTO line (span, time, carrier, down_rate, up_rate, down_margin,"
