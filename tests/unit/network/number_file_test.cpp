@@ -36,7 +36,7 @@ private:
 
 QString NumberFileTest::fileWith(const QByteArray &content)
 {
-    const QString path = m_folder.filePath(QStringLiteral("rx_bytes"));
+    QString path = m_folder.filePath(QStringLiteral("rx_bytes"));
     writeFile(path, content);
     return path;
 }
