@@ -82,17 +82,12 @@ BusCall Controller::callFor(Request request) const
         return daemonCall(DaemonMethod::terminateConnection);
     case Request::RestartModem:
         return daemonCall(DaemonMethod::restartModem);
-    case Request::AdoptModem:
-        return daemonCall(DaemonMethod::useNewModem);
     }
     return {};
 }
 
 void Controller::request(Request request)
 {
-    if (request == Request::AdoptModem && m_model.announcedModem.isEmpty()) {
-        return; // the daemon would forget the modem that it knows
-    }
     const bool isDaemonThere = m_model.daemon == DaemonPresence::There;
     take(event::Requested{request});
     if (request == Request::Connect && !isDaemonThere) {

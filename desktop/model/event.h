@@ -19,7 +19,6 @@ enum class Request
     Connect,
     Disconnect,
     RestartModem,
-    AdoptModem,
 };
 
 namespace event {

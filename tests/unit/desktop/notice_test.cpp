@@ -346,7 +346,6 @@ private slots:
         day.keep();
         day.tell(DaemonSignal::newModemPlugged, {QStringLiteral("Speedtouch")}); // 1
         day.isSeen = true; // set up and connected in the window
-        day.happen(event::Requested{Request::AdoptModem});
         day.happen(event::Requested{Request::Connect});
         day.connectIt();
         day.isSeen = false;
