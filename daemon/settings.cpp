@@ -173,14 +173,13 @@ private:
         const QString mounted = mountedFile();
         int attempts = 0;
         do {
-            const bool isTorn = !isWhole();
-            isLeftOut = isTorn && m_isPending;
-            if (isTorn && !m_isPending) {
+            const bool mayBeMerged = isWhole();
+            isLeftOut = !mayBeMerged && m_isPending;
+            if (mayBeMerged) {
+                m_whole = settingsFrom(lastJudged.value_or(QByteArray())).values;
+            } else if (!m_isPending) {
                 sync(); // what stands in the file counts; m_whole waits for the next write
                 return true;
-            }
-            if (!isTorn) {
-                m_whole = settingsFrom(lastJudged.value_or(QByteArray())).values;
             }
             const SettingsMap merged = withChanges(m_whole);
             lastMerged = settingsText(merged);
@@ -223,7 +222,8 @@ private:
         return values;
     }
 
-    /// Whether the file may be read. One that somebody is writing in place is given a moment, once.
+    /// Whether the file may be merged with. One that somebody is writing in place is given a
+    /// moment, once.
     bool isWhole()
     {
         const SettingsMap values = known();
