@@ -13,8 +13,8 @@
 
 namespace {
 
-// Unloading waits for the driver's own threads.
-constexpr int restartMs = 60000;
+// Unloading waits for the driver's own threads, loading for firmware: the daemon gives each 90 s.
+constexpr int restartMs = 200000;
 
 QString moduleWord(Module module)
 {
