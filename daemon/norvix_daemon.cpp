@@ -10,6 +10,7 @@
 #include "dbus/daemon_adaptor.h"
 #include "driver/compiler_thread.h"
 #include "driver/restart_modem.h"
+#include "support/files/settings_text.h"
 #include "support/process/debug.h"
 #include "support/process/my_process.h"
 
@@ -93,7 +94,7 @@ void Norvix_Daemon::startLog()
     writeLog(constructorText(QStringLiteral("ctor invoked.")));
     const QStringList keys = settings()->allKeys();
     for (const QString &key : keys) {
-        const QString value = settingText(settings()->value(key));
+        const QString value = settingAsText(settings()->value(key));
         writeLog(constructorText(QStringLiteral("daemon.ini: %1 = %2").arg(key, value)));
     }
     logSettingsTrouble();

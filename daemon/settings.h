@@ -13,10 +13,7 @@ QSettings *settings();
 /// no plain one. Any thread.
 QVariant readSetting(QSettings *store, const char *key, const QVariant &fallback = QVariant());
 
-/// A value as text: a list that an unquoted comma made of a hand-written text is joined again.
-QString settingText(const QVariant &value);
-
-/// The same as readSetting(), as settingText().
+/// The same as readSetting(), as settingAsText().
 QString readSettingText(QSettings *store, const char *key, const QVariant &fallback = QVariant());
 
 /// Stores @p value under @p key; an invalid value takes the key away. It reaches the disk when the

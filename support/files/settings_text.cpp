@@ -418,3 +418,9 @@ QByteArray settingsText(const QMap<QString, QVariant> &values)
     }
     return text;
 }
+
+QString settingAsText(const QVariant &value)
+{
+    return value.type() == QVariant::StringList ? value.toStringList().join(QStringLiteral(", "))
+                                                : value.toString();
+}

@@ -33,3 +33,6 @@ ReadSettings settingsFrom(const QByteArray &text);
 /// The text that QSettings writes for the same values, byte for byte; groups in alphabetical order.
 /// Keys without a name deep in a group ("a/b/") are left out: such a line could not be read again.
 QByteArray settingsText(const QMap<QString, QVariant> &values);
+
+/// A value as text: a list that an unquoted comma made of a hand-written text is joined again.
+QString settingAsText(const QVariant &value);

@@ -39,6 +39,7 @@ SYSTEM = {
                              "network_status", "driver_build", "restart_modem", "resolver"],
     "daemon/process_end": ["start_and_end", "ending_storm"],
     "daemon/settings": ["settings", "setup", "modem_detection"],
+    "daemon/settings_store": ["settings", "setup", "modem_detection"],
     "daemon/setup": ["setup"],
     "daemon/setup_rules": ["setup"],
     "daemon/settings_slots": ["settings", "bus_interface"],
