@@ -105,9 +105,19 @@ QString waiting(const QString &what, const ConnectionModel &model, qint64 now)
     return seconds < 3 ? what : joined(what, Say::tr("%1 so far.").arg(durationText(seconds)));
 }
 
+/// Where a person goes on who could not end what is there.
+Action helpToEnd(const Failure &failure)
+{
+    return failure.kind == FailureKind::NotPermitted ? Action::SetUp : Action::CheckUp;
+}
+
 Headline connecting(const ConnectionModel &model, qint64 now)
 {
     const QString title = Say::tr("Connecting");
+    if (model.requestFailure) {
+        return {Standing::Connecting, title, requestFailureText(model.requestFailure),
+            Action::Cancel, helpToEnd(model.requestFailure)};
+    }
     switch (model.step) {
     case ConnectingStep::WaitingForLine:
         return {Standing::Connecting, title,
@@ -143,7 +153,9 @@ Headline connected(const ConnectionModel &model, qint64 now)
         headline.reason = Say::tr("For %1.").arg(durationText(*seconds));
     }
     Cause cause;
-    if (model.trouble != Trouble::None) {
+    if (model.requestFailure) {
+        cause = {requestFailureText(model.requestFailure), helpToEnd(model.requestFailure)};
+    } else if (model.trouble != Trouble::None) {
         cause = causeOf(model);
     } else if (model.keeper && model.keeper->reason == QLatin1String(KeeperReason::foreignLink)) {
         cause = keepersCause(model.keeper->reason);

@@ -164,6 +164,19 @@ def test_somebody_who_may_not_is_told_the_way(computer, new_desktop):
     world.window.find("push button", "Set up…")
 
 
+def test_somebody_who_may_not_end_a_connection_is_told_so(computer, new_desktop):
+    world = WindowWorld(computer, new_desktop(user="other", member=False))
+    if not world.machine.rooted:
+        pytest.skip("other users exist inside only as root")
+    computer.start_daemon()
+    world.client.call("establishConnection")
+    world.open()
+    world.window.press_button("Disconnect")
+    world.window.wait_text(re.compile("You are not allowed to use the modem yet."))
+    world.window.find("label", "Connected")
+    world.window.find("push button", "Set up…")
+
+
 def test_the_keyboard_reaches_every_control_of_the_page(world):
     world.computer.start_daemon()
     world.open()
