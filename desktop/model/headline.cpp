@@ -105,18 +105,12 @@ QString waiting(const QString &what, const ConnectionModel &model, qint64 now)
     return seconds < 3 ? what : joined(what, Say::tr("%1 so far.").arg(durationText(seconds)));
 }
 
-/// Where a person goes on who could not end what is there.
-Action helpToEnd(const Failure &failure)
-{
-    return failure.kind == FailureKind::NotPermitted ? Action::SetUp : Action::CheckUp;
-}
-
 Headline connecting(const ConnectionModel &model, qint64 now)
 {
     const QString title = Say::tr("Connecting");
     if (model.requestFailure) {
         return {Standing::Connecting, title, requestFailureText(model.requestFailure),
-            Action::Cancel, helpToEnd(model.requestFailure)};
+            Action::Cancel, wayOutOf(model.requestFailure)};
     }
     switch (model.step) {
     case ConnectingStep::WaitingForLine:
@@ -154,7 +148,7 @@ Headline connected(const ConnectionModel &model, qint64 now)
     }
     Cause cause;
     if (model.requestFailure) {
-        cause = {requestFailureText(model.requestFailure), helpToEnd(model.requestFailure)};
+        cause = {requestFailureText(model.requestFailure), wayOutOf(model.requestFailure)};
     } else if (model.trouble != Trouble::None) {
         cause = causeOf(model);
     } else if (model.keeper && model.keeper->reason == QLatin1String(KeeperReason::foreignLink)) {
@@ -315,6 +309,27 @@ QString requestFailureText(const Failure &failure)
         return Say::tr("The file %1 can not be used.").arg(failure.detail);
     }
     return {};
+}
+
+Failure absenceOf(DaemonPresence presence)
+{
+    switch (presence) {
+    case DaemonPresence::NoBus:
+        return {FailureKind::NoBus, {}};
+    case DaemonPresence::Away:
+        return {FailureKind::NoDaemon, {}};
+    case DaemonPresence::Silent:
+        return {FailureKind::NoAnswer, {}};
+    case DaemonPresence::Unknown:
+    case DaemonPresence::There:
+        break;
+    }
+    return {};
+}
+
+Action wayOutOf(const Failure &failure)
+{
+    return failure.kind == FailureKind::NotPermitted ? Action::SetUp : Action::CheckUp;
 }
 
 Headline headlineOf(const ConnectionModel &model, qint64 now)
