@@ -1503,6 +1503,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Welches Protokoll</translation>
     </message>
     <message>
+        <source>Clear the filter</source>
+        <translation>Filter leeren</translation>
+    </message>
+    <message>
         <source>Since the daemon&apos;s start</source>
         <translation>Seit dem Start des Dienstes</translation>
     </message>
@@ -1533,6 +1537,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>Copied, without login and password.</source>
         <translation>Kopiert, ohne Benutzername und Passwort.</translation>
+    </message>
+    <message>
+        <source>Copied. The daemon did not say what the login is: look whether it stands in the copy before you give it away.</source>
+        <translation>Kopiert. Der Dienst hat den Benutzernamen nicht genannt: Sehen Sie nach, ob er in der Kopie steht, bevor Sie sie weitergeben.</translation>
     </message>
     <message>
         <source>ADSL modem</source>
