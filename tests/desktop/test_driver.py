@@ -110,6 +110,18 @@ def test_a_build_that_runs_is_followed_to_its_end(world, desktop):
     assert not desktop.window.has("progress bar")
 
 
+def test_who_wants_no_movement_is_told_of_a_build_in_words(world, desktop):
+    desktop.appearance.move(False)
+    build(world, halting())
+    desktop.start()
+    desktop.window.select("Pages", "Modem and driver")
+    desktop.window.wait_text(re.compile("for [2-9] s already"))
+    assert not desktop.window.has("progress bar")
+    desktop.appearance.move(True)
+    desktop.window.find("progress bar", "The driver is being built")
+    world.go("compile")
+
+
 def test_a_build_that_succeeds_is_told(world, desktop):
     world.machine.standin("modprobe").set(if_installed=True)
     build(world, halting())
