@@ -227,7 +227,9 @@ def test_a_program_that_dies_is_an_error(program, moment, told):
     for line in demo.stdout:
         if moment in line:
             break
-    [process] = processes_of(demo, program)
+    # What it starts bears its name until it has become another program.
+    [process] = wait_until(lambda: len(found := processes_of(demo, program)) == 1 and found,
+                           what="just one " + program)
     os.kill(process, signal.SIGKILL)
     rest = ending(demo)
     assert demo.returncode == 1
