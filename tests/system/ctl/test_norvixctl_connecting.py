@@ -123,7 +123,9 @@ def test_connecting_is_for_the_group_only(machine_up):
 def test_disconnecting_ends_the_connection(machine_up):
     one_attempt(machine_up, link_up(device="8.35") + [stay()])
     result = Ctl(machine_up)("disconnect")
-    assert (result.status, result.stdout, result.stderr) == (OK, "Disconnected.\n", "")
+    assert (result.status, result.stdout) == (OK, "Disconnected.\n")
+    # On a busy machine pppd may take so long to end that it is said.
+    assert result.stderr == "" or words(result.stderr).startswith("A connection is still being made: ")
     wait_until(lambda: not machine_up.processes("pppd"), what="pppd is gone")
 
 

@@ -132,7 +132,7 @@ def test_bus_calls_are_answered_while_rmmod_hangs(bus_machine):
         begin = time.monotonic()
         assert client.call("reply") is True
         times.append(time.monotonic() - begin)
-    assert max(times) < 1
+    assert max(times) < 5  # if each waited for rmmod, none would come before the leave is given
     assert client.names(mark) == ["restartModemStarted"]
     go_on(bus_machine)
     client.wait_signal("restartModemFinished", after=mark)
