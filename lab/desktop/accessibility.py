@@ -287,12 +287,14 @@ class Element:
             stops.append(here)
         raise AssertionError("the focus never comes back: %s" % stops)
 
-    def _next_focus(self, position, timeout=2):
-        """What gets the focus after a position in the events; None when nothing does."""
+    def _next_focus(self, position, timeout=PATIENCE):
+        """What gets the focus first after a position in the events; None when nothing does."""
         while signal := self._bus.signal_at(position, timeout):
             position += 1
             if signal.name == "StateChanged" and signal.args[:2] == ("focused", 1):
-                return Element(self._bus, self._keyboard, signal.sender, signal.path)
+                element = Element(self._bus, self._keyboard, signal.sender, signal.path)
+                element.role  # a list tells of its row and of itself: all of that comes before the answer
+                return element
         return None
 
     # ---- the bus
