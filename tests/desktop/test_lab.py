@@ -94,6 +94,7 @@ def test_what_pkexec_does_is_told_by_the_test(desktop, probe):
 
 def test_a_picture_shows_the_window_at_rest(desktop, probe, tmp_path):
     desktop.start(probe)
+    desktop.window.find("frame", "Probe", {"active"})  # before that it may move, and look otherwise
     button = desktop.window.find("push button", "Greet")
     assert desktop.look(button) == desktop.look(button)
     desktop.picture(tmp_path / "window.png", desktop.window.find("frame", "Probe"))
