@@ -187,6 +187,19 @@ def test_a_daemon_that_is_not_running_is_started_from_the_modems_page(computer, 
     guide.says("plug it in again")
 
 
+def test_a_modem_in_use_is_not_called_new_before_the_daemon_has_answered(computer, desktop):
+    plug(computer)
+    use_a_modem(computer)
+    guide = at_the_beginning(desktop)
+    guide.says("^You may use the modem")
+    computer.daemon.signal(signal.SIGSTOP)
+    guide.next("Modem")
+    desktop.window.find("list item", re.compile("Thomson"))
+    assert not [said for said in desktop.window.texts() if "plug it in again" in said]
+    computer.daemon.signal(signal.SIGCONT)
+    guide.says("is ready")
+
+
 def test_next_takes_a_modem_that_was_found_into_use(computer, desktop):
     computer.start_daemon()
     guide = at_the_modem(desktop)
