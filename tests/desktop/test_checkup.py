@@ -136,6 +136,20 @@ def test_a_stranger_is_let_in_from_here_and_comes_back_here(computer, new_deskto
     assert not stranger.window.has("push button", "Let me use it…")
 
 
+def test_the_keyboard_stays_at_a_button_that_a_new_look_leaves_as_it_was(computer, desktop):
+    computer.machine.settings(protocol="PPPoE")
+    computer.machine.path("/opt/norvix/.daemon_ng.ini").chmod(0o644)
+    daemon = computer.start_daemon()
+    open_page(desktop)
+    desktop.window.find("push button", "Set the line…").focus()
+    daemon.signal(signal.SIGSTOP)
+    desktop.window.press_button("Check again")
+    desktop.window.wait_text(re.compile("^Looking"))
+    daemon.signal(signal.SIGCONT)
+    desktop.window.find("push button", "Check again", {"sensitive"})
+    assert desktop.window.has("push button", "Set the line…", {"focused"})
+
+
 def test_a_finding_leads_to_the_page_that_mends_it(computer, desktop):
     computer.machine.settings(protocol="PPPoE")
     computer.machine.path("/opt/norvix/.daemon_ng.ini").chmod(0o644)
