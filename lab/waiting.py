@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: MIT
 """Waiting for things to happen, with a deadline and a reason when they do not."""
+import os
 import re
 import time
 
-PATIENCE = 30.0  # seconds; a deadline for events that come, far above what a busy machine needs
+# Seconds; a deadline for events that come, far above what a busy machine needs. An emulated one needs more.
+PATIENCE = float(os.environ.get("NORVIX_PATIENCE") or 30)
 POLL = 0.005
 
 

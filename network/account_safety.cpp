@@ -5,6 +5,7 @@
 #include "support/files/pppd_escapes.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -76,14 +77,15 @@ QList<PppdWord> entryWords(const QString &login, const QString &password)
         {login.toLocal8Bit(), true}, {"*", false}, {password.toLocal8Bit(), false}, {"*", false}};
 }
 
-/// Whether the last word is an option "user" whose value is still to come.
-bool expectsLogin(const QList<PppdWord> &words)
+/// Whether each word is the value of an option "user", and last whether one behind them would be.
+/// The value may be "user" as well.
+std::vector<bool> loginPlaces(const QList<PppdWord> &words)
 {
-    bool expects = false;
+    std::vector<bool> places = {false};
     for (const PppdWord &word : words) {
-        expects = !expects && word.text == "user";
+        places.push_back(!places.back() && word.text == "user");
     }
-    return expects;
+    return places;
 }
 
 } // namespace
@@ -168,7 +170,7 @@ AccountFault faultInPeerFile(const QByteArray &content, const QString &login)
     const QByteArray value = login.toLocal8Bit();
     const QList<PppdWord> before = pppdWords(content);
     const QList<PppdWord> after = pppdWords(edited);
-    if (expectsLogin(before)) {
+    if (loginPlaces(before).back()) {
         return AccountFault::FileDisagrees; // our "user" would be the value, our value an option
     }
     if (after == before + QList<PppdWord>{{"user", true}, {value, false}}) {
@@ -177,10 +179,10 @@ AccountFault faultInPeerFile(const QByteArray &content, const QString &login)
     if (before.size() != after.size()) {
         return AccountFault::FileDisagrees;
     }
+    const std::vector<bool> places = loginPlaces(after);
     bool isThere = false;
     for (int index = 0; index < after.size(); ++index) {
-        const bool isLogin
-            = index > 0 && after.at(index - 1).text == "user" && after.at(index).text == value;
+        const bool isLogin = places[std::size_t(index)] && after.at(index).text == value;
         if (!isLogin && !(after.at(index) == before.at(index))) {
             return AccountFault::FileDisagrees;
         }

@@ -134,6 +134,7 @@ void ModemPage::askWhatIsInUse()
     controller().bus().ask(
         setupCall(SetupMethod::GetSettings), this, [this](const BusAnswer &answer) {
             m_isAsking = false;
+            m_isInUseKnown = true;
             const std::optional<QVariantMap> settings = busMap(answer.value());
             if (answer.ok() && settings) {
                 m_inUse = {settings->value(QStringLiteral("vendor_id")).toInt(),
@@ -177,6 +178,10 @@ void ModemPage::refresh()
         return;
     }
     const ConnectionModel &model = controller().model();
+    if (model.daemon == DaemonPresence::There && !m_isInUseKnown) {
+        askWhatIsInUse(); // until then a modem that is in use would seem to be a new one
+        return;
+    }
     ModemFacts facts;
     facts.system = *m_system;
     facts.system.configured = m_inUse;

@@ -40,6 +40,7 @@ private:
     UsbId m_inUse = {0, 0};
     bool m_isLooking = false;
     bool m_isAsking = false;
+    bool m_isInUseKnown = false; ///< the daemon has answered once
     bool m_isAdopting = false;
     bool m_isNextWanted = false; ///< "Next" waits for the modem to be taken into use
     QElapsedTimer m_looked; ///< the whole system, not only the modems

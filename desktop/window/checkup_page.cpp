@@ -188,8 +188,15 @@ Deed CheckupPage::helpFor(const Remedy &remedy) const
     return wasDone ? explanationOf(remedy) : deed;
 }
 
+/// Rows that would say the same stay: somebody may be at one of their buttons.
 void CheckupPage::showFindings()
 {
+    const QByteArray findings = findingsText(m_seen.findings);
+    if (findings == m_shownFindings && m_doneVerbs == m_shownDoneVerbs) {
+        return;
+    }
+    m_shownFindings = findings;
+    m_shownDoneVerbs = m_doneVerbs;
     const CheckupList list = checkupListOf(m_seen.findings);
     m_title->setText(checkupTitle(m_seen.findings));
     auto *content = new QWidget;

@@ -6,6 +6,7 @@
 #include "desktop/model/deed.h"
 #include "desktop/window/page.h"
 
+#include <QByteArray>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -50,6 +51,8 @@ private:
 
     Seen m_seen;
     QSet<int> m_doneVerbs; ///< since the person has asked for a check
+    QByteArray m_shownFindings;
+    QSet<int> m_shownDoneVerbs;
     QTimer m_clock; ///< tells how long a check runs already
     qint64 m_since = 0; ///< the running check, milliseconds since 1970; 0 for none
     bool m_isRepeatWanted = false;

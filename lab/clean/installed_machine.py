@@ -21,10 +21,10 @@ from ..waiting import PATIENCE, wait_until
 HERE = Path(__file__).resolve().parent
 INSIDE = "/run/repository/lab"
 LAB = "/mnt/lab"
-# What the machine needs beside what ./install brings: a screen, its services, and what plays a modem.
-PACKAGES = ("at-spi2-core", "dbus-user-session", "fonts-dejavu-core", "gir1.2-umockdev-1.0",
-            "libglib2.0-bin", "openbox", "pkexec", "polkitd", "python3", "python3-gi", "umockdev",
-            "xdotool", "xvfb")
+# What the machine needs beside what ./install brings: a screen and its services, and what plays a modem.
+DESKTOP_PACKAGES = ("at-spi2-core", "dbus-user-session", "fonts-dejavu-core", "libglib2.0-bin", "openbox",
+                    "pkexec", "polkitd", "python3", "xdotool", "xvfb")
+PACKAGES = (*DESKTOP_PACKAGES, "gir1.2-umockdev-1.0", "python3-gi", "umockdev")
 
 
 class InstalledMachine(PrivateMachine):
@@ -59,13 +59,16 @@ class InstalledMachine(PrivateMachine):
     def _boot(self):
         self._control, theirs = socket.socketpair()
         with theirs:
-            words = self._system.command(
-                "unshare", "--mount", "--net", "--pid", "--fork", "--kill-child=KILL", "/usr/bin/python3",
-                "-ISB", INSIDE + "/clean/installed_init.py", str(theirs.fileno()), LAB)
+            words = [*self._words_of_process_1(), str(theirs.fileno()), LAB]
             self._process = subprocess.Popen(words, pass_fds=[theirs.fileno()], stdin=subprocess.DEVNULL)
         self.request("exits", since=0)  # it has begun
         self._keeper = last_child(self._process.pid)
         self._keeper_end = open(os.pidfd_open(self._keeper), "rb", buffering=0)
+
+    def _words_of_process_1(self):
+        return self._system.command(
+            "unshare", "--mount", "--net", "--pid", "--fork", "--kill-child=KILL", "/usr/bin/python3",
+            "-ISB", INSIDE + "/clean/installed_init.py")
 
     def _end(self):
         super()._end()

@@ -26,6 +26,8 @@ NEED_NO_NAME = {"application", "desktop frame", "filler", "panel", "frame", "lay
 COMBO = "combo box"
 LABELLED_BY = 2
 TAB_LIMIT = 300
+GONE = "org.freedesktop.DBus.Error.UnknownObject"  # what a program answers for an element that it has taken away
+MOST_LOOKS = 20
 
 ROLES = weakref.WeakKeyDictionary()  # bus to {element: role}; an element keeps its role
 
@@ -38,6 +40,19 @@ def fits(wanted, text):
     if isinstance(wanted, re.Pattern):
         return bool(wanted.search(text))
     return wanted is None or wanted == text
+
+
+def anew_when_gone(look):
+    """Looks or acts once more when an element went in the middle of it: what has come in its place was not
+    seen, and nothing was done."""
+    for _ in range(MOST_LOOKS):
+        try:
+            return look()
+        except BusError as error:
+            if error.name != GONE:
+                raise
+        time.sleep(BETWEEN_LOOKS)
+    return look()
 
 
 class Element:
@@ -134,6 +149,9 @@ class Element:
 
     def seen(self):
         """This element and all in it that is shown, in order: a list of Seen."""
+        return anew_when_gone(self._look)
+
+    def _look(self):
         told, level = {}, [self]
         while level:
             level = self._ask(level, told)
@@ -141,32 +159,38 @@ class Element:
 
     def _ask(self, elements, told):
         """Asks all elements of a level at once, so that this takes only as long as the tree is deep.
-        told: element to what it said and its children. Returns the next level."""
+        told: element to what it said and its children. Returns the next level. Raises BusError for one
+        that has gone while its program is there."""
         roles = ROLES.setdefault(self._bus, {})
         asked = [(element, [element._start(PROPERTIES, "Get", "ss", ACCESSIBLE, "Name"),
                             element._start(ACCESSIBLE, "GetState"),
                             element._start(ACCESSIBLE, "GetChildren")],
                   None if element in roles else element._start(ACCESSIBLE, "GetRoleName")) for element in elements]
-        below = []
+        below, gone = [], None
         for element, serials, role in asked:
             try:
                 name, bits, references = [self._bus.finish_call(serial).body[0] for serial in serials]
                 if role is not None:
                     roles[element] = self._bus.finish_call(role).body[0]
-            except BusError:  # it has just gone
+            except BusError as error:
+                roles.pop(element, None)  # another may come by its path
+                gone = error if error.name == GONE and element != self else gone
                 continue
             states = _states(bits)
             if "showing" in states or element.path == ROOT:
                 children = [Element(self._bus, self._keyboard, *one) for one in references]
                 told[element] = (roles[element], name[1], states, children)
                 below += children
+        if gone:
+            raise gone
         return below
 
     def matches(self, role=None, name=None, states=()):
         """All that fit now. A combo box is called by what is chosen in it, so here by its label."""
-        return [one.element for one in self.seen()
-                if fits(role, one.role) and one.states.issuperset(states)
-                and fits(name, one.element.label if role == COMBO else one.name)]
+        return anew_when_gone(lambda: [
+            one.element for one in self._look()
+            if fits(role, one.role) and one.states.issuperset(states)
+            and fits(name, one.element.label if role == COMBO else one.name)])
 
     def has(self, role=None, name=None, states=()):
         return bool(self.matches(role, name, states))
@@ -208,7 +232,7 @@ class Element:
 
     def press_button(self, name, role="push button", **options):
         """Presses a button as soon as it is shown and can be pressed."""
-        self.find(role, name, {"sensitive"}, **options).press()
+        anew_when_gone(lambda: self.find(role, name, {"sensitive"}, **options).press())
 
     def fill(self, name, text, role="text"):
         """Writes into the field of that name."""
@@ -238,17 +262,24 @@ class Element:
             box.press()
 
     def answer_time(self):
-        """Seconds until the program has answered: as long as its main loop is busy."""
+        """Seconds until the program has answered, of the whole desktop all of them one after another: as
+        long as its main loop is busy."""
+        asked = self.children() if self._key() == (REGISTRY, ROOT) else [self]
+        assert asked, "there is no program"
         before = time.monotonic()
-        self.role
+        for element in asked:
+            element.role
         return time.monotonic() - before
 
     # ---- judging
 
     def texts(self):
         """All that is to be read now, in order: names, and what is written in fields."""
+        return anew_when_gone(self._texts)
+
+    def _texts(self):
         said = []
-        for one in self.seen():
+        for one in self._look():
             said.append(one.name)
             if one.role in ("text", "password text", "paragraph"):
                 said.append(one.element.text)
@@ -283,12 +314,14 @@ class Element:
             stops.append(here)
         raise AssertionError("the focus never comes back: %s" % stops)
 
-    def _next_focus(self, position, timeout=2):
-        """What gets the focus after a position in the events; None when nothing does."""
+    def _next_focus(self, position, timeout=PATIENCE):
+        """What gets the focus first after a position in the events; None when nothing does."""
         while signal := self._bus.signal_at(position, timeout):
             position += 1
             if signal.name == "StateChanged" and signal.args[:2] == ("focused", 1):
-                return Element(self._bus, self._keyboard, signal.sender, signal.path)
+                element = Element(self._bus, self._keyboard, signal.sender, signal.path)
+                element.role  # a list tells of its row and of itself: all of that comes before the answer
+                return element
         return None
 
     # ---- the bus

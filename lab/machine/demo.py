@@ -15,6 +15,7 @@ from .modem_families import FAMILIES, TRAINED_AFTER, identity, up_line
 from .private_machine import PrivateMachine
 from .signal_text import size, state, text_of
 from .simulated_usb import SimulatedUsb
+from ..waiting import wait_until
 
 HELP = Path(__file__).with_name("demo-help.txt")
 UPLOAD_RATES = (20_000, 45_000, 33_000, 60_000)  # bytes per second, in turn
@@ -295,6 +296,9 @@ class Demo:
             expected.discard(came.name if came else None)
         if expected:
             raise Failed("expected and did not come: " + ", ".join(sorted(expected)))
+        # A killed pppd takes its interface along when it comes to die.
+        wait_until(lambda: self.client.call("getConnectionState") != 0 or time.monotonic() > deadline,
+                   what="the interface is gone")
         number = self.call("getConnectionState")
         self.tell("lab", "answer", state(number))
         if number != 2:

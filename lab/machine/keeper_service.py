@@ -9,6 +9,7 @@ from pathlib import Path
 
 from jeepney import DBusAddress, HeaderFields, new_method_return, new_signal
 
+from .bus_client import BusError
 from .furnishing import NORVIX_GROUP
 from .played_service import PlayedService
 from ..waiting import PATIENCE, NotHappened, wait_until
@@ -75,9 +76,9 @@ class KeeperOnTheBus:
                 for row in self.call(method, signature, *(arguments or (1000,)))]
 
     def wait_for(self, timeout=PATIENCE, **wanted):
-        """Waits until properties have these values."""
-        self.wait_properties(lambda now: all(now[name] == value for name, value in wanted.items()),
-                             timeout, "the keeper says %s" % wanted)
+        """Waits until properties have these values; all of them as they were then."""
+        return self.wait_properties(lambda now: all(now[name] == value for name, value in wanted.items()),
+                                    timeout, "the keeper says %s" % wanted)
 
     def wait_properties(self, is_wanted, timeout=PATIENCE, what="properties that fit"):
         """Waits until is_wanted, a function, says so of the properties; looks at them whenever the
@@ -146,7 +147,10 @@ class Keeper(KeeperOnTheBus):
         def ready():
             if self.process.ended():
                 raise RuntimeError("norvix-keeper has ended:\n" + self.process.errors())
-            return self.client.owner_of(NAME)
+            try:
+                return self.client.pid_of(NAME) == self.process.pid  # not one's that has just ended
+            except BusError:
+                return False
 
         wait_until(ready, what="norvix-keeper owns its name", detail=self.process.errors)
 

@@ -27,7 +27,7 @@ from .furnishing import ETC_OF_THE_HOST, furnish
 from .kernel_log import KernelLog, RealKernelLog
 from .pppd_script import Pppd
 from .standin_control import Standin, read_calls
-from ..waiting import PATIENCE, wait_until
+from ..waiting import PATIENCE, read_text, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 HERE = REPOSITORY / "lab/machine"
@@ -416,8 +416,7 @@ class PrivateMachine:
 
     def daemon_log(self):
         """The text of the daemon's main log."""
-        path = self.path("/opt/norvix/daemon.log")
-        return path.read_text(encoding="utf-8", errors="replace") if path.exists() else ""
+        return read_text(self.path("/opt/norvix/daemon.log"))  # a daemon that starts takes it away
 
     def sanitizer_reports(self):
         """What the memory checkers of daemon and companion have reported, as text; empty when all is

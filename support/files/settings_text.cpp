@@ -382,12 +382,15 @@ ReadSettings settingsFrom(const QByteArray &text)
     const QByteArray content = text.startsWith(byteOrderMark) ? text.mid(3) : text;
     Lines lines(content);
     QString group;
+    bool isOverlong = false;
     for (Line line; lines.next(&line);) {
         if (line.text.startsWith('[')) {
             const int end = line.text.indexOf(']');
+            const QByteArray name = line.text.mid(1, end < 0 ? -1 : end - 1).trimmed();
+            isOverlong = name.size() > longestSectionName;
             result.isWellFormed = result.isWellFormed && end >= 0;
-            group = groupFrom(line.text.mid(1, end < 0 ? -1 : end - 1).trimmed());
-        } else if (line.equals < 0) {
+            group = groupFrom(name);
+        } else if (line.equals < 0 || isOverlong) {
             result.isWellFormed = false;
         } else {
             int keyEnd = line.equals;

@@ -85,18 +85,19 @@ class Guide:
 
     def back_to(self, title):
         """From where it is, page by page."""
-        here = next(step for step in STEPS if self.number(step) in self.window.texts())
-        for step in reversed(STEPS[STEPS.index(title):STEPS.index(here)]):
+        for step in reversed(STEPS[STEPS.index(title):self._place()]):
             self.press("Back").at(step)
         return self
 
     def skip_to(self, title):
         """From where it is, without storing anything."""
-        while self.number(title) not in self.window.texts():
-            before = set(self.window.texts())
-            self.press("Skip")
-            self.window.wait(lambda: set(self.window.texts()) != before, what="the next page")
+        for step in STEPS[self._place() + 1:STEPS.index(title) + 1]:
+            self.press("Skip").at(step)
         return self
+
+    def _place(self):
+        said = self.window.texts()
+        return next(place for place, step in enumerate(STEPS) if self.number(step) in said)
 
 
 def stored(machine, key):

@@ -203,9 +203,11 @@ class Scenes:
         say = self.translated
         self.window.press_button(say("Assistant…"))
         self._wait_step(1)
-        for step in (2, 3):
-            self.window.press_button(say("Next"))
-            self._wait_step(step)
+        self.window.press_button(say("Next"))
+        self._wait_step(2)
+        self.window.wait_text(say("%1 is ready.").replace("%1", MODEM.name))
+        self.window.press_button(say("Next"))
+        self._wait_step(3)
         self.window.choose(say("Country"), say("Italy"))
         self.window.choose(say("Provider"), "TIM (Alice)")
         self.window.find("push button", say("Next")).focus()

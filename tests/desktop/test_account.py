@@ -70,6 +70,7 @@ def test_what_a_screen_reader_writes_counts_as_typed(world):
 
 def test_what_is_not_allowed_is_said_while_typing(world):
     world.open(PAGE)
+    world.window.wait(lambda: field(world, "Login").text == "login", what="the login is shown")
     field(world, "Login").focus()
     world.desktop.keys("ctrl+a")
     world.desktop.type("x" * 51)
@@ -129,17 +130,16 @@ def test_what_somebody_else_stores_is_shown_unless_one_is_editing(world):
     world.open(PAGE)
     world.window.wait(lambda: field(world, "VCI", "spin box").value == 35, what="it is shown")
 
-    def store(number):
+    def store(**numbers):
         world.client.call_raw(
-            "SetSettings", "a{sv}", {"vci": ("i", number)}, service="com.norvix.Daemon",
-            path="/com/norvix/Setup", interface="com.norvix.Setup1")
+            "SetSettings", "a{sv}", {name: ("i", number) for name, number in numbers.items()},
+            service="com.norvix.Daemon", path="/com/norvix/Setup", interface="com.norvix.Setup1")
 
-    store(48)
+    store(vci=48)
     world.window.wait(lambda: field(world, "VCI", "spin box").value == 48, what="it is shown anew")
     field(world, "VPI", "spin box").set_value(1)
-    store(49)
-    world.window.press_button("Connect when the computer starts", role="check box")
-    wait_until(lambda: settings(world).get("connect_at_boot"), what="the next thing has happened")
+    store(vci=49, idleness=7)
+    world.window.wait_text(re.compile("An idle time of 7 is stored"))  # shown together with the line
     assert field(world, "VCI", "spin box").value == 48
     assert field(world, "VPI", "spin box").value == 1
 

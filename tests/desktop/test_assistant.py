@@ -11,8 +11,9 @@ from first_connection import (PEER, PRIVATE, SECRETS, Guide, furnish, hide_in_sy
 from lab.desktop.session import join_group
 from lab.machine.private_machine import REPOSITORY
 from lab.machine.pppd_script import end, link_up, out, stay
-from lab.waiting import wait_until
+from lab.waiting import read_text
 
+AT_ONCE = 2  # seconds, for a busy machine; whoever waits for what hangs here waits for much longer
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
 
 
@@ -123,8 +124,8 @@ def test_a_question_for_the_password_that_hangs_can_be_left(computer, stranger):
     guide = at_the_beginning(stranger)
     stranger.pkexec.behaviour = "hang"
     guide.press("Let me use it…")
-    guide.says("Waiting for an administrator's password for [2-9] s")
-    assert stranger.window.answer_time() < 0.5
+    guide.says("Waiting for an administrator's password for ")
+    assert stranger.window.answer_time() < AT_ONCE
     guide.press("Stop waiting").says("Nobody waits")
     guide.press("Next").says("You may not use the modem yet")
     guide.press("Skip").at("Modem")
@@ -184,6 +185,19 @@ def test_a_daemon_that_is_not_running_is_started_from_the_modems_page(computer, 
                                               "start-daemon"]
     started.append(computer.start_daemon())
     guide.says("plug it in again")
+
+
+def test_a_modem_in_use_is_not_called_new_before_the_daemon_has_answered(computer, desktop):
+    plug(computer)
+    use_a_modem(computer)
+    guide = at_the_beginning(desktop)
+    guide.says("^You may use the modem")
+    computer.daemon.signal(signal.SIGSTOP)
+    guide.next("Modem")
+    desktop.window.find("list item", re.compile("Thomson"))
+    assert not [said for said in desktop.window.texts() if "plug it in again" in said]
+    computer.daemon.signal(signal.SIGCONT)
+    guide.says("is ready")
 
 
 def test_next_takes_a_modem_that_was_found_into_use(computer, desktop):
@@ -260,7 +274,10 @@ def test_what_can_not_be_stored_is_said_while_typing(computer, desktop):
     desktop.window.fill("Login", "me")
     desktop.window.fill("Password", "@/etc/shadow")
     guide.says("begins with “@/”")
-    guide.press("Next").says("begins with “@/”")
+    desktop.window.find("text", "Login").focus()
+    guide.press("Next")
+    desktop.window.find("text", "Password", {"focused"})  # it leads to what is to be mended
+    guide.says("begins with “@/”")
     assert "shadow" not in secrets(computer.machine)[0]
 
 
@@ -314,7 +331,7 @@ def test_no_password_is_left_anywhere_but_in_its_files(computer, stranger):
     spoken = "".join(program.output() + program.errors() for program in stranger.started)
     written = [path for folder in ("/run/home/user", "/tmp", "/opt/norvix")
                for path in computer.machine.path(folder).rglob("*")
-               if path.is_file() and b"very-secret" in path.read_bytes()]
+               if path.is_file() and "very-secret" in read_text(path)]
     assert ("very-secret" in spoken, written) == (False, [])
 
 
@@ -371,6 +388,7 @@ def test_the_keyboard_alone_leads_through_the_pages(computer, desktop):
     use_a_modem(computer)
     guide = at_the_beginning(desktop)
     guide.says("^You may use the modem")
+    desktop.window.find("dialog", states={"active"})  # until then keys go to the window behind it
     desktop.keys("Return")
     guide.at("Modem").says("is ready")
     desktop.keys("Return")

@@ -10,6 +10,7 @@ from first_connection import PEER, PRIVATE, SECRETS, furnish, show_in_sysfs
 from lab.machine.private_machine import REPOSITORY
 
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="other users exist inside only as root")
+AT_ONCE = 2  # seconds, for a busy machine; a daemon that hangs is waited for at least twice as long
 MEND = "/opt/norvix/libexec/norvix-desktop-mend"
 
 
@@ -107,8 +108,8 @@ def test_a_frozen_daemon_freezes_nothing_and_is_restarted_by_its_button(computer
     open_page(desktop)
     daemon.signal(signal.SIGSTOP)
     desktop.window.press_button("Check again")
-    desktop.window.wait_text(re.compile("Looking for [2-9] s already"))
-    assert desktop.window.answer_time() < 0.5
+    desktop.window.wait_text(re.compile("Looking for .* already"))
+    assert desktop.window.answer_time() < AT_ONCE
     assert desktop.window.has("push button", "Copy report")
     desktop.window.wait_text(re.compile("is on the bus but does not answer"), timeout=60)
     desktop.window.press_button("Restart the daemon…")
@@ -136,6 +137,20 @@ def test_a_stranger_is_let_in_from_here_and_comes_back_here(computer, new_deskto
     assert not stranger.window.has("push button", "Let me use it…")
 
 
+def test_the_keyboard_stays_at_a_button_that_a_new_look_leaves_as_it_was(computer, desktop):
+    computer.machine.settings(protocol="PPPoE")
+    computer.machine.path("/opt/norvix/.daemon_ng.ini").chmod(0o644)
+    daemon = computer.start_daemon()
+    open_page(desktop)
+    desktop.window.find("push button", "Set the line…").focus()
+    daemon.signal(signal.SIGSTOP)
+    desktop.window.press_button("Check again")
+    desktop.window.wait_text(re.compile("^Looking"))
+    daemon.signal(signal.SIGCONT)
+    desktop.window.find("push button", "Check again", {"sensitive"})
+    assert desktop.window.has("push button", "Set the line…", {"focused"})
+
+
 def test_a_finding_leads_to_the_page_that_mends_it(computer, desktop):
     computer.machine.settings(protocol="PPPoE")
     computer.machine.path("/opt/norvix/.daemon_ng.ini").chmod(0o644)
@@ -144,6 +159,7 @@ def test_a_finding_leads_to_the_page_that_mends_it(computer, desktop):
     desktop.window.press_button("Set the line…")
     desktop.window.wait_gone("push button", "Check again")
     desktop.window.select("Pages", "Check-up")
+    desktop.window.find("push button", "Check again", {"sensitive"})  # what is found anew takes the place of the old
     desktop.window.press_button("Take into use…")
     desktop.window.wait_text("2 of 5")
 

@@ -15,7 +15,7 @@ from window_world import WindowWorld  # noqa: E402
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="tarballs are trusted only if / is root's")
 BUILDING = re.compile("The driver is being built")
 UDI = "/org/freedesktop/Hal/devices/usb_device_1110_9041_noserial"
-SLOW = 0.5  # seconds; the machine may be busy
+SLOW = 1  # seconds; the machine may be busy
 
 
 @pytest.fixture
@@ -103,7 +103,7 @@ def test_a_build_that_runs_is_followed_to_its_end(world, desktop):
     desktop.window.find("progress bar", "The driver is being built")
     assert "last piece" not in wait_output(desktop.window, "first piece")
     assert not desktop.window.has("push button", "Build the driver anew…", {"sensitive"})
-    desktop.window.wait_text(re.compile("for [2-9] s already"))
+    desktop.window.wait_text(re.compile("for (?![01] s).+ already"))
     world.go("compile")
     wait_output(desktop.window, "last piece")
     desktop.window.wait_gone(None, BUILDING)

@@ -3,6 +3,8 @@
 import os
 import platform
 import re
+import signal
+import threading
 
 import pytest
 
@@ -26,6 +28,17 @@ def test_a_window_is_read_filled_in_and_pressed_by_the_names_of_its_parts(deskto
     assert desktop.window.wait_text(re.compile("letters")) == "Änne, 6 letters, pear, 3 grey, sure"
     assert desktop.window.find("text", "Name").text == "Änne"
     assert desktop.window.nameless() == [("push button", "")]
+
+
+def test_a_program_that_is_busy_answers_late(desktop, probe):
+    program = desktop.start(probe)
+    desktop.window.find("push button", "Greet")
+    program.signal(signal.SIGSTOP)
+    later = threading.Timer(0.5, program.signal, [signal.SIGCONT])
+    later.start()
+    assert desktop.window.answer_time() > 0.2
+    later.join()
+    assert desktop.window.find("frame", "Probe").answer_time() >= 0
 
 
 def test_the_keyboard_goes_round_all_parts(desktop, probe):
@@ -81,6 +94,7 @@ def test_what_pkexec_does_is_told_by_the_test(desktop, probe):
 
 def test_a_picture_shows_the_window_at_rest(desktop, probe, tmp_path):
     desktop.start(probe)
+    desktop.window.find("frame", "Probe", {"active"})  # before that it may move, and look otherwise
     button = desktop.window.find("push button", "Greet")
     assert desktop.look(button) == desktop.look(button)
     desktop.picture(tmp_path / "window.png", desktop.window.find("frame", "Probe"))

@@ -31,10 +31,12 @@ def test_a_day_is_told_in_few_words(computer, desktop):
     assert desktop.notifications.wait(2).summary == "The window is in the tray"
 
     # A loss is told, in place of what was told before; its coming back is not.
+    before = world.client.mark()
     world.hang_up()
     lost = desktop.notifications.wait(3)
     assert lost.summary == "Connection lost"
-    desktop.wait_on_bus(lambda: item.tooltip.startswith("Connected"), 60, "it is back")
+    world.client.wait_signal("connectionEstablished", 60, after=before)
+    desktop.wait_on_bus(lambda: item.tooltip.startswith("Connected"), what="it is back")
 
     # Ended from the menu: not told.
     item.press("Disconnect")
@@ -50,11 +52,11 @@ def test_what_was_switched_off_is_not_told(computer, desktop):
     desktop.tray.start()
     world.open("Preferences")
     world.window.check("an attempt to connect has failed", False)
+    item = desktop.tray.item()  # without it closing the window would end the program
     desktop.keys("alt+F4")
     wait_hidden(desktop)
     desktop.notifications.wait()
     world.refuse()
-    item = desktop.tray.item()
     item.press("Connect")
     desktop.wait_on_bus(lambda: "refused" in item.tooltip, what="the item tells the refusal",
                         detail=lambda: item.tooltip)

@@ -94,11 +94,14 @@ def test_the_item_tells_the_state_and_opens_a_menu_and_the_window(computer, desk
     world.window.find("label", "Connected")
     assert panel.wait_change(offline)
 
+    world.turn_to("Preferences")  # nothing changes by itself there
+    world.window.find("check box", "an attempt to connect has failed")
     before = desktop.look()
     panel.click(item, 3)
     wait_until(lambda: any(old != new for old, new in zip(before.rows[HEIGHT:], desktop.look().rows[HEIGHT:])),
                what="the menu is open")
     panel.use("key", "Down", "Down", "Return")  # the second entry
+    world.turn_to("Connection")
     world.window.find("label", "Not connected")
     panel.use("mousemove", *ELSEWHERE)  # so that nothing is marked
     wait_until(lambda: panel.look() == offline, what="the item tells it")

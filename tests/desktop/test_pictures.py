@@ -11,11 +11,11 @@ from picture_scenes import PRIVATE, Scenes
 
 from lab.desktop.picture import Picture
 from lab.machine.private_machine import ADDRESS_SANITIZER, BUILD, REPOSITORY
+from lab.waiting import PATIENCE
 
 KEPT = REPOSITORY / "docs/pictures"
 MADE = Path(os.environ.get("NORVIX_PICTURES") or BUILD / "pictures")
 MOST_BYTES = 60_000
-UNTIL_DRAWN = 5  # seconds; a busy machine draws later than it answers
 # What draws letters and widgets. Another version may set a pixel elsewhere, and nobody has changed anything.
 DRAWN_BY = {"fonts-dejavu-core": "2.37-", "libfreetype6": "2.12.1+", "libfontconfig1": "2.14.1-",
             "libqt5gui5": "5.15.8+", "libqt5widgets5": "5.15.8+"}
@@ -61,7 +61,7 @@ class Album:
         file, kept = MADE / (name + ".png"), KEPT / (name + ".png")
         wanted = Picture.load(kept) if not self._obstacle and MADE != KEPT and kept.exists() else None
         element = self._desktop.window.find(role)
-        deadline = time.monotonic() + UNTIL_DRAWN
+        deadline = time.monotonic() + PATIENCE  # a busy machine draws later than it answers
         while True:
             seen = self._desktop.look(element)
             if wanted in (None, seen) or time.monotonic() > deadline:

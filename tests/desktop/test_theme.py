@@ -4,15 +4,14 @@ from lab.waiting import wait_until
 from test_tray import wait_shown
 
 
-def is_dark(desktop):
-    """Whether the window's ground is, beside its lower edge."""
+def brightness(desktop):
+    """Of the window's ground, beside its lower edge; 0 where it is not drawn yet."""
     x, y, width, height = wait_shown(desktop).extents
-    red, green, blue = desktop.look().colour(x + width - 3, y + height - 3)
-    return red + green + blue < 3 * 128
+    return sum(desktop.look().colour(x + width - 3, y + height - 3)) / 3
 
 
 def wait_dark(desktop, wanted):
-    wait_until(lambda: is_dark(desktop) == wanted, what="dark: %s" % wanted)
+    wait_until(lambda: 0 < (seen := brightness(desktop)) and (seen < 128) == wanted, what="dark: %s" % wanted)
 
 
 def test_it_is_as_light_or_dark_as_the_desktop_and_changes_with_it(desktop):

@@ -98,7 +98,7 @@ def test_a_frozen_tray_holds_nothing_up(desktop):
     desktop.tray.freeze()
     desktop.start("norvix-desktop")
     wait_shown(desktop)
-    assert desktop.window.answer_time() < 1
+    assert desktop.window.answer_time() < 2  # on a busy machine; what is frozen never answers
     desktop.tray.thaw()
     desktop.tray.item()
 

@@ -49,7 +49,10 @@ class World(PlayedProvider):
             assert result.status == 0, result.stderr
 
     def connect(self):
+        """Until the keeper knows of the link, and the pppd that brought it up has left it to its child."""
+        here = len(self.client.signals)
         self.client.call("establishConnection")
+        self.client.wait_signal("connectionState", after=here)
         self.keeper.wait_for(State="connected")
 
     def attempts(self):

@@ -133,19 +133,23 @@ def addresses(device):
     return [address for entry in json.loads(shown or "[]") for address in entry.get("addr_info", [])]
 
 
-class Connection:
-    """Modem, line, provider, and the whole system's own daemon and keeper."""
+SETTINGS = "\n".join(
+    ["[General]", "vendor_id=%d" % world.VENDORS["cxacru"], "product_id=%d" % world.PRODUCTS["cxacru"],
+     "modem=%s" % world.NAMES["cxacru"], "udi=%s" % world.UDIS["cxacru"], "protocol=PPPoE",
+     "vpi=%d" % world.VPI, "vci=%d" % world.VCI]) + "\n"
 
-    def __init__(self):
+
+class Computer:
+    """The whole system's own daemon and keeper, a line and a provider. No modem is plugged in, and what
+    is set up is in the settings, if there are any."""
+
+    def __init__(self, settings=""):
         wait_until(lambda: is_active("dbus") and is_active("systemd-logind"), PATIENCE, "it is booted")
         system.run("modprobe", "-a", *system.MODULES)
-        write("/opt/norvix/.daemon_ng.ini", "\n".join(
-            ["[General]", "vendor_id=%d" % world.VENDORS["cxacru"],
-             "product_id=%d" % world.PRODUCTS["cxacru"], "modem=%s" % world.NAMES["cxacru"],
-             "udi=%s" % world.UDIS["cxacru"], "protocol=PPPoE", "vpi=%d" % world.VPI,
-             "vci=%d" % world.VCI]) + "\n")
-        inside("chgrp", "norvix", "/opt/norvix/.daemon_ng.ini")
-        inside("chmod", "0640", "/opt/norvix/.daemon_ng.ini")
+        if settings:
+            write("/opt/norvix/.daemon_ng.ini", settings)
+            inside("chgrp", "norvix", "/opt/norvix/.daemon_ng.ini")
+            inside("chmod", "0640", "/opt/norvix/.daemon_ng.ini")
         for unit in UNITS:
             start(unit)
         self.line = Line(world.QUICK)
@@ -159,7 +163,17 @@ class Connection:
         self.keeper = keeper_service.KeeperOnTheBus(
             client(), lambda: inside("journalctl", "--no-pager", "-b", "-u", "norvix-keeper"))
         self.modem = vhci.Socket()
+
+    def plug(self):
         self.modem.plug(cxacru.Cxacru(self.line), system.MODEM_PORT)
+
+
+class Connection(Computer):
+    """With a modem that is used already, and an account."""
+
+    def __init__(self):
+        super().__init__(SETTINGS)
+        self.plug()
         self.client.wait_signal("modemPlugged", timeout=PATIENCE)
         self.client.call("setAccountData", provider.LOGIN, provider.PASSWORD)
         wait_until(lambda: world.UP_LINES["cxacru"] in system.kernel_log(), PATIENCE, "the line is up")
@@ -600,9 +614,9 @@ def is_told(story, connection):
         return False
 
 
-def main():
-    connection = Connection()
-    well = [is_told(globals()[name], connection) for name in sys.argv[1:]]
+def tell(stories, computer):
+    """The exit status: 0 when all go as they should."""
+    well = [is_told(story, computer) for story in stories]
     for unit in UNITS:
         said = inside("journalctl", "--no-pager", "-b", "-u", unit)
         for text in ("Permission denied", "Operation not permitted", "Read-only file system"):
@@ -611,4 +625,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(tell([globals()[name] for name in sys.argv[1:]], Connection()))

@@ -22,6 +22,7 @@ def establish(machine, steps=None):
         machine.pppd.script(steps)
     client = machine.client()
     daemon = machine.start_daemon()
+    daemon.wait_started()  # before, no line of pppd means anything
     client.call("establishConnection")
     return daemon, client
 

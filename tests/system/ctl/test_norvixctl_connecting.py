@@ -13,7 +13,7 @@ def machine_up_fixture(bus_machine):
     """The line is up and the daemon runs; PPPoA, which needs no bridge."""
     bus_machine.settings(protocol="PPPoA", vpi=8, vci=35)
     bus_machine.kernel_log.line_up()
-    bus_machine.start_daemon()
+    bus_machine.start_daemon().wait_started()
     return bus_machine
 
 
@@ -81,7 +81,7 @@ def test_a_refused_account_is_named(machine_up):
     ([out("Plugin pppoatm.so loaded.\n"), out("connect(8.35): No such device\n"), end(1)], [],
      NOT_CONNECTED, "There is no ATM device"),
     ([end(1)], [], NOT_CONNECTED, "norvixctl doctor"),
-    ([wait_for("never")], ["--timeout", "1"], TOO_LONG, "Still connecting")],
+    ([wait_for("never")], ["--timeout", "3"], TOO_LONG, "Still connecting")],
     ids=["silent provider", "explained by pppd's lines", "without a word", "out of time"])
 def test_an_attempt_that_comes_to_nothing_says_why(machine_up, steps, options, status, told):
     result = one_attempt(machine_up, steps, *options)
@@ -123,7 +123,9 @@ def test_connecting_is_for_the_group_only(machine_up):
 def test_disconnecting_ends_the_connection(machine_up):
     one_attempt(machine_up, link_up(device="8.35") + [stay()])
     result = Ctl(machine_up)("disconnect")
-    assert (result.status, result.stdout, result.stderr) == (OK, "Disconnected.\n", "")
+    assert (result.status, result.stdout) == (OK, "Disconnected.\n")
+    # On a busy machine pppd may take so long to end that it is said.
+    assert result.stderr == "" or words(result.stderr).startswith("A connection is still being made: ")
     wait_until(lambda: not machine_up.processes("pppd"), what="pppd is gone")
 
 
@@ -181,7 +183,10 @@ def test_on_a_terminal_it_asks_before_it_ends_another_pppd(machine_up, answer, s
     wait_until(lambda: machine_up.processes("pppd"), what="the other pppd runs")
     result = Ctl(machine_up).on_terminal("disconnect", dialogue=[("[y/N]", answer + "\r")])
     assert result.status == status
-    assert (other.ended() is None) == (status != OK)
+    if status == OK:
+        assert other.wait() == -9
+    else:
+        assert other.ended() is None
 
 
 def test_disconnecting_needs_a_daemon(bus_machine):

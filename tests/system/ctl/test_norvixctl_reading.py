@@ -252,8 +252,9 @@ def test_nothing_on_the_command_line_steers_the_terminal(machine):
 def test_todays_facts_are_printed(machine):
     assert Ctl(machine)("log", "--daily").status == FAILED
     machine.path("/var/log/norvix").mkdir()
-    machine.run(["/bin/sh", "-c", "echo fact > /var/log/norvix/$(date +%d-%m-%Y).log"],
-                env={"TZ": "UTC"})
+    # Tomorrow's, too: it may be midnight.
+    machine.run(["/bin/sh", "-c", "for day in now tomorrow; do"
+                 " echo fact > /var/log/norvix/$(date -d $day +%d-%m-%Y).log; done"], env={"TZ": "UTC"})
     assert Ctl(machine)("log", "--daily").stdout == "fact\n"
     machine.add_locale("fa_IR")  # which has digits of its own; the daemon's names have not
     assert Ctl(machine)("log", "--daily", env={"LC_ALL": "fa_IR.UTF-8"}).stdout == "fact\n"

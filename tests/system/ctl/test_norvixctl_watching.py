@@ -33,6 +33,12 @@ def said(process, text, count=1):
                detail=lambda: process.output() + process.errors())
 
 
+def send_and_receive(machine):
+    """For a minute; some has gone both ways."""
+    machine.traffic(50_000, seconds=60)
+    wait_until(lambda: int(machine.read("/sys/class/net/ppp0/statistics/rx_bytes")), what="traffic")
+
+
 def validate(name, line):
     schema = json.loads(SCHEMA.read_text(encoding="utf-8"))
     jsonschema.validate(json.loads(line), schema["definitions"][name])
@@ -73,7 +79,7 @@ def test_monitor_survives_the_daemons_restart(ready):
     said(process, "the daemon has started")
     daemon.stop()
     said(process, "the daemon has ended")
-    ready.start_daemon()
+    ready.start_daemon().wait_started()
     said(process, "the daemon has started", count=2)
     Ctl(ready)("connect", "--wait")
     said(process, "connection established")
@@ -119,7 +125,7 @@ def test_a_signal_ends_it_well(running, command, number):
 
 def test_in_a_pipe_each_second_is_a_line(running):
     Ctl(running)("connect", "--wait")
-    running.traffic(50_000, seconds=60)
+    send_and_receive(running)
     result = Ctl(running)("watch", "--count", "3")
     assert result.status == OK
     lines = result.stdout.splitlines()
@@ -130,7 +136,7 @@ def test_in_a_pipe_each_second_is_a_line(running):
 
 def test_each_second_is_an_object_or_key_value_words(running):
     Ctl(running)("connect", "--wait")
-    running.traffic(50_000, seconds=60)
+    send_and_receive(running)
     found = [validate("watch", line)
              for line in Ctl(running)("watch", "-n", "3", "--json").stdout.splitlines()]
     assert found[-1]["state"] == "connected" and found[-1]["receivedBytes"] > 0
@@ -143,6 +149,7 @@ def test_watch_survives_the_daemons_restart(ready):
     process = Ctl(ready).start("watch")
     said(process, "the daemon is not running")
     daemon = ready.start_daemon()
+    daemon.wait_started()
     said(process, "not connected")
     Ctl(ready)("connect", "--wait")
     said(process, "received")
@@ -154,7 +161,7 @@ def test_watch_survives_the_daemons_restart(ready):
 
 def test_on_a_terminal_rates_are_a_running_graph(running):
     Ctl(running)("connect", "--wait")
-    running.traffic(50_000, seconds=60)
+    send_and_receive(running)
     result = Ctl(running).on_terminal("watch", "-n", "4", rows=20, columns=60)
     assert result.status == OK
     assert result.stdout.rstrip().endswith("\x1b[?25h\x1b[?1049l")  # cursor and screen come back

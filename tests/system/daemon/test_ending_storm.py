@@ -80,12 +80,15 @@ def test_a_signal_on_a_worker_thread_ends_the_daemon_too(bus_machine):
     for _ in range(20):
         client = bus_machine.client()
         daemon = bus_machine.start_daemon()
+        daemon.wait_started()  # the thread that looks after the driver has ended
         client.call("establishConnection")
-        client.wait_signal("establishingConnection")
-        tasks = bus_machine.run(["ls", "/proc/%d/task" % daemon.pid]).stdout.split()
+        client.wait_signal("synchronizing")  # the last of its thread's signs of life for five seconds
+        tasks = [int(task) for task in
+                 bus_machine.run(["ls", "/proc/%d/task" % daemon.pid]).stdout.split()]
         assert len(tasks) > 1
         # tgkill delivers to that thread alone.
-        code = "import ctypes,sys; ctypes.CDLL(None).syscall(234, %d, %s, 15)" % (daemon.pid, tasks[-1])
+        code = "import ctypes, sys; sys.exit(ctypes.CDLL(None).syscall(234, %d, %d, 15))" % (
+            daemon.pid, max(tasks))
         assert bus_machine.run(["/usr/bin/python3", "-c", code]).status == 0
         assert daemon.wait_exit() == 255
         assert daemon.output().endswith("Norvix Daemon: Signal 15 handled\n")

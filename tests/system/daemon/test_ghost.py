@@ -50,13 +50,14 @@ def test_a_ghost_is_ended_and_the_daemon_starts_again(machine_with_script):
     machine = machine_with_script
     ghost = leave_ghost(machine)
     refused = machine.start_daemon(wait=False)
+    assert refused.parent_status() == 0
     assert refused.wait_exit() == 1  # the name is taken, and it ends nobody itself
     assert daemons(machine) == [ghost]
 
     done = machine.run([SCRIPT])
     assert (done.status, done.stdout) == (0, "ended %d, left of a daemon that was killed\n" % ghost)
     wait_until(lambda: machine.client().owner_of(SERVICE) is None, what="the name is free")
-    machine.start_daemon()
+    machine.start_daemon().wait_started()
     machine.pppd.script(link_up() + [stay()])
     client = machine.client()
     client.call("establishConnection")
@@ -72,13 +73,14 @@ def test_a_ghost_of_a_program_that_has_been_replaced_is_ended_too(machine_with_s
     program.write_bytes(content)
     program.chmod(0o755)
     assert machine.run([SCRIPT]).status == 0
-    assert daemons(machine) == []
+    wait_until(lambda: daemons(machine) == [], what="the ghost is gone", detail=lambda: daemons(machine))
 
 
 def test_a_daemon_that_runs_and_its_connection_are_left_alone(machine_with_script):
     machine = machine_with_script
     machine.pppd.script(link_up() + [stay()])
     daemon = machine.start_daemon()
+    daemon.wait_started()
     client = machine.client()
     client.call("establishConnection")
     client.wait_signal("connectionEstablished")

@@ -47,8 +47,9 @@ SILENT_BUS = """
 import os, socket
 os.makedirs("/run/dbus", exist_ok=True)
 server = socket.socket(socket.AF_UNIX)
-server.bind("/run/dbus/system_bus_socket")
+server.bind("/run/dbus/not-yet")
 server.listen()
+os.rename("/run/dbus/not-yet", "/run/dbus/system_bus_socket")
 visitor, _ = server.accept()
 visitor.recv(1)
 print("somebody came", flush=True)
@@ -70,6 +71,7 @@ def test_a_signal_ends_it_the_same_way_while_a_bus_keeps_it_waiting(machine, num
 @pytest.mark.parametrize("number", [signal.SIGHUP, signal.SIGINT, signal.SIGTERM])
 def test_a_signal_prints_its_line_and_ends_with_status_255(bus_machine, number):
     daemon = bus_machine.start_daemon()
+    daemon.wait_started()  # which has its own lines to print
     daemon.signal(number)
     assert daemon.wait_exit() == 255
     assert daemon.output().endswith("Norvix Daemon: Signal %d handled\n" % number)
@@ -80,6 +82,7 @@ def test_a_running_pppd_survives_the_signal(bus_machine):
     bus_machine.pppd.script(link_up() + [stay()])
     client = bus_machine.client()
     daemon = bus_machine.start_daemon()
+    daemon.wait_started()
     client.call("establishConnection")
     client.wait_signal("connectionEstablished")
     pppd = bus_machine.calls("pppd")[0]
@@ -100,6 +103,7 @@ def test_a_second_instance_says_so_and_ends_with_254(bus_machine):
 
 def test_past_the_lock_the_bus_name_stops_a_second_instance(bus_machine):
     first = bus_machine.start_daemon()
+    first.wait_started()  # the log is the second one's from here on
     bus_machine.path(LOCK).unlink()
     second = bus_machine.start_daemon(wait=False)
     assert second.wait_exit() == 1

@@ -599,7 +599,7 @@ def test_bus_calls_are_served_during_the_build(world, built):
     times.sort()
     print("reply during a build: median %.2f ms, worst %.2f ms" % (
         times[len(times) // 2] * 1000, times[-1] * 1000))
-    assert times[-1] < 1
+    assert times[-1] < 5  # if each waited for the build, none would come before the leave is given
 
 
 def test_each_build_begins_its_log_anew(world, built):

@@ -132,7 +132,7 @@ def test_bus_calls_are_answered_while_rmmod_hangs(bus_machine):
         begin = time.monotonic()
         assert client.call("reply") is True
         times.append(time.monotonic() - begin)
-    assert max(times) < 1
+    assert max(times) < 5  # if each waited for rmmod, none would come before the leave is given
     assert client.names(mark) == ["restartModemStarted"]
     go_on(bus_machine)
     client.wait_signal("restartModemFinished", after=mark)
@@ -146,7 +146,7 @@ def test_a_connection_is_terminated_before_the_module_is_reloaded(connectable):
             if name in ("connectionTerminated", "restartModemStarted", "restartModemFinished")]
     assert told == ["connectionTerminated", "restartModemStarted", "restartModemFinished"]
     assert [command[0] for command in programs(connectable)] == ["killall", "rmmod", "modprobe"]
-    assert client.call("getConnectionState") == 2
+    wait_until(lambda: client.call("getConnectionState") == 2, what="the interface is gone with pppd")
 
 
 def test_a_second_restart_is_refused_and_leaves_the_connection_alone(connectable):

@@ -91,14 +91,16 @@ def test_nothing_is_answered_before_everything_is_known(place, usb, client):
     for port in range(200):
         usb.plug("1-%d" % port, 0x1110, 0x9041, serial=str(port), interfaces=())
     hald = HalCompanion(place, usb, wait=False)
-    for _ in range(10000):
+
+    def count():
         try:
-            count = len(devices(client))
-            break
+            return len(devices(client))
         except BusError as error:
             assert error.name == "org.freedesktop.DBus.Error.ServiceUnknown"
             assert hald.process.ended() is None
-    assert count == 202
+            return None
+
+    assert wait_until(count, what="it answers") == 202
 
 
 @pytest.mark.parametrize("group,line", [("udev", "udev"), ("kernel", "the kernel"), ("auto", "the kernel")])

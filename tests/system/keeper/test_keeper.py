@@ -158,10 +158,13 @@ def test_many_losses_in_a_row_leave_nothing_behind(machine):
         world.keeper.wait_for(State="connected")
         if number == min(LOSSES // 2, 50):
             early = size()
+    # What it is just reading is open for a moment.
+    wait_until(lambda: size()[1] == early[1], what="as many descriptors as before",
+               detail=lambda: (early, size()))
     late = size()
     print("memory (KiB) and descriptors: %s, then %s" % (early, late))
     assert world.keeper.ended() == ["hung-up"] * LOSSES
-    assert late[0] - early[0] <= 400 and late[1] == early[1]
+    assert late[0] - early[0] <= 400
 
 
 # ---- attempts that fail
@@ -169,9 +172,8 @@ def test_many_losses_in_a_row_leave_nothing_behind(machine):
 def test_an_attempt_that_nobody_answers_is_told_with_the_next_one(world):
     world.be_silent()
     world.client.call("establishConnection")
-    world.keeper.wait_for(State="waiting", Reason="no-concentrator", Attempts=1)
-    properties = world.keeper.properties()
-    assert 0 <= properties["NextAttempt"] - time.time() <= 7
+    properties = world.keeper.wait_for(State="waiting", Reason="no-concentrator", Attempts=1)
+    assert 0 < properties["NextAttempt"] - properties["Since"] <= 7
     world.answer()
     world.keeper.wait_for(State="connected", Attempts=0, NextAttempt=0)
     [row] = world.keeper.rows("GetAttempts")
@@ -182,10 +184,9 @@ def test_a_refused_account_is_tried_seldom_and_at_once_when_it_changes(world):
     world.connect()
     world.refuse()
     world.machine.pppd.trigger("hang-up-1")
-    world.keeper.wait_for(Reason="account-refused")
-    properties = world.keeper.properties()
+    properties = world.keeper.wait_for(Reason="account-refused")
     assert properties["State"] == "waiting"
-    assert 50 <= properties["NextAttempt"] - time.time() <= 67  # it worked a moment ago
+    assert 50 <= properties["NextAttempt"] - properties["Since"] <= 67  # it worked a moment ago
     attempts = world.attempts()
     world.answer()
     world.client.call("setAccountData", "me@isp", "secret")
@@ -249,7 +250,8 @@ def test_what_the_user_has_ended_does_not_come_back(world):
     world.connect()
     world.client.call("terminateConnection")
     stays_idle(world)
-    assert world.keeper.ended() == ["user"]
+    wait_until(lambda: world.keeper.ended() == ["user"], what="it is clear who ended it",
+               detail=world.keeper.ended)
 
 
 def test_a_disconnect_during_the_bridge_step_ends_the_link_that_comes_all_the_same(machine):
@@ -261,7 +263,7 @@ def test_a_disconnect_during_the_bridge_step_ends_the_link_that_comes_all_the_sa
     up = world.client.wait_signal("connectionEstablished")
     over = world.client.wait_signal("connectionTerminated", count=2)
     print("ended after %.2f s" % (over.time - up.time))
-    assert over.time - up.time < 1
+    assert over.time - up.time < 5  # as soon as the link is seen, not at the next look of ten seconds
     stays_idle(world)
 
 
@@ -334,6 +336,7 @@ def test_an_unplugging_while_nobody_listened_is_no_disconnect(world):
     time.sleep(2.1)  # the log tells seconds
     world.keeper.kill()
     world.hal.unplug(world.modem)
+    world.client.wait_signal("modemUnplugged")
     wait_until(lambda: world.links() == [], what="the link is gone")
     world.start_keeper()
     world.keeper.wait_for(State="waiting-for-modem", Wanted=True, Reason="unplugged")
@@ -378,8 +381,8 @@ def test_the_link_ends_before_sleep_and_comes_back_after_it(machine):
     logind.announce_sleep(True)
     wait_until(lambda: not logind.is_held, what="sleep is let go")
     print("let go after %.2f s" % (time.monotonic() - begun))
-    assert time.monotonic() - begun < 1
-    assert world.links() == []
+    assert time.monotonic() - begun < 5  # the log-in service waits no longer
+    wait_until(lambda: world.links() == [], what="the link is gone")
     world.keeper.wait_for(State="asleep")
     assert logind.asked == 1
     logind.announce_sleep(False)
@@ -396,6 +399,7 @@ def test_a_link_of_somebody_else_is_not_killed_for_sleep(machine, address):
     world.connect()
     world.add_foreign("ppp7", address)
     world.keeper.wait_for(ForeignLinks=["ppp7"])
+    wait_until(lambda: logind.is_held, what="sleep is held up")
     logind.announce_sleep(True)
     wait_until(lambda: not logind.is_held, what="sleep is let go")
     world.client.expect_no_signal("connectionTerminated")
@@ -452,8 +456,7 @@ def test_traffic_is_counted_by_day_and_month_and_a_limit_only_warns(world):
     world.machine.traffic(50_000, seconds=2)
 
     def used():
-        [month] = world.keeper.rows("GetMonths")
-        return month["received"] + month["sent"]
+        return sum(month["received"] + month["sent"] for month in world.keeper.rows("GetMonths"))
 
     wait_until(lambda: used() > 100_000, what="traffic is counted", detail=used)
     world.keeper.call("SetLimit", "t", 50_000)
@@ -468,6 +471,6 @@ def test_traffic_is_counted_by_day_and_month_and_a_limit_only_warns(world):
     world.hang_up()
     world.wait_lost()
     [session] = [row for row in world.keeper.rows("GetSessions") if "reason" in row]
-    [day] = world.keeper.rows("GetDays")
-    assert session["received"] + session["sent"] <= day["received"] + day["sent"]
+    days = sum(day["received"] + day["sent"] for day in world.keeper.rows("GetDays"))  # two at midnight
+    assert session["received"] + session["sent"] <= days
     assert session["sent"] > 50_000

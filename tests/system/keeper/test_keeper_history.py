@@ -137,21 +137,26 @@ def test_a_read_only_disk_is_said(world):
     assert "a restart will forget the wish" in keeper.process.errors()
 
 
+def sent(keeper):
+    """On all days: there are two when it is just midnight."""
+    return sum(day["sent"] for day in keeper.rows("GetDays"))
+
+
 @ROOT_ONLY
 def test_a_kill_loses_a_minute_of_traffic_at_most(world):
     world.connect()
     world.machine.traffic(20_000, seconds=1).wait()
-    [before] = world.keeper.rows("GetDays")  # books what is counted up to now
+    before = sent(world.keeper)  # books what is counted up to now
     world.keeper.kill()
     world.machine.traffic(20_000, seconds=1).wait()
     keeper = world.start_keeper()
     keeper.wait_for(State="connected")
     world.hang_up()
     world.wait_lost()
-    [after] = keeper.rows("GetDays")
-    assert after["sent"] >= before["sent"] + 15_000
+    after = sent(keeper)
+    assert after >= before + 15_000
     [session] = [row for row in keeper.rows("GetSessions") if "reason" in row]
-    assert session["sent"] == after["sent"] or len(keeper.rows("GetSessions")) == 2
+    assert session["sent"] == after or len(keeper.rows("GetSessions")) == 2
 
 
 def test_history_grows_by_little(world):

@@ -16,6 +16,7 @@ def connected(machine, *arguments, steps=None):
     machine.pppd.script(steps or link_up() + [stay()])
     client = machine.client()
     daemon = machine.start_daemon(*arguments)
+    daemon.wait_started()  # before, no line of pppd means anything
     client.call("establishConnection")
     client.wait_signal("transmissionSpeed")
     return daemon, client
@@ -25,12 +26,16 @@ def counter(machine, name, interface="ppp0"):
     return int(machine.read("/sys/class/net/%s/statistics/%s" % (interface, name)))
 
 
-def final_totals(machine, client):
-    """Received and sent bytes once the last answer of the far end is in, as the kernel counts them;
-    by then they have been told."""
+def totals_after_traffic(machine, client, seconds):
+    """Received and sent bytes after so much traffic, once the last answer of the far end is in, as the
+    kernel counts them; by then they have been told."""
+    traffic = machine.traffic(bytes_per_second=20000, seconds=seconds)
+    assert traffic.wait() == 0, traffic.errors()
+
     def told():
         totals = (counter(machine, "rx_bytes"), counter(machine, "tx_bytes"))
-        return totals if client.named("transmissionBytes")[-1].args == totals else None
+        is_all = min(totals) >= int(traffic.output())
+        return totals if is_all and client.named("transmissionBytes")[-1].args == totals else None
 
     return wait_until(told, what="the daemon tells what the kernel counts")
 
@@ -131,8 +136,7 @@ def test_the_interface_is_found_through_the_pid_files(bus_machine, files, interf
 
 def test_the_figures_are_the_kernels_own(bus_machine):
     _, client = connected(bus_machine)
-    bus_machine.traffic(bytes_per_second=20000, seconds=3).wait()
-    final = final_totals(bus_machine, client)
+    final = totals_after_traffic(bus_machine, client, seconds=3)
     assert final[0] > 50000 and final[1] > 50000
     totals = [signal.args for signal in client.named("transmissionBytes")]
     speeds = [signal.args for signal in client.named("transmissionSpeed")]
@@ -164,8 +168,7 @@ def test_counters_that_cannot_be_read_are_0_and_noted(bus_machine):
 def test_the_totals_of_an_ended_link_go_to_the_daily_log(bus_machine):
     lines = link_up()
     _, client = connected(bus_machine, steps=lines + [wait_for("again"), *lines, stay()])
-    bus_machine.traffic(bytes_per_second=20000, seconds=1).wait()
-    final = final_totals(bus_machine, client)
+    final = totals_after_traffic(bus_machine, client, seconds=1)
     bus_machine.pppd.trigger("again")
     client.wait_signal("connectionEstablished", count=2)
     log = wait_until(lambda: next(iter(bus_machine.path("/var/log/norvix").glob("*.log")), None),
@@ -181,11 +184,13 @@ def test_the_totals_of_an_ended_link_go_to_the_daily_log(bus_machine):
 
 def test_the_clock_keeps_time_for_half_a_minute(bus_machine):
     _, client = connected(bus_machine)
-    first = client.wait_signal("connectionTime")
-    last = client.wait_signal("connectionTime", count=31, timeout=60)
-    seconds = [3600 * s.args[0] + 60 * s.args[1] + s.args[2] for s in client.named("connectionTime")]
-    assert seconds[:31] == list(range(seconds[0], seconds[0] + 31))
-    assert abs((last.time - first.time) - 30) < 0.5  # a coarse timer would be 1.5 s late
+    client.wait_signal("connectionTime", count=31, timeout=60)
+    ticks = client.named("connectionTime")[:31]
+    seconds = [3600 * s.args[0] + 60 * s.args[1] + s.args[2] for s in ticks]
+    assert seconds == list(range(seconds[0], seconds[0] + 31))
+    # Each may have come late on a busy machine; a coarse timer would be 50 ms later with each.
+    late = [tick.time - number for number, tick in enumerate(ticks)]
+    assert abs(min(late[-10:]) - min(late[:10])) < 0.5
 
 
 @pytest.mark.parametrize("text,first", [
@@ -221,8 +226,7 @@ def test_a_hanging_ps_costs_two_seconds_a_time(bus_machine):
     bus_machine.standin("ps").set(sleep=1000)
     here = client.mark()
     daemon.stop()
-    bus_machine.start_daemon(wait=False)
-    wait_until(lambda: client.owner_of(), what="the daemon is back")
+    bus_machine.start_daemon()
     begun = time.monotonic()
     assert client.call("reply", timeout=20) is True
     assert time.monotonic() - begun < 10

@@ -202,7 +202,7 @@ def test_a_mount_point_that_is_read_only_is_reported(line):
 def test_programs_then_ask_the_servers_that_were_written(line, resolv):
     """Both addresses are put on this machine's loopback; the primary answers, and when it is gone
     the secondary is asked."""
-    resolv.write_text("options timeout:1 attempts:1\n" + WRONG, encoding="ascii")
+    resolv.write_text("options timeout:10 attempts:1\n" + WRONG, encoding="ascii")
     assert line.connect() == REPAIR
     script = line.machine.path("/opt/norvix/fake_name_server.py")
     shutil.copy(Path(__file__).parents[1].joinpath("fake_name_server.py"), script)

@@ -191,6 +191,8 @@ void TestAccountSafety::aLoginDoesNotBecomeAnOptionBehindOneWithoutItsValue()
 {
     QCOMPARE(faultInPeerFile("noauth\nuser\n", "login"), AccountFault::FileDisagrees);
     QCOMPARE(faultInPeerFile("user user\n", "login"), AccountFault::None);
+    // The value of the first is "user", and what follows that an option, whatever its quotes.
+    QCOMPARE(faultInPeerFile("user\nuser \"debug\"\n", "plugin"), AccountFault::FileDisagrees);
 }
 
 void TestAccountSafety::aLoginLineThatIsOnlyACommentDoesNotCount()

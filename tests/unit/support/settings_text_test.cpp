@@ -82,6 +82,7 @@ private slots:
     void linesThatMeanNothingAreTold_data();
     void linesThatMeanNothingAreTold();
     void manyKeysAreReadQuickly();
+    void aLongSectionNameDoesNotStandBeforeThousandsOfKeys();
 };
 
 void TestSettingsText::filesAreReadAsTheLibraryReadsThem()
@@ -224,6 +225,19 @@ void TestSettingsText::manyKeysAreReadQuickly()
     {
         QVERIFY(settingsFrom(text).values.size() > 9000);
     }
+}
+
+void TestSettingsText::aLongSectionNameDoesNotStandBeforeThousandsOfKeys()
+{
+    QByteArray text = "[" + QByteArray(mostSettingsBytes / 2, 's') + "]\n";
+    for (int i = 0; text.size() < mostSettingsBytes; ++i) {
+        text += QByteArray::number(i, 36) + "=\n";
+    }
+    const ReadSettings read = settingsFrom(text + "[General]\nvpi=8\n");
+    QCOMPARE(read.values, (QMap<QString, QVariant>{{QStringLiteral("vpi"), QStringLiteral("8")}}));
+    QVERIFY(!read.isWellFormed);
+    const ReadSettings usual = settingsFrom("[" + QByteArray(100, 's') + "]\nvpi=8\n");
+    QCOMPARE(usual.values.size(), 1);
 }
 
 QTEST_APPLESS_MAIN(TestSettingsText)
