@@ -133,11 +133,13 @@ QString lineText(const LineStatus &status)
 {
     switch (status.line) {
     case Line::Up:
-        return status.downKbit && status.upKbit
-            ? Say::tr("synchronised, %1 kbit/s down, %2 kbit/s up")
-                  .arg(*status.downKbit)
-                  .arg(*status.upKbit)
-            : Say::tr("synchronised");
+        if (!status.downKbit) {
+            return Say::tr("synchronised");
+        }
+        return status.upKbit ? Say::tr("synchronised, %1 kbit/s down, %2 kbit/s up")
+                                   .arg(*status.downKbit)
+                                   .arg(*status.upKbit)
+                             : Say::tr("synchronised, %1 kbit/s down").arg(*status.downKbit);
     case Line::Synchronising:
         return Say::tr("synchronising");
     case Line::Booting:

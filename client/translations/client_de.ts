@@ -308,6 +308,10 @@
         <translation>%1 (pppd: „%2“)</translation>
     </message>
     <message>
+        <source>synchronised, %1 kbit/s down</source>
+        <translation>synchronisiert, %1 kbit/s Empfang</translation>
+    </message>
+    <message>
         <source>synchronised, %1 kbit/s down, %2 kbit/s up</source>
         <translation>synchronisiert, %1 kbit/s Empfang, %2 kbit/s Senden</translation>
     </message>

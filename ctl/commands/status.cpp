@@ -2,6 +2,7 @@
 // norvixctl status
 #include "client/daemon_bus.h"
 #include "client/keeper_bus.h"
+#include "client/line_status.h"
 #include "client/link_facts.h"
 #include "client/routes.h"
 #include "client/say.h"
@@ -14,6 +15,8 @@
 #include "ctl/screen/remedy_text.h"
 #include "ctl/screen/report.h"
 #include "dbus/contract.h"
+
+#include <QDateTime>
 
 namespace {
 
@@ -58,13 +61,23 @@ void addModem(Report &report, const BusReply &plugged)
         plugged.ok() ? QJsonValue(isPlugged) : QJsonValue(QJsonValue::Null));
 }
 
-void addLine(Report &report)
+std::optional<LineSample> newestSample(const DaemonBus &bus)
 {
-    LineStatus status = lineStatus().value_or(LineStatus());
-    if (status.line == Line::Unknown) {
-        if (const auto carrier = atmCarrier()) {
-            status.line = *carrier ? Line::Up : Line::Down;
-        }
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    const auto samples = KeeperBus(bus).lineQuality(now - freshLineSeconds, now);
+    return samples.value.isEmpty() ? std::nullopt : std::optional<LineSample>(samples.value.last());
+}
+
+/// A keeper that does not answer is not asked once more.
+void addLine(Report &report, const DaemonBus &bus, bool doesKeeperAnswer)
+{
+    LineSources sources{lineStatus(), atmCarrier(), std::nullopt};
+    LineStatus status = lineStatusOf(sources);
+    const bool isUnsaid
+        = status.line == Line::Unknown || (status.line == Line::Up && !status.downKbit);
+    if (isUnsaid && doesKeeperAnswer) {
+        sources.sample = newestSample(bus);
+        status = lineStatusOf(sources);
     }
     const Tone tone = status.line == Line::Up ? Tone::Good : Tone::Doubtful;
     report.add(QStringLiteral("line.state"), lineWord(status.line), Say::tr("Line"),
@@ -171,9 +184,9 @@ int runStatus(const Invocation &, const Terminal &terminal)
         isRunning ? Tone::Good : Tone::Bad);
     addModem(report,
         bus.call(DaemonMethod::getIsModemPlugged, {}, DaemonBus::Start::Never, shortTimeoutMs));
-    addLine(report);
-    addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
     const KeeperAnswer<KeeperState> keeper = KeeperBus(bus).state();
+    addLine(report, bus, keeper.ok());
+    addConnection(report, bus, state.ok() ? state.value.toInt() : connectionUnknown);
     addKeeper(report, keeper, QStringLiteral("keeper."));
     addIdleTime(report, bus, keeper);
     report.add(QStringLiteral("driver.compiling"),

@@ -22,7 +22,6 @@ namespace desktop {
 namespace {
 
 constexpr int lookMs = 10000;
-constexpr qint64 lineSeconds = 180;
 
 /// A label's text, changed only when it is another: who has selected some of it keeps it.
 void setTextOf(QLabel *label, const QString &text)
@@ -201,7 +200,8 @@ void ConnectionPage::lookAtSystem()
             SystemView view;
             view.route = defaultRouteInterface();
             view.resolver = resolver();
-            view.line = lineStatus();
+            view.lineLog = lineStatus();
+            view.carrier = atmCarrier();
             if (isUp) {
                 view.isNameAnswered = doesNameServerAnswer(view.resolver.servers);
                 view.pppdSeconds = connectionSeconds(interface);
@@ -219,7 +219,8 @@ void ConnectionPage::takeSystem(const SystemView &view)
     m_surroundings.routeInterface = view.route;
     m_surroundings.nameServers = view.resolver.servers;
     m_surroundings.isNameAnswered = view.isNameAnswered;
-    m_line.line = view.line.value_or(LineStatus());
+    m_line.log = view.lineLog;
+    m_line.carrier = view.carrier;
     if (view.pppdSeconds) {
         controller().take(event::LinkSeen{*view.pppdSeconds});
     }
@@ -228,7 +229,13 @@ void ConnectionPage::takeSystem(const SystemView &view)
 
 void ConnectionPage::tellLine()
 {
-    controller().take(m_line);
+    event::LineSeen seen;
+    seen.line = lineStatusOf(m_line);
+    if (m_line.sample) {
+        seen.downMargin = m_line.sample->downMargin;
+        seen.upMargin = m_line.sample->upMargin;
+    }
+    controller().take(seen);
 }
 
 /// What it does not tell, or not this person, is left out of the facts.
@@ -238,8 +245,7 @@ void ConnectionPage::askKeeper()
         m_surroundings.today.reset();
         m_surroundings.month.reset();
         m_surroundings.lastSession.reset();
-        m_line.downMargin.reset();
-        m_line.upMargin.reset();
+        m_line.sample.reset();
         return;
     }
     AsyncBus &bus = controller().bus();
@@ -272,11 +278,11 @@ void ConnectionPage::askKeeper()
             controller().take(event::SessionsTold{sessions});
         });
     const qint64 now = QDateTime::currentSecsSinceEpoch();
-    bus.ask(keeperCall(KeeperMethod::GetLineQuality, {now - lineSeconds, now}), this,
+    bus.ask(keeperCall(KeeperMethod::GetLineQuality, {now - freshLineSeconds, now}), this,
         [this, rowsOf](const BusAnswer &answer) {
             const QList<LineSample> samples = lineSamples(rowsOf(answer));
-            m_line.downMargin = samples.isEmpty() ? std::nullopt : samples.last().downMargin;
-            m_line.upMargin = samples.isEmpty() ? std::nullopt : samples.last().upMargin;
+            m_line.sample
+                = samples.isEmpty() ? std::nullopt : std::optional<LineSample>(samples.last());
             tellLine();
         });
 }

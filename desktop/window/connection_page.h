@@ -2,6 +2,7 @@
 // How it stands, in one sentence, with the facts below.
 #pragma once
 
+#include "client/line_status.h"
 #include "client/link_facts.h"
 #include "desktop/model/connection_facts.h"
 #include "desktop/model/headline.h"
@@ -38,7 +39,8 @@ private:
         std::optional<QString> route;
         Resolver resolver;
         std::optional<bool> isNameAnswered;
-        std::optional<LineStatus> line;
+        std::optional<LineStatus> lineLog;
+        std::optional<bool> carrier;
         std::optional<qint64> pppdSeconds;
     };
 
@@ -63,7 +65,7 @@ private:
     Plot *m_plot;
     QTimer m_looks;
     Surroundings m_surroundings;
-    event::LineSeen m_line;
+    LineSources m_line;
     std::optional<Standing> m_shownStanding;
     bool m_isLooking = false;
     int m_factColumns = 0;

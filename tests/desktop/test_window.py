@@ -2,16 +2,22 @@
 """The window over the real daemon and keeper: what it says of them, and what it does when they go."""
 import re
 import signal
+import sqlite3
 import time
 
 import pytest
 
-from lab.machine.keeper_service import write_settings
+from lab.machine.keeper_service import STATE_FOLDER, write_settings
 from test_lab import IS_DEBIAN_13, start_on_wayland
 from window_world import WindowWorld
 
 LONG_PAUSES = "pause_hung_up = 600\npause_unanswered = 600\n"
 PAGES = ("Connection", "History", "Check-up", "Account and line", "Modem and driver", "Log")
+
+
+@pytest.fixture
+def machine(new_machine):
+    return new_machine(private_folders=["/sys/class/atm"])
 
 
 @pytest.fixture
@@ -36,6 +42,38 @@ def test_a_person_connects_reads_the_facts_and_disconnects(world):
     world.window.find("label", "Not connected")
     world.window.wait_gone("label", "10.64.0.100")
     assert world.window.nameless() == []
+
+
+def keep_with_a_look_at_the_line(computer):
+    """Starts a keeper that has looked at the line a moment ago; it does so once a minute."""
+    computer.start_keeper().stop()  # it makes its file
+    with sqlite3.connect(computer.machine.path(STATE_FOLDER) / "history.sqlite") as history:
+        history.execute("INSERT INTO line (span, time, carrier, down_rate, up_rate, down_margin,"
+                        " up_margin) VALUES (60, ?, 1, 6016.424, 640, 11.5, 14)", (int(time.time()),))
+    history.close()
+    computer.start_keeper()
+
+
+# The window asks the kernel that everything runs on for its log: most refuse an ordinary user, and what
+# the others show has no line of a modem in it.
+
+def test_the_line_is_told_to_whom_the_kernel_log_is_closed(world):
+    keep_with_a_look_at_the_line(world.computer)
+    world.computer.start_daemon()
+    world.open()
+    world.window.wait_text("6,016 down, 640 up, kbit/s")
+    world.window.wait_text("good (11.5 down, 14.0 up, dB)")
+
+
+def test_without_a_keeper_too_it_is_told_whether_the_line_is_up(world):
+    device = world.machine.path("/sys/class/atm/speedtch0")
+    device.mkdir()
+    (device / "carrier").write_text("1\n", encoding="ascii")
+    world.computer.start_daemon()
+    world.open()
+    world.window.wait_text("synchronised")
+    (device / "carrier").write_text("0\n", encoding="ascii")
+    world.window.wait_text("no synchronisation")
 
 
 def test_the_plot_is_read_with_the_keyboard(world):

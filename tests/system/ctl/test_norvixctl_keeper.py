@@ -224,6 +224,50 @@ def test_what_is_no_value_is_refused_before_anybody_is_asked(lone, line):
     assert keeper.asked == []
 
 
+# ---- the line
+
+@pytest.fixture(name="look_at_line")
+def look_at_line_fixture(new_machine):
+    """Whoever asks for the status while an ATM device has this carrier and the keeper has looked at
+    the line; nobody may read the kernel log."""
+    def look(carrier, **answers):
+        machine = new_machine(private_folders=["/sys/class/atm"])
+        keeper_service.prepare(machine)
+        machine.start_bus(policies=[keeper_service.POLICY])
+        device = machine.path("/sys/class/atm/cxacru0")
+        device.mkdir()
+        (device / "carrier").write_text("%d\n" % carrier, encoding="ascii")
+        start_keeper(machine, **answers)
+        return Ctl(machine)
+
+    return look
+
+
+def test_where_the_kernel_log_is_closed_the_keeper_tells_the_lines_rates(look_at_line):
+    ctl = look_at_line(1, GetLineQuality=("aa{sv}", samples(3)))
+    shown = ctl.json("status")
+    assert shown["line"] == {"state": "up", "downKbit": 8128, "upKbit": 832}
+    check_schema("status", shown)
+
+
+def test_a_rate_in_one_direction_is_told_alone(look_at_line):
+    [sample] = samples(1)
+    del sample["up_rate"]
+    ctl = look_at_line(1, GetLineQuality=("aa{sv}", [{**sample, "down_rate": ("d", 8127.656)}]))
+    assert ctl.json("status")["line"] == {"state": "up", "downKbit": 8128, "upKbit": None}
+    assert "synchronised, 8128 kbit/s down" in words(ctl("status"))
+
+
+def test_a_line_that_has_gone_since_the_keeper_looked_has_no_rates(look_at_line):
+    ctl = look_at_line(0, GetLineQuality=("aa{sv}", samples(3)))
+    assert ctl.json("status")["line"] == {"state": "down", "downKbit": None, "upKbit": None}
+
+
+def test_where_nobody_tells_rates_the_carrier_is_told(look_at_line):
+    ctl = look_at_line(1, GetLineQuality=("org.freedesktop.DBus.Error.AccessDenied", "no"))
+    assert ctl.json("status")["line"] == {"state": "up", "downKbit": None, "upKbit": None}
+
+
 # ---- the real one
 
 @pytest.fixture(name="world")

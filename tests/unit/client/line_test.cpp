@@ -3,6 +3,7 @@
 #include "client/disconnect_step.h"
 #include "client/doctor_facts.h"
 #include "client/line_log.h"
+#include "client/line_status.h"
 #include "client/link_facts.h"
 #include "client/modem_table.h"
 #include "daemon/modem_catalogue.h"
@@ -10,6 +11,22 @@
 #include "test_table.h"
 
 #include <QTest>
+
+Q_DECLARE_METATYPE(std::optional<bool>)
+Q_DECLARE_METATYPE(std::optional<LineSample>)
+
+namespace {
+
+LineSample sampleOf(double carrier, std::optional<double> downRate, std::optional<double> upRate)
+{
+    LineSample sample;
+    sample.carrier = carrier;
+    sample.downRate = downRate;
+    sample.upRate = upRate;
+    return sample;
+}
+
+} // namespace
 
 class ClientLineTest : public QObject
 {
@@ -85,6 +102,51 @@ private slots:
         QCOMPARE(status.downKbit.value_or(0), 8128);
         QCOMPARE(status.upKbit.value_or(0), 832);
         QCOMPARE(lineText(status), QStringLiteral("synchronised, 8128 kbit/s down, 832 kbit/s up"));
+    }
+
+    void whatTheKernelLogTellsIsTheLine()
+    {
+        const LineStatus synchronised{Line::Up, 8128, 832, QString()};
+        const auto status = lineStatusOf({synchronised, false, sampleOf(1, 6016, 640)});
+        QCOMPARE(lineText(status), QStringLiteral("synchronised, 8128 kbit/s down, 832 kbit/s up"));
+        const LineStatus training{Line::Synchronising, {}, {}, QString()};
+        QCOMPARE(lineText(lineStatusOf({training, true, sampleOf(1, 6016, 640)})),
+            QStringLiteral("synchronising"));
+    }
+
+    void whereTheKernelLogIsClosedOthersTellOfTheLine_data()
+    {
+        using Carrier = std::optional<bool>;
+        using Sample = std::optional<LineSample>;
+        const auto row = table<Carrier, Sample, QString>("carrier", "sample", "text");
+        row("nobody tells", {}, {}, "unknown");
+        row("there is a carrier", true, {}, "synchronised");
+        row("there is none", false, {}, "no synchronisation");
+        row("the keeper has looked", {}, sampleOf(1, 6016, 640),
+            "synchronised, 6016 kbit/s down, 640 kbit/s up");
+        row("both", true, sampleOf(1, 6016, 640), "synchronised, 6016 kbit/s down, 640 kbit/s up");
+        row("lost at the last look", {}, sampleOf(0, 6016, 640), "no synchronisation");
+        row("lost since", false, sampleOf(1, 6016, 640), "no synchronisation");
+        row("back since", true, sampleOf(0, 6016, 640), "synchronised");
+        row("one direction, rounded to cells", true, sampleOf(1, 8127.656, {}),
+            "synchronised, 8128 kbit/s down");
+        row("no rates yet", true, sampleOf(1, 0, 0), "synchronised");
+        row("a look at nothing", {}, LineSample(), "unknown");
+    }
+    void whereTheKernelLogIsClosedOthersTellOfTheLine()
+    {
+        QFETCH(std::optional<bool>, carrier);
+        QFETCH(std::optional<LineSample>, sample);
+        QTEST(lineText(lineStatusOf({std::nullopt, carrier, sample})), "text");
+        // The same where it is open and has no line of a modem any more.
+        QTEST(lineText(lineStatusOf({LineStatus(), carrier, sample})), "text");
+    }
+
+    void theKeeperTellsTheRatesOfADriverThatLogsNone()
+    {
+        const LineStatus operational{Line::Up, {}, {}, QString()};
+        QCOMPARE(lineText(lineStatusOf({operational, true, sampleOf(1, 6016, 640)})),
+            QStringLiteral("synchronised, 6016 kbit/s down, 640 kbit/s up"));
     }
 
     void oddLogsTellNothing_data()
