@@ -54,6 +54,7 @@ struct ConnectionModel::Taker
     void operator()(const event::DaemonAppeared &) const
     {
         model.forgetDaemon();
+        model.requestFailure = {};
         model.daemon = DaemonPresence::There;
     }
 
@@ -74,7 +75,7 @@ struct ConnectionModel::Taker
 
     void operator()(const event::DaemonAnswered &answer) const
     {
-        model.daemon = DaemonPresence::There;
+        model.takeVoice();
         if (answer.state) {
             model.takeState(*answer.state, now);
         }
@@ -92,7 +93,7 @@ struct ConnectionModel::Taker
 
     void operator()(const event::DaemonTold &told) const
     {
-        model.daemon = DaemonPresence::There; // who speaks is not silent
+        model.takeVoice();
         model.takeSignal(told.signal, told.arguments, now);
     }
 
@@ -134,7 +135,11 @@ struct ConnectionModel::Taker
     void operator()(const event::RequestFailed &failed) const
     {
         model.pending.reset();
-        model.requestFailure = failed.failure;
+        // What has come about although nobody answered has not failed.
+        if (failed.request != Request::Connect
+            || model.state.value_or(ConnectionDown) == ConnectionDown) {
+            model.requestFailure = failed.failure;
+        }
     }
 
     void operator()(const event::SleepTold &) const { }
@@ -168,6 +173,15 @@ void ConnectionModel::forgetDaemon()
     isBuilding = false;
     buildResult.reset();
     isRestarting = false;
+}
+
+/// Who speaks is not silent, and hears what was asked before.
+void ConnectionModel::takeVoice()
+{
+    if (daemon == DaemonPresence::Silent) {
+        requestFailure = {};
+    }
+    daemon = DaemonPresence::There;
 }
 
 void ConnectionModel::forgetLink()
@@ -243,6 +257,9 @@ void ConnectionModel::takeEnd(qint64 now)
     const bool wasAttempt
         = step == ConnectingStep::Started || step == ConnectingStep::WaitingForLine;
     forgetLink();
+    if (state.value_or(ConnectionDown) != ConnectionDown) {
+        requestFailure = {}; // what could not be ended has ended
+    }
     state = ConnectionDown;
     step = ConnectingStep::None;
     if (wasAttempt && trouble == Trouble::None) {
@@ -260,6 +277,7 @@ void ConnectionModel::takeLoss(const QString &reason, qint64 now)
     setTrouble(Trouble::Lost, now);
     if (state == ConnectionUp) {
         forgetLink();
+        requestFailure = {};
         state = ConnectionDown;
     }
 }
@@ -277,6 +295,10 @@ void ConnectionModel::takeKeeper(const KeeperState &told, qint64 now)
     const QLatin1String connected(KeeperPhase::connected);
     const bool wasConnected = keeper && keeper->phase == connected;
     keeper = told;
+    if (requestFailure.kind == FailureKind::KeeperNoAnswer
+        || requestFailure.kind == FailureKind::KeeperStopped) {
+        requestFailure = {};
+    }
     if (told.phase == connected) {
         takeKeepersTime();
         return;

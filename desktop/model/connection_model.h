@@ -55,7 +55,8 @@ public:
     ConnectingStep step = ConnectingStep::None;
     Trouble trouble = Trouble::None;
     qint64 troubleAt = 0;
-    Failure requestFailure; ///< of the last request, until the next
+    /// Of the last request, until the next, or until it is not so any more.
+    Failure requestFailure;
     std::optional<Request> pending; ///< asked for and not yet seen to happen
     qint64 waitSince = 0; ///< since when it is waited for the same
 
@@ -95,6 +96,7 @@ private:
 
     void forgetDaemon();
     void forgetLink();
+    void takeVoice();
     void takeState(int newState, qint64 now);
     void takeKeepersTime();
     void takeEnd(qint64 now);

@@ -108,6 +108,10 @@ QString waiting(const QString &what, const ConnectionModel &model, qint64 now)
 Headline connecting(const ConnectionModel &model, qint64 now)
 {
     const QString title = Say::tr("Connecting");
+    if (model.requestFailure) {
+        return {Standing::Connecting, title, requestFailureText(model.requestFailure),
+            Action::Cancel, wayOutOf(model.requestFailure)};
+    }
     switch (model.step) {
     case ConnectingStep::WaitingForLine:
         return {Standing::Connecting, title,
@@ -143,7 +147,9 @@ Headline connected(const ConnectionModel &model, qint64 now)
         headline.reason = Say::tr("For %1.").arg(durationText(*seconds));
     }
     Cause cause;
-    if (model.trouble != Trouble::None) {
+    if (model.requestFailure) {
+        cause = {requestFailureText(model.requestFailure), wayOutOf(model.requestFailure)};
+    } else if (model.trouble != Trouble::None) {
         cause = causeOf(model);
     } else if (model.keeper && model.keeper->reason == QLatin1String(KeeperReason::foreignLink)) {
         cause = keepersCause(model.keeper->reason);
@@ -303,6 +309,27 @@ QString requestFailureText(const Failure &failure)
         return Say::tr("The file %1 can not be used.").arg(failure.detail);
     }
     return {};
+}
+
+Failure absenceOf(DaemonPresence presence)
+{
+    switch (presence) {
+    case DaemonPresence::NoBus:
+        return {FailureKind::NoBus, {}};
+    case DaemonPresence::Away:
+        return {FailureKind::NoDaemon, {}};
+    case DaemonPresence::Silent:
+        return {FailureKind::NoAnswer, {}};
+    case DaemonPresence::Unknown:
+    case DaemonPresence::There:
+        break;
+    }
+    return {};
+}
+
+Action wayOutOf(const Failure &failure)
+{
+    return failure.kind == FailureKind::NotPermitted ? Action::SetUp : Action::CheckUp;
 }
 
 Headline headlineOf(const ConnectionModel &model, qint64 now)

@@ -55,6 +55,12 @@ QString troubleText(const ConnectionModel &model);
 /// Why a request has come to nothing, in the user's language; empty for none.
 QString requestFailureText(const Failure &failure);
 
+/// What every request fails with while the daemon is so; nothing where it is there.
+Failure absenceOf(DaemonPresence presence);
+
+/// Where a person goes on whom that failure has stopped.
+Action wayOutOf(const Failure &failure);
+
 /// What stands on a button.
 QString actionText(Action action);
 

@@ -2,7 +2,8 @@
 #include "desktop/session/theme.h"
 
 #include <QApplication>
-#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QStyleOption>
 
 namespace desktop {
 
@@ -85,20 +86,29 @@ QPalette paletteOf(const QColor &window, const QColor &base, const QColor &text,
     return palette;
 }
 
-/// Stands still.
-class CalmStyle : public QProxyStyle
-{
-public:
-    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-        QStyleHintReturn *returned) const override
-    {
-        return hint == SH_Widget_Animation_Duration || hint == SH_Widget_Animate
-            ? 0
-            : QProxyStyle::styleHint(hint, option, widget, returned);
-    }
-};
-
 } // namespace
+
+int OwnStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+    QStyleHintReturn *returned) const
+{
+    return m_isCalm && (hint == SH_Widget_Animation_Duration || hint == SH_Widget_Animate)
+        ? 0
+        : QProxyStyle::styleHint(hint, option, widget, returned);
+}
+
+void OwnStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
+    QPainter *painter, const QWidget *widget) const
+{
+    const auto *box = qstyleoption_cast<const QStyleOptionButton *>(option);
+    if (element != PE_IndicatorCheckBox || box == nullptr || !isDark(box->palette)) {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return;
+    }
+    // The edge is a darker shade of the window's ground, which in the dark nobody sees.
+    QStyleOptionButton visible = *box;
+    visible.palette.setColor(QPalette::Window, box->palette.color(QPalette::PlaceholderText));
+    QProxyStyle::drawPrimitive(element, &visible, painter, widget);
+}
 
 QPalette darkPalette()
 {
@@ -115,7 +125,9 @@ QPalette lightPalette()
 Theme::Theme(AsyncBus &sessionBus, QObject *parent)
     : QObject(parent)
     , m_bus(sessionBus)
+    , m_style(new OwnStyle(QStyleFactory::create(QApplication::style()->objectName())))
 {
+    QApplication::setStyle(m_style);
 }
 
 void Theme::start()
@@ -158,8 +170,8 @@ void Theme::takeChange(const QString &space, const QString &key, const QDBusVari
 
 void Theme::take(const QString &key, const QVariant &value)
 {
-    if (key == movementKey() && value.userType() == QMetaType::Bool && !value.toBool()) {
-        QApplication::setStyle(new CalmStyle);
+    if (key == movementKey() && value.userType() == QMetaType::Bool) {
+        m_style->setCalm(!value.toBool());
         return;
     }
     if (key != colourKey() || value.userType() != QMetaType::UInt) {

@@ -6,11 +6,36 @@
 
 #include <QDBusVariant>
 #include <QPalette>
+#include <QProxyStyle>
 
 namespace desktop {
 
 QPalette darkPalette();
 QPalette lightPalette();
+
+/// The platform's style, but for what its users could not see, or do not want to.
+class OwnStyle : public QProxyStyle
+{
+    Q_OBJECT
+
+public:
+    /// Takes @p base, or the platform's own for nothing.
+    explicit OwnStyle(QStyle *base = nullptr)
+        : QProxyStyle(base)
+    {
+    }
+
+    /// Whether everything stands still.
+    void setCalm(bool isCalm) { m_isCalm = isCalm; }
+
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+        QStyleHintReturn *returned) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+        const QWidget *widget = nullptr) const override;
+
+private:
+    bool m_isCalm = false;
+};
 
 /// Follows the desktop's portal. Without one the platform's own colours stay.
 class Theme : public QObject
@@ -30,6 +55,7 @@ private:
     void take(const QString &key, const QVariant &value);
 
     AsyncBus &m_bus;
+    OwnStyle *m_style; ///< the application has it
 };
 
 } // namespace desktop

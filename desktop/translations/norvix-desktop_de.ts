@@ -16,6 +16,10 @@
         <translation>Der Treiber des Modems konnte nicht gebaut werden.</translation>
     </message>
     <message>
+        <source>The modem is not restarted. %1</source>
+        <translation>Das Modem wird nicht neu gestartet. %1</translation>
+    </message>
+    <message>
         <source>The build has ended without an error.</source>
         <translation>Der Bau ist ohne Fehler zu Ende gegangen.</translation>
     </message>
@@ -1195,6 +1199,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Konto und Leitung</translation>
     </message>
     <message>
+        <source>%1 What is shown here may not be what is stored.</source>
+        <translation>%1 Was hier steht, ist vielleicht nicht das, was gespeichert ist.</translation>
+    </message>
+    <message>
         <source>An idle time of %1 is stored. Nothing acts on it: a connection that somebody wants stays.</source>
         <translation>Eine Ruhezeit von %1 ist gespeichert. Nichts richtet sich danach: Eine Verbindung, die jemand will, bleibt.</translation>
     </message>
@@ -1215,8 +1223,8 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Nach einem &amp;Verlust wieder verbinden</translation>
     </message>
     <message>
-        <source>The keeper, which does that, is not running.</source>
-        <translation>Der Wächter, der das tut, läuft nicht.</translation>
+        <source>The keeper, which does that, is not running. The check-up helps.</source>
+        <translation>Der Wächter, der das tut, läuft nicht. Die Überprüfung hilft.</translation>
     </message>
     <message>
         <source>Check again</source>
@@ -1495,6 +1503,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Welches Protokoll</translation>
     </message>
     <message>
+        <source>Clear the filter</source>
+        <translation>Filter leeren</translation>
+    </message>
+    <message>
         <source>Since the daemon&apos;s start</source>
         <translation>Seit dem Start des Dienstes</translation>
     </message>
@@ -1525,6 +1537,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
     <message>
         <source>Copied, without login and password.</source>
         <translation>Kopiert, ohne Benutzername und Passwort.</translation>
+    </message>
+    <message>
+        <source>Copied. The daemon did not say what the login is: look whether it stands in the copy before you give it away.</source>
+        <translation>Kopiert. Der Dienst hat den Benutzernamen nicht genannt: Sehen Sie nach, ob er in der Kopie steht, bevor Sie sie weitergeben.</translation>
     </message>
     <message>
         <source>ADSL modem</source>

@@ -73,6 +73,7 @@ void AccountForm::askForLogin()
                 const QSignalBlocker blocker(m_login);
                 m_login->setText(decodedWord(account.constFirst()));
             }
+            emit loginAnswered(answer.failure.kind != FailureKind::NotPermitted);
         });
 }
 

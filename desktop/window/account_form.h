@@ -21,6 +21,10 @@ public:
     /// Asks for the stored login, unless somebody is typing another.
     void askForLogin();
 
+signals:
+    /// Whether this person may know the login, as the last question for it has shown.
+    void loginAnswered(bool isPermitted);
+
 private:
     void judge();
     void store();

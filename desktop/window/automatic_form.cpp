@@ -29,7 +29,8 @@ AutomaticForm::AutomaticForm(Controller &controller, QWidget *parent)
     , m_boot{new QCheckBox(Say::tr("Connect when the computer &starts")), nullptr}
     , m_plug{new QCheckBox(Say::tr("Connect when the &modem is plugged in")), nullptr}
     , m_keep{new QCheckBox(Say::tr("Connect again a&fter a loss")), nullptr}
-    , m_keeperAway(textLabel(Say::tr("The keeper, which does that, is not running.")))
+    , m_keeperAway(
+          textLabel(Say::tr("The keeper, which does that, is not running. The check-up helps.")))
     , m_idle(textLabel())
 {
     auto *column = new QVBoxLayout(this);

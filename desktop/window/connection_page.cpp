@@ -114,9 +114,11 @@ void ConnectionPage::showFacts(qint64 now)
 {
     const QVector<ShownFact> facts = connectionFacts(controller().model(), m_surroundings, now);
     while (m_factLabels.size() < facts.size()) {
-        auto *label = new QLabel;
+        // What is shown without a parent is a window of its own for a moment.
+        auto *label = new QLabel(m_factGrid->parentWidget());
         label->setTextFormat(Qt::PlainText);
         QLabel *value = valueLabel();
+        value->setParent(m_factGrid->parentWidget());
         label->setBuddy(value);
         m_factLabels.append(label);
         m_factValues.append(value);

@@ -7,6 +7,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/errand.h"
+#include "desktop/model/headline.h"
 #include "desktop/pieces/pieces.h"
 #include "desktop/pieces/rights_panel.h"
 
@@ -101,7 +102,16 @@ DriverPage::DriverPage(Controller &controller, QWidget *parent)
     m_reading.setInterval(readMs);
     connect(&m_reading, &QTimer::timeout, this, &DriverPage::lookAgain);
     connect(m_help, &QPushButton::clicked, this,
-        [this] { this->controller().perform(Action::CheckUp); });
+        [this] { this->controller().perform(wayOutOf(m_restartFailure)); });
+    connect(&controller, &Controller::happened, this, [this](const Event &event) {
+        if (const auto *failed = std::get_if<event::RequestFailed>(&event)) {
+            m_restartFailure
+                = failed->request == Request::RestartModem ? failed->failure : Failure();
+        } else if (std::holds_alternative<event::Requested>(event)
+            || std::holds_alternative<event::DaemonAppeared>(event)) {
+            m_restartFailure = {};
+        }
+    });
     connect(m_restart, &QPushButton::clicked, this, &DriverPage::askToRestart);
     connect(m_build, &QPushButton::clicked, this, [this] {
         m_panel->perform(Verb::RestartDaemon, [this](const QByteArray &) {
@@ -155,13 +165,18 @@ void DriverPage::refresh()
 void DriverPage::showBuild()
 {
     const ConnectionModel &model = controller().model();
+    const Failure absence = absenceOf(model.daemon);
     QString text;
-    if (model.isBuilding) {
+    if (absence) {
+        text = requestFailureText(absence);
+    } else if (model.isBuilding) {
         const qint64 since = QDateTime::currentMSecsSinceEpoch() - m_buildingSince;
         text = Say::tr("The driver is being built, for %1 already. Connections wait until then.")
                    .arg(durationText(since / 1000));
     } else if (model.isRestarting) {
         text = Say::tr("The driver is loaded anew; this takes up to a minute.");
+    } else if (m_restartFailure) {
+        text = Say::tr("The modem is not restarted. %1").arg(requestFailureText(m_restartFailure));
     } else if (model.buildResult) {
         text = *model.buildResult
             ? Say::tr("The build has ended without an error.")
@@ -170,7 +185,9 @@ void DriverPage::showBuild()
     }
     m_building->setVisible(!text.isEmpty());
     m_building->setText(text);
-    m_help->setVisible(!model.isBuilding && model.buildResult == false);
+    const bool isBuildVain = !model.isBuilding && model.buildResult == false;
+    m_help->setVisible(absence || m_restartFailure || isBuildVain);
+    m_help->setText(actionText(wayOutOf(m_restartFailure)));
 }
 
 DriverPage::Seen DriverPage::look()

@@ -2,6 +2,7 @@
 // The modem, its driver, and a build of it.
 #pragma once
 
+#include "client/failure.h"
 #include "desktop/window/page.h"
 
 #include <QLabel>
@@ -66,6 +67,7 @@ private:
     QPlainTextEdit *m_output;
     QTimer m_reading;
     qint64 m_buildingSince = 0; ///< milliseconds since 1970; 0 while nothing is built
+    Failure m_restartFailure; ///< of the last wish to restart the modem
     bool m_isOnScreen = false;
     bool m_isReading = false;
     bool m_isReadingOwed = false; ///< something has happened since what is read now

@@ -5,6 +5,7 @@
 #include "dbus/contract.h"
 #include "desktop/controller.h"
 #include "desktop/model/connection_facts.h"
+#include "desktop/model/headline.h"
 #include "desktop/pieces/pieces.h"
 #include "desktop/plot/history_plots.h"
 #include "desktop/plot/plot.h"
@@ -90,7 +91,7 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     , m_heading(headingLabel())
     , m_choice(comfortable(new QComboBox))
     , m_message(textLabel())
-    , m_setUp(comfortable(new QPushButton(actionText(Action::SetUp))))
+    , m_help(comfortable(new QPushButton))
     , m_plot(new Plot)
     , m_table(sessionTable())
     , m_noSession(
@@ -116,7 +117,7 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
     column->setSpacing(gap);
     column->addLayout(head);
     column->addWidget(m_message);
-    column->addWidget(m_setUp, 0, Qt::AlignLeading);
+    column->addWidget(m_help, 0, Qt::AlignLeading);
     column->addWidget(m_plot, 1);
     column->addWidget(m_noSession);
     column->addWidget(m_table, 1);
@@ -130,8 +131,8 @@ HistoryPage::HistoryPage(Controller &controller, QWidget *parent)
         }
         showPlot();
     });
-    connect(m_setUp, &QPushButton::clicked, this,
-        [this] { this->controller().perform(Action::SetUp); });
+    connect(m_help, &QPushButton::clicked, this,
+        [this] { this->controller().perform(wayOutOf(m_failure)); });
     m_looks.setInterval(lookMs);
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &HistoryPage::showMessage);
@@ -272,7 +273,7 @@ void HistoryPage::showMessage()
     const std::optional<KeeperState> &keeper = controller().model().keeper;
     const qint64 waited = QDateTime::currentMSecsSinceEpoch() - m_askedAt;
     QString text;
-    bool canJoin = false;
+    bool isHelpKnown = true;
     if (!keeper) {
         text = Say::tr(
             "The keeper is not running. It remembers sessions and counts traffic while it "
@@ -287,15 +288,16 @@ void HistoryPage::showMessage()
                    .arg(durationText(waited / 1000));
     } else if (m_failure.kind == FailureKind::NotPermitted) {
         text = Say::tr("Only members of the group “norvix” may see the history.");
-        canJoin = true;
     } else if (m_failure) {
         text = requestFailureText(m_failure);
     } else {
         text = keeperHistoryText(keeper->history);
+        isHelpKnown = false;
     }
     m_message->setText(text);
     m_message->setVisible(!text.isEmpty());
-    m_setUp->setVisible(canJoin);
+    m_help->setText(actionText(wayOutOf(m_failure)));
+    m_help->setVisible(isHelpKnown);
 }
 
 void HistoryPage::showPlot()

@@ -63,7 +63,7 @@ private:
     QLabel *m_heading;
     QComboBox *m_choice;
     QLabel *m_message;
-    QPushButton *m_setUp;
+    QPushButton *m_help;
     Plot *m_plot;
     QTableWidget *m_table;
     QLabel *m_noSession;

@@ -110,23 +110,29 @@ void LineForm::showSettings(const QVariantMap &settings)
     m_isEdited = false; // it was not a person
 }
 
+QVariantMap LineForm::values() const
+{
+    return {{QStringLiteral("vpi"), m_vpi->value()}, {QStringLiteral("vci"), m_vci->value()},
+        {QStringLiteral("protocol"), m_protocol->currentData()},
+        {QStringLiteral("service"), m_service->text()}};
+}
+
 void LineForm::store()
 {
     m_store->setEnabled(false);
     m_outcome->inform(Say::tr("The line is being stored."));
-    const QVariantMap values{{QStringLiteral("vpi"), m_vpi->value()},
-        {QStringLiteral("vci"), m_vci->value()},
-        {QStringLiteral("protocol"), m_protocol->currentData()},
-        {QStringLiteral("service"), m_service->text()}};
-    m_controller.bus().ask(storeSettingsCall(values), this, [this](const BusAnswer &answer) {
-        m_store->setEnabled(true);
-        if (!answer.ok()) {
-            m_outcome->complain(requestFailureText(answer.failure));
-            return;
-        }
-        m_isEdited = false;
-        m_outcome->inform(Say::tr("The line is stored. It counts from the next connection on."));
-    });
+    const QVariantMap stored = values();
+    m_controller.bus().ask(
+        storeSettingsCall(stored), this, [this, stored](const BusAnswer &answer) {
+            m_store->setEnabled(true);
+            if (!answer.ok()) {
+                m_outcome->complain(requestFailureText(answer.failure));
+                return;
+            }
+            m_isEdited = values() != stored; // meanwhile
+            m_outcome->inform(
+                Say::tr("The line is stored. It counts from the next connection on."));
+        });
 }
 
 } // namespace desktop

@@ -30,6 +30,7 @@ private:
     void takeProvider();
     void edit();
     void store();
+    QVariantMap values() const;
 
     Controller &m_controller;
     const std::vector<Provider> m_providers = providersByName(); ///< as they are shown

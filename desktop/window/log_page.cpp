@@ -17,6 +17,7 @@
 #include <QHBoxLayout>
 #include <QLocale>
 #include <QScrollBar>
+#include <QToolButton>
 #include <algorithm>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -106,11 +107,16 @@ LogPage::LogPage(Controller &controller, QWidget *parent)
     , m_view(new QPlainTextEdit)
     , m_copy(new QPushButton(Say::tr("Copy report")))
 {
-    m_which->setAccessibleName(Say::tr("Which log"));
+    auto *whichLabel = new QLabel(Say::tr("Which log"), this);
+    whichLabel->setBuddy(m_which); // a name of the box's own is not told to screen readers
+    whichLabel->hide();
     m_which->addItem(Say::tr("Since the daemon's start"), QLatin1String(daemonLog));
     m_filter->setAccessibleName(Say::tr("Filter"));
     m_filter->setPlaceholderText(Say::tr("Filter"));
     m_filter->setClearButtonEnabled(true);
+    if (auto *clear = m_filter->findChild<QToolButton *>()) {
+        clear->setAccessibleName(Say::tr("Clear the filter"));
+    }
     m_follow->setChecked(true);
     m_notice->setWordWrap(true);
     m_view->setReadOnly(true);
@@ -245,7 +251,11 @@ void LogPage::copyReport()
             secrets += value.toStringList(); // a text alone is a list of one
         }
         QGuiApplication::clipboard()->setText(withoutAccount(text, secrets));
-        m_notice->setText(Say::tr("Copied, without login and password."));
+        m_notice->setText(answer.ok()
+                ? Say::tr("Copied, without login and password.")
+                : Say::tr(
+                    "Copied. The daemon did not say what the login is: look whether it stands "
+                    "in the copy before you give it away."));
     });
 }
 

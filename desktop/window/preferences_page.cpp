@@ -47,7 +47,7 @@ PreferencesPage::PreferencesPage(Controller &controller, Preferences &preference
         Say::tr("Where the desktop has no tray, the window is shown then. The connection does not "
                 "need this program: it stays when the program ends.")));
     beginColumn->addWidget(m_quit, 0, Qt::AlignLeading);
-    auto *column = new QVBoxLayout(this);
+    auto *column = new QVBoxLayout(scrolledContent(this));
     column->addWidget(notices);
     column->addWidget(begin);
     column->addStretch(1);

@@ -144,6 +144,51 @@ def test_what_somebody_else_stores_is_shown_unless_one_is_editing(world):
     assert field(world, "VPI", "spin box").value == 1
 
 
+def test_what_is_edited_while_the_line_is_stored_stays(world):
+    world.open(PAGE)
+    world.window.wait(lambda: field(world, "VCI", "spin box").value == 35, what="it is shown")
+    world.computer.daemon.signal(signal.SIGSTOP)
+    field(world, "VCI", "spin box").set_value(48)
+    world.window.press_button("Store line")
+    world.window.wait_text("The line is being stored.")
+    field(world, "VCI", "spin box").set_value(49)
+    world.computer.daemon.signal(signal.SIGCONT)
+    world.window.wait_text("The line is stored. It counts from the next connection on.")
+    world.window.press_button("Connect when the computer starts", role="check box")
+    wait_until(lambda: settings(world).get("connect_at_boot"), what="the next thing has happened")
+    assert settings(world)["vci"] == 48
+    assert field(world, "VCI", "spin box").value == 49
+
+
+def test_without_an_answer_it_is_said_that_something_else_may_be_stored(computer, desktop):
+    world = WindowWorld(computer, desktop)
+    doubt = "What is shown here may not be what is stored."
+    world.open(PAGE)
+    world.window.wait_text("The daemon is not running. " + doubt)
+    daemon = computer.start_daemon()
+    world.window.wait_gone("label", re.compile(re.escape(doubt)))
+    assert field(world, "Login").text == "login"
+    daemon.signal(signal.SIGSTOP)
+    world.window.wait_text("The daemon does not answer. " + doubt)
+    daemon.signal(signal.SIGCONT)
+    world.window.wait_gone("label", re.compile(re.escape(doubt)))
+    daemon.stop(signal.SIGKILL)
+    world.window.wait_text("The daemon is not running. " + doubt)
+    world.window.press_button("Check-up…")
+    world.window.find("push button", "Check again")
+
+
+def test_somebody_who_may_not_see_what_is_stored_is_told_so(computer, new_desktop):
+    world = WindowWorld(computer, new_desktop(user="other", member=False))
+    if not world.machine.rooted:
+        pytest.skip("other users exist inside only as root")
+    computer.start_daemon()
+    world.open(PAGE)
+    world.window.wait_text(re.compile("not allowed to use the modem yet. What is shown here may not"))
+    world.window.press_button("Set up…")
+    world.window.wait_text("1 of 5")
+
+
 def test_automatic_connection_is_switched_at_the_daemon_and_the_keeper(world):
     world.computer.start_keeper()
     world.open(PAGE)

@@ -49,6 +49,7 @@ def test_what_is_well_is_one_line_and_unfolds(computer, desktop):
     assert not has_row(desktop, "Daemon")
     desktop.window.find(None, fold).press()
     desktop.window.wait_text("Daemon")
+    assert desktop.window.nameless() == []
 
 
 def test_what_only_an_administrator_sees_is_looked_at_with_a_password(computer, desktop):

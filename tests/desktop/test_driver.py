@@ -10,6 +10,7 @@ import pytest
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "system"))
 
 from driver_world import HALT, UEAGLE_MODEM, DriverWorld, quick  # noqa: E402
+from window_world import WindowWorld  # noqa: E402
 
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="tarballs are trusted only if / is root's")
 BUILDING = re.compile("The driver is being built")
@@ -39,6 +40,49 @@ def build(world, compile):
     world.reached("compile")
 
 
+def test_a_driver_is_built_anew_by_a_daemon_that_an_administrator_restarts(computer, desktop):
+    world = WindowWorld(computer, desktop)
+    computer.start_daemon()
+    world.open("Modem and driver")
+    world.window.press_button("Build the driver anew…")
+    assert desktop.pkexec.wait_call()[1:] == ["/opt/norvix/libexec/norvix-desktop-mend",
+                                              "restart-daemon"]
+    world.window.wait_text(re.compile("^It did not succeed"))  # nobody manages services here
+
+
+def test_the_modem_is_restarted_from_here(computer, desktop):
+    world = WindowWorld(computer, desktop)
+    computer.start_daemon()
+    world.client.call("establishConnection")
+    world.open()
+    world.window.find("label", "Connected")
+    world.turn_to("Modem and driver")
+    world.window.press_button("Restart the modem…")
+    world.window.wait_text(re.compile("^This ends the connection"))
+    world.window.press_button("Restart")
+    world.turn_to("Connection")
+    world.window.find("label", "Not connected")
+
+
+def test_a_restart_of_the_modem_that_is_refused_is_told_here(computer, new_desktop):
+    world = WindowWorld(computer, new_desktop(user="other", member=False))
+    computer.start_daemon()
+    world.open("Modem and driver")
+    world.window.press_button("Restart the modem…")
+    world.window.wait_text("The modem is not restarted. You are not allowed to use the modem yet.")
+    world.window.find("push button", "Set up…")
+
+
+def test_without_a_daemon_the_page_says_why_nothing_can_be_restarted(computer, desktop):
+    world = WindowWorld(computer, desktop)
+    world.open("Modem and driver")
+    world.window.wait_text("The daemon is not running.")
+    assert not world.window.has("push button", "Restart the modem…", {"sensitive"})
+    assert world.window.nameless() == []
+    world.window.press_button("Check-up…")
+    world.window.find("push button", "Check again")
+
+
 def halting(before="true", after="true"):
     return "@%s; %s; %s" % (before, HALT.format("compile"), after)
 
@@ -64,6 +108,18 @@ def test_a_build_that_runs_is_followed_to_its_end(world, desktop):
     wait_output(desktop.window, "last piece")
     desktop.window.wait_gone(None, BUILDING)
     assert not desktop.window.has("progress bar")
+
+
+def test_who_wants_no_movement_is_told_of_a_build_in_words(world, desktop):
+    desktop.appearance.move(False)
+    build(world, halting())
+    desktop.start()
+    desktop.window.select("Pages", "Modem and driver")
+    desktop.window.wait_text(re.compile("for [2-9] s already"))
+    assert not desktop.window.has("progress bar")
+    desktop.appearance.move(True)
+    desktop.window.find("progress bar", "The driver is being built")
+    world.go("compile")
 
 
 def test_a_build_that_succeeds_is_told(world, desktop):

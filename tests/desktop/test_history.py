@@ -80,6 +80,14 @@ def test_what_the_plot_shows_can_be_chosen(world):
     world.window.find("chart", "Line rate, last day")
 
 
+def test_without_a_keeper_the_way_to_one_is_shown(world):
+    world.computer.keeper.stop()
+    world.open("History")
+    world.window.wait_text(re.compile("^The keeper is not running."))
+    world.window.press_button("Check-up…")
+    world.window.find("push button", "Check again")
+
+
 def test_a_keeper_that_hangs_is_waited_for_in_the_open(world):
     world.open("History")
     world.window.find("spin box", "Limit in a billing month", {"sensitive"}).set_value(60)

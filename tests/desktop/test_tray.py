@@ -65,6 +65,18 @@ def test_without_a_tray_closing_the_window_ends_the_program(desktop):
     assert program.wait() == 0
 
 
+def test_without_a_tray_who_closes_the_window_is_told_that_the_connection_stays(computer, desktop):
+    world = WindowWorld(computer, desktop)
+    computer.start_daemon()
+    world.open()
+    world.window.press_button("Connect")
+    world.window.find("label", "Connected")
+    desktop.keys("alt+F4")
+    assert desktop.started[0].wait() == 0
+    assert [shown.summary for shown in desktop.notifications.shown] == ["The connection stays"]
+    assert world.client.call("getConnectionState") == 0
+
+
 def test_a_tray_that_comes_later_gets_the_item(desktop):
     desktop.start("norvix-desktop")
     wait_shown(desktop)

@@ -23,3 +23,10 @@ norvix_desktop_test(caller norvix-desktop-rights)
 norvix_desktop_test(deed norvix-desktop-core)
 norvix_desktop_test(notice norvix-desktop-model)
 norvix_desktop_test(session norvix-desktop-core)
+
+# It speaks as the program does.
+norvix_translations(window_sentences desktop_test_translations
+  ${CMAKE_SOURCE_DIR}/desktop/translations/norvix-desktop_de.ts
+  ${CMAKE_SOURCE_DIR}/desktop/translations/norvix-desktop_en.ts)
+norvix_desktop_test(layout norvix-desktop-core)
+target_sources(unit-desktop_layout PRIVATE ${window_sentences})

@@ -241,6 +241,37 @@ private slots:
         QVERIFY(!afterOffline({failed, answeredState(ConnectionUp)}).requestFailure);
     }
 
+    void aFailureIsForgottenWhenItIsNotSoAnyMore()
+    {
+        const Event unheard = ev::RequestFailed{Request::Connect, {FailureKind::NoAnswer, {}}};
+        QVERIFY(afterOffline({unheard, answeredState(ConnectionDown)}).requestFailure);
+        QVERIFY(!afterOffline({ev::DaemonSilent(), unheard, answeredState(ConnectionDown)})
+                     .requestFailure);
+        QVERIFY(!afterOffline({ev::DaemonSilent(), unheard, told(DaemonSignal::modemUnplugged)})
+                     .requestFailure);
+        QVERIFY(!afterOffline({unheard, ev::DaemonLeft(), ev::DaemonAppeared()}).requestFailure);
+        const Event refused
+            = ev::RequestFailed{Request::Disconnect, {FailureKind::NotPermitted, {}}};
+        QVERIFY(!afterOffline({comesUp, refused, answeredState(ConnectionDown)}).requestFailure);
+        QVERIFY(!afterOffline({comesUp, refused, ev::LinkLost{"hung-up"}}).requestFailure);
+    }
+
+    void aKeeperThatTellsSomethingDoesAnswer()
+    {
+        const Event unheard
+            = ev::RequestFailed{Request::Connect, {FailureKind::KeeperNoAnswer, {}}};
+        const Event refused = ev::RequestFailed{Request::Connect, {FailureKind::NotPermitted, {}}};
+        QVERIFY(!afterOffline({unheard, ev::KeeperTold{}}).requestFailure);
+        QVERIFY(afterOffline({refused, ev::KeeperTold{}}).requestFailure);
+    }
+
+    void whatHasComeUpAllTheSameHasNotFailed()
+    {
+        QVERIFY(!afterOffline({ev::Requested{Request::Connect}, comesUp,
+                                  ev::RequestFailed{Request::Connect, {FailureKind::NoAnswer, {}}}})
+                     .requestFailure);
+    }
+
     void aDaemonThatIsStartedForConnectFindsItStillWanted()
     {
         const ConnectionModel model

@@ -190,6 +190,15 @@ private slots:
                     model.keeper->isLimitReached = true;
                 }),
             S::Attention, "Connected", "limit is reached", A::Disconnect);
+        row("connected, who may not has tried to end it",
+            both(up, failure(FailureKind::NotPermitted)), S::Attention, "Connected", "not allowed",
+            A::Disconnect, A::SetUp);
+        row("connected, the wish to end it was not answered",
+            both(up, failure(FailureKind::NoAnswer)), S::Attention, "Connected", "does not answer",
+            A::Disconnect, A::CheckUp);
+        row("attempt, who may not has tried to end it",
+            both(stateIs(1, ConnectingStep::Started), failure(FailureKind::NotPermitted)),
+            S::Connecting, "Connecting", "not allowed", A::Cancel, A::SetUp);
         row("refused", trouble(T::AccountRefused), S::Attention, "Not connected",
             "10:59: The provider refused login or password.", A::CheckAccount, A::Connect);
         row("refused, kept",

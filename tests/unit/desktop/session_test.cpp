@@ -9,6 +9,10 @@
 #include "desktop/window/log_page.h"
 #include "test_table.h"
 
+#include <QImage>
+#include <QPainter>
+#include <QStyleFactory>
+#include <QStyleOption>
 #include <QtTest>
 #include <csignal>
 #include <sys/resource.h>
@@ -54,6 +58,36 @@ private slots:
                     qPrintable(QStringLiteral("%1 on %2").arg(text).arg(ground)));
             }
         }
+    }
+
+    void anEmptyCheckBoxIsSeenInTheDark()
+    {
+        const OwnStyle style(QStyleFactory::create(QStringLiteral("Fusion")));
+        const QPalette palette = darkPalette();
+        QImage image(20, 20, QImage::Format_RGB32);
+        image.fill(palette.color(QPalette::Window));
+        QPainter painter(&image);
+        QStyleOptionButton box;
+        box.palette = palette;
+        box.rect = QRect(2, 2, 16, 16);
+        box.state = QStyle::State_Enabled | QStyle::State_Off;
+        style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, &painter);
+        const QColor edge = image.pixelColor(2, 10);
+        QVERIFY(contrast(edge, image.pixelColor(0, 10)) >= shapeContrast);
+        QVERIFY(contrast(edge, image.pixelColor(10, 10)) >= shapeContrast);
+    }
+
+    void whoWantsNoMovementSeesNoneUntilHeWantsItAgain()
+    {
+        OwnStyle style(QStyleFactory::create(QStringLiteral("Fusion")));
+        const auto duration = [&style] {
+            return style.styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, nullptr, nullptr);
+        };
+        QVERIFY(duration() > 0);
+        style.setCalm(true);
+        QCOMPARE(duration(), 0);
+        style.setCalm(false);
+        QVERIFY(duration() > 0);
     }
 
     void aReportLeavesTheAccountOut()
