@@ -387,9 +387,9 @@ ReadSettings settingsFrom(const QByteArray &text)
         if (line.text.startsWith('[')) {
             const int end = line.text.indexOf(']');
             const QByteArray name = line.text.mid(1, end < 0 ? -1 : end - 1).trimmed();
-            isOverlong = name.size() > longestSectionName;
             result.isWellFormed = result.isWellFormed && end >= 0;
             group = groupFrom(name);
+            isOverlong = group.size() > longestSectionName + 1; // the slash
         } else if (line.equals < 0 || isOverlong) {
             result.isWellFormed = false;
         } else {

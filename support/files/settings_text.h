@@ -11,8 +11,8 @@
 /// A larger file is no settings file of ours: real ones have a few hundred bytes.
 constexpr int mostSettingsBytes = 64 * 1024;
 
-/// The keys of a section with a longer name are left out: it stands before each of them, and a
-/// small file would take hundreds of megabytes.
+/// The keys of a section with a name of more characters are left out: it stands before each of
+/// them, and a small file would take hundreds of megabytes.
 constexpr int longestSectionName = 256;
 
 /// A value that is no plain one (a serialised object, say). It counts for nothing, is never
