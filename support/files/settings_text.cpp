@@ -382,24 +382,25 @@ ReadSettings settingsFrom(const QByteArray &text)
     const QByteArray content = text.startsWith(byteOrderMark) ? text.mid(3) : text;
     Lines lines(content);
     QString group;
-    bool isOverlong = false;
+    int room = mostKeyCharacters;
     for (Line line; lines.next(&line);) {
         if (line.text.startsWith('[')) {
             const int end = line.text.indexOf(']');
-            const QByteArray name = line.text.mid(1, end < 0 ? -1 : end - 1).trimmed();
             result.isWellFormed = result.isWellFormed && end >= 0;
-            group = groupFrom(name);
-            isOverlong = group.size() > longestSectionName + 1; // the slash
-        } else if (line.equals < 0 || isOverlong) {
-            result.isWellFormed = false;
-        } else {
-            int keyEnd = line.equals;
-            while (keyEnd > 0 && isBlank(line.text.at(keyEnd - 1))) {
-                --keyEnd;
-            }
-            result.values.insert(group + unescapedKey(line.text.left(keyEnd)),
-                valueFrom(line.text.mid(line.equals + 1)));
+            group = groupFrom(line.text.mid(1, end < 0 ? -1 : end - 1).trimmed());
+            continue;
         }
+        int keyEnd = line.equals;
+        while (keyEnd > 0 && isBlank(line.text.at(keyEnd - 1))) {
+            --keyEnd;
+        }
+        const QString name = unescapedKey(line.text.left(qMax(keyEnd, 0)));
+        if (line.equals < 0 || group.size() + name.size() > room) {
+            result.isWellFormed = false;
+            continue;
+        }
+        room -= group.size() + name.size();
+        result.values.insert(group + name, valueFrom(line.text.mid(line.equals + 1)));
     }
     return result;
 }

@@ -11,9 +11,9 @@
 /// A larger file is no settings file of ours: real ones have a few hundred bytes.
 constexpr int mostSettingsBytes = 64 * 1024;
 
-/// The keys of a section with a name of more characters are left out: it stands before each of
-/// them, and a small file would take hundreds of megabytes.
-constexpr int longestSectionName = 256;
+/// What all keys may take together, in characters, their sections' names before each of them: a
+/// small file with one long name would take hundreds of megabytes. Keys beyond are left out.
+constexpr int mostKeyCharacters = 4 * mostSettingsBytes;
 
 /// A value that is no plain one (a serialised object, say). It counts for nothing, is never
 /// decoded, and is written as it was read: it may be another program's.
@@ -31,7 +31,8 @@ struct ReadSettings
 };
 
 /// Reads @p text as QSettings reads its INI files, but for values that are no plain ones, which
-/// become an UndecodedSetting, and overlong sections. Keys of a group are "group/key".
+/// become an UndecodedSetting, and but for keys beyond mostKeyCharacters. Keys of a group are
+/// "group/key".
 ReadSettings settingsFrom(const QByteArray &text);
 
 /// The text that QSettings writes for the same values, byte for byte; groups in alphabetical order.
