@@ -221,6 +221,25 @@ def test_somebody_who_may_not_end_a_connection_is_told_so(computer, new_desktop)
     world.window.find("push button", "Set up…")
 
 
+def test_two_people_at_one_computer_see_the_same_connection(world, new_desktop):
+    if not world.machine.rooted:
+        pytest.skip("other users exist inside only as root")
+    other = new_desktop(user="other", member=False)
+    world.computer.start_daemon()
+    world.open()
+    other.start("norvix-desktop")
+    other.window.find("label", "Not connected")
+    world.window.press_button("Connect")
+    for session in (world.desktop, other):
+        session.window.find("label", "Connected")
+        session.window.wait_text("10.64.0.100")
+    other.window.press_button("Disconnect")
+    other.window.wait_text(re.compile("You are not allowed to use the modem yet."))
+    world.window.press_button("Disconnect")
+    for session in (world.desktop, other):
+        session.window.find("label", "Not connected")
+
+
 def test_the_keyboard_reaches_every_control_of_the_page(world):
     world.computer.start_daemon()
     world.open()
