@@ -243,17 +243,18 @@ private:
 QByteArray closedText(QByteArray text)
 {
     bool isQuoted = false;
+    int kept = 0; // up to where nothing takes in what follows
     for (int i = 0; i < text.size(); ++i) {
-        if (text.at(i) == '"') {
-            isQuoted = !isQuoted;
-        } else if (text.at(i) == '\\') {
-            ++i;
-            // An escaped carriage return would make one line end with the line feed behind it.
-            if (i == text.size() || (i + 1 == text.size() && text.at(i) == '\r')) {
-                text.truncate(i - 1);
-            }
+        const bool isEscape = text.at(i) == '\\';
+        i += isEscape ? 1 : 0;
+        // An escaped carriage return would make one line end with the line feed behind it.
+        if (isEscape && (i == text.size() || text.at(i) == '\r')) {
+            continue;
         }
+        isQuoted = isQuoted != (!isEscape && text.at(i) == '"');
+        kept = i + 1;
     }
+    text.truncate(kept);
     return isQuoted ? text + '"' : text;
 }
 

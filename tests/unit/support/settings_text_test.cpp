@@ -163,9 +163,9 @@ void TestSettingsText::whatIsNoPlainValueIsNeitherDecodedNorLost()
 void TestSettingsText::whatTheEndOfTheFileCutsOffTakesNoOtherLineIn_data()
 {
     const auto row = table<QByteArray>("cutOff");
-    for (const char *text :
-        {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\", "@Variant(x), a \\",
-            "@Variant(x), a\\\r", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
+    for (const char *text : {"@Variant(\\0), \\", "@Variant(\\0), \"x", "@Variant(x), \"a\\",
+             "@Variant(x), a \\", "@Variant(x), a\\\r", "@Variant(x), a\\\r\\",
+             "@Variant(x), a\\\r\\\r", "@Variant(\\\\), b", "@Variant(\"x\"), \"\\\""}) {
         row(text, QByteArray(text));
     }
 }
