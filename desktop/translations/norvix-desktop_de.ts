@@ -1487,6 +1487,10 @@ Zeigt das Fenster des USB-ADSL-Modems. Wo es schon offen ist, kommt es nach vorn
         <translation>Di&amp;enst (nur notiert)</translation>
     </message>
     <message>
+        <source>VPI and VCI are missing: choose your provider, or enter the values of its letter.</source>
+        <translation>VPI und VCI fehlen: Wählen Sie Ihren Anbieter, oder geben Sie die Werte aus seinem Schreiben ein.</translation>
+    </message>
+    <message>
         <source>The line is being stored.</source>
         <translation>Die Leitung wird gespeichert.</translation>
     </message>

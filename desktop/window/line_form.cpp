@@ -13,6 +13,7 @@ namespace desktop {
 
 namespace {
 
+constexpr int unset = -1;
 constexpr int mostVpi = 255;
 constexpr int mostVci = 65535;
 constexpr int mostService = 100;
@@ -44,8 +45,12 @@ LineForm::LineForm(Controller &controller, QWidget *parent)
     m_provider->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_provider->setMinimumContentsLength(20);
     m_provider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    m_vpi->setRange(0, mostVpi);
-    m_vci->setRange(0, mostVci);
+    m_vpi->setRange(unset, mostVpi);
+    m_vci->setRange(unset, mostVci);
+    for (QSpinBox *value : {m_vpi, m_vci}) {
+        value->setSpecialValueText(QStringLiteral(" ")); // 0 is a value that providers use
+        value->setValue(unset);
+    }
     m_service->setMaxLength(mostService);
     for (const QString &protocol : {QStringLiteral("PPPoE"), QStringLiteral("PPPoA")}) {
         m_protocol->addItem(protocolText(protocol), protocol);
@@ -119,6 +124,15 @@ QVariantMap LineForm::values() const
 
 void LineForm::store()
 {
+    for (QSpinBox *value : {m_vpi, m_vci}) {
+        if (value->value() == unset) {
+            m_outcome->complain(
+                Say::tr("VPI and VCI are missing: choose your provider, or enter the values of "
+                        "its letter."));
+            value->setFocus();
+            return;
+        }
+    }
     m_store->setEnabled(false);
     m_outcome->inform(Say::tr("The line is being stored."));
     const QVariantMap stored = values();
